@@ -1,0 +1,156 @@
+#include "orncommon/image/codec/freeimage/freeimagesurfacecodec.h"
+
+#include "orncommon/image/codec/freeimage/freeimagebitmaps.h"
+#include "orncommon/image/codec/freeimage/freeimageio.h"
+#include "orncommon/image/codec/freeimage/freeimagemetadata.h"
+#include "orncommon/image/codec/freeimage/freeimagemgr.h"
+#include "orncommon/image/codec/freeimage/freeimagesaveflags.h"
+#include "orncommon/image/codec/freeimage/tgagrayscalecodec.h"
+#include "orncommon/image/codec/surfacecodecoptions.h"
+#include "orncommon/image/surfaceoperations.h"
+
+#include <FreeImage.h>
+
+#include <QDebug>
+
+#include <utility>
+
+namespace Orn::Image::Codec {
+
+using Surfaces::PixelFormat;
+using Surfaces::Surface;
+
+namespace {
+
+void reportMessage(FREE_IMAGE_FORMAT plugin, char const* message)
+{
+    char const* const name = plugin == FIF_UNKNOWN ? "" : FreeImage_GetFormatFromFIF(plugin);
+    qWarning().noquote() << QStringLiteral("Freeimage Error>> %1. (format: %2)")
+                                .arg(QString::fromUtf8(message), QString::fromUtf8(name));
+}
+
+/// No compression that the library's plug-ins know packs tighter than this, with three kinds of exceptions.
+/// So a header that promises more than the file can hold is found out before any pixel is allocated.
+constexpr double tightestPacking = 4096.0;
+constexpr double alwaysAccepted = 16.0 * 1024 * 1024;
+constexpr double neverAccepted = 16.0 * 1024 * 1024 * 1024;
+
+bool packsWithoutBound(FREE_IMAGE_FORMAT plugin, unsigned int bitsPerPixel)
+{
+    bool const isBilevelTiff = plugin == FIF_TIFF && bitsPerPixel == 1;
+    return plugin == FIF_WEBP || plugin == FIF_J2K || plugin == FIF_JP2 || plugin == FIF_JXR ||
+           plugin == FIF_FAXG3 || isBilevelTiff;
+}
+
+/// Whether the size that the header states can be true for a file of this length. True where the plug-in
+/// can't read a header alone.
+bool isCredible(FREE_IMAGE_FORMAT plugin, FreeImageDevice& file)
+{
+    if (!FreeImage_FIFSupportsNoPixels(plugin))
+        return true;
+    Bitmap const header(FreeImage_LoadFromHandle(plugin, file.io(), file.handle(), FIF_LOAD_NOPIXELS));
+    if (!header || !file.rewind())
+        return false;
+    unsigned int const bits = FreeImage_GetBPP(header.get());
+    double const bytes =
+        double(FreeImage_GetWidth(header.get())) * FreeImage_GetHeight(header.get()) * bits / 8.0;
+    double const packed = double(file.device().size() - file.start());
+    return bytes <= alwaysAccepted ||
+           (bytes <= neverAccepted && (packsWithoutBound(plugin, bits) || bytes <= packed * tightestPacking));
+}
+
+/// In what form a surface goes into the file.
+struct Target
+{
+    PixelFormat format = Surfaces::PixelFormat_Invalid;
+    FreeImageType type = FIT_UNKNOWN;
+    std::unique_ptr<ICustomFreeImageCodec> custom;
+};
+
+bool chooseTarget(FreeImageMgr const& mgr, FREE_IMAGE_FORMAT plugin, QSharedPointer<Surface> const& surface,
+                  Target& target)
+{
+    if (plugin == FIF_TARGA && TGAGrayscaleCodec::canSave(surface)) {
+        target.custom = std::make_unique<TGAGrayscaleCodec>();
+        target.type = target.custom->getBitmapType(surface);
+        target.format = target.custom->getSurfaceConvertedFormat(surface);
+        return true;
+    }
+    if (!mgr.findBestMatches(plugin, surface->format(), target.type, target.format))
+        return false;
+    // An opaque image is never stored with an alpha channel in these two.
+    bool const dropsOpaqueAlpha = plugin == FIF_TARGA || plugin == FIF_BMP;
+    if (dropsOpaqueAlpha && !Core::hasPixelWithAlpha(*surface))
+        target.format = Core::removeAlpha(target.format);
+    return true;
+}
+
+} // namespace
+
+FreeimageSurfaceCodec::FreeimageSurfaceCodec(std::weak_ptr<FreeImageMgr> mgr, QIODevice& device,
+                                             QByteArray const& format)
+    : m_mgr(std::move(mgr)), m_device(device), m_format(format)
+{
+}
+
+FreeImageFormat FreeimageSurfaceCodec::pluginOfName(QByteArray const& format)
+{
+    return format.isEmpty() ? FIF_UNKNOWN : FreeImage_GetFIFFromFilename("file." + format);
+}
+
+FreeImageFormat FreeimageSurfaceCodec::pluginOfContent(QIODevice& device, QByteArray const& format)
+{
+    FreeImageDevice file(device);
+    FREE_IMAGE_FORMAT const plugin = FreeImage_GetFileTypeFromHandle(file.io(), file.handle());
+    file.rewind();
+    return plugin != FIF_UNKNOWN ? plugin : pluginOfName(format);
+}
+
+bool FreeimageSurfaceCodec::doRead(QSharedPointer<Surface>& surface, SurfaceCodecOptions* options)
+{
+    auto const mgr = m_mgr.lock();
+    auto const plugin = FREE_IMAGE_FORMAT(pluginOfContent(m_device, m_format));
+    if (!mgr || plugin == FIF_UNKNOWN)
+        return false;
+    FreeImage_SetOutputMessage(reportMessage);
+    FreeImageDevice file(m_device);
+    Bitmap bitmap;
+    {
+        auto const locker = mgr->getLocker(plugin);
+        if (!isCredible(plugin, file))
+            return false;
+        bitmap.reset(FreeImage_LoadFromHandle(plugin, file.io(), file.handle(), 0));
+    }
+    if (!bitmap || !FreeImage_HasPixels(bitmap.get()))
+        return false;
+    if (options != nullptr)
+        readMetadata(bitmap.get(), *options);
+    surface = surfaceFromBitmap(std::move(bitmap));
+    return !surface.isNull();
+}
+
+bool FreeimageSurfaceCodec::doWrite(QSharedPointer<Surface> const& surface,
+                                    SurfaceCodecOptions const* options)
+{
+    auto const mgr = m_mgr.lock();
+    auto const plugin = FREE_IMAGE_FORMAT(pluginOfName(m_format));
+    Target target;
+    if (!mgr || plugin == FIF_UNKNOWN || !chooseTarget(*mgr, plugin, surface, target))
+        return false;
+    FreeImage_SetOutputMessage(reportMessage);
+    Bitmap bitmap = bitmapFromSurface(*surface, target.format, target.type);
+    if (bitmap && !target.custom)
+        bitmap = settleDepth(std::move(bitmap), plugin);
+    if (!bitmap)
+        return false;
+    if (options != nullptr)
+        writeMetadata(bitmap.get(), *options);
+    int const flags = options != nullptr ? saveFlags(plugin, *options) : 0;
+    FreeImageDevice file(m_device);
+    auto const locker = mgr->getLocker(plugin);
+    if (target.custom)
+        return target.custom->save(file.io(), bitmap.get(), file.handle(), 0, flags, nullptr);
+    return FreeImage_SaveToHandle(plugin, bitmap.get(), file.io(), file.handle(), flags) != FALSE;
+}
+
+} // namespace Orn::Image::Codec
