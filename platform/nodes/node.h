@@ -1,21 +1,25 @@
 #pragma once
 
-// What a node kind is: its declaration, read by the cooker, the documentation, the engine and the tests, and its kernel.
+// What a node kind is: its declaration, read by the cooker, the documentation, the engine and the tests, and
+// its kernel.
 //
-// One kind is one file in this folder. It declares operands (images that come in by links) and parameters, and gives a
-// kernel of one of two shapes:
+// One kind is one file in this folder. It declares operands (images that come in by links) and parameters,
+// and gives a kernel of one of two shapes:
 //
-//  - A *point* kernel computes a row of pixels from the same pixels of its operands. The engine fuses chains of point
+//  - A *point* kernel computes a row of pixels from the same pixels of its operands. The engine fuses chains
+//  of point
 //    kernels and runs them over strips that stay in cache.
-//  - An *area* kernel reads whole operands and writes bands of rows of its result, in one or more passes. Passes before
+//  - An *area* kernel reads whole operands and writes bands of rows of its result, in one or more passes.
+//  Passes before
 //    the last write scratch images that later passes read.
 //
-// Pixels are floats in planes: one plane for grey, four (R, G, B, A, not premultiplied) for colour. 0 to 1 is the nominal
-// range, values outside are kept. x runs right, y down; pixel (x, y) has its centre at ((x + 0.5) / width, (y + 0.5) /
-// height). Pictures wrap around at their edges unless a parameter says otherwise.
+// Pixels are floats in planes: one plane for grey, four (R, G, B, A, not premultiplied) for colour. 0 to 1 is
+// the nominal range, values outside are kept. x runs right, y down; pixel (x, y) has its centre at ((x + 0.5)
+// / width, (y + 0.5) / height). Pictures wrap around at their edges unless a parameter says otherwise.
 //
-// The same inputs give the same bytes for every instruction set, strip size and number of threads: kernels use no fused
-// multiply-add, no reciprocal estimates and no library transcendental, only math.h of this folder.
+// The same inputs give the same bytes for every instruction set, strip size and number of threads: kernels
+// use no fused multiply-add, no reciprocal estimates and no library transcendental, only math.h of this
+// folder.
 
 #include "platform/program/program.h"
 
@@ -30,8 +34,16 @@ namespace vellor::nodes {
 
 constexpr int kMaxChannels = 4;
 
-enum class ParameterType : std::uint8_t {
-    Float, Float2, Float3, Float4, Int, Int2, Int3, Int4,
+enum class ParameterType : std::uint8_t
+{
+    Float,
+    Float2,
+    Float3,
+    Float4,
+    Int,
+    Int2,
+    Int3,
+    Int4,
     Bool,         // an Int of 0 or 1
     Choice,       // an Int: index into choices
     Text,         // blob (UTF-8) or text input
@@ -46,13 +58,15 @@ struct ParameterDeclaration
     const char* name;
     ParameterType type;
     std::array<double, 4> defaultValue{}; // by component
-    double minimum = 0.0, maximum = 1.0;  // meaningful range, for documentation and widgets; kernels clamp what would hurt
-    const char* text;                     // one sentence for the documentation
-    std::vector<const char*> choices{};   // type Choice
+    double minimum = 0.0,
+           maximum = 1.0; // meaningful range, for documentation and widgets; kernels clamp what would hurt
+    const char* text;     // one sentence for the documentation
+    std::vector<const char*> choices{}; // type Choice
 };
 
 /// Which images an operand takes. The cooker converts what doesn't fit, so kernels get what they declare.
-enum class OperandChannels : std::uint8_t {
+enum class OperandChannels : std::uint8_t
+{
     Grey,
     Colour,
     Result // as many channels as the node's result
@@ -67,7 +81,8 @@ struct OperandDeclaration
 };
 
 /// How many channels the result has.
-enum class ResultChannels : std::uint8_t {
+enum class ResultChannels : std::uint8_t
+{
     Grey,
     Colour,
     FromOperands, // colour if any image connected to an operand declared Result is colour, else grey
@@ -77,15 +92,16 @@ enum class ResultChannels : std::uint8_t {
 /// Parameter values of one evaluation, in the order of the declaration.
 struct ParameterValue
 {
-    std::array<float, 4> f{};        // Float types
-    std::array<std::int32_t, 4> i{}; // Int types, Bool, Choice
-    std::u32string_view text;        // Text
+    std::array<float, 4> f{};           // Float types
+    std::array<std::int32_t, 4> i{};    // Int types, Bool, Choice
+    std::u32string_view text;           // Text
     const std::uint8_t* blob = nullptr; // Curve, Gradient; null: the declared default shape
     std::size_t blobSize = 0;
     const program::ValueProgram* program = nullptr; // PixelProgram
 };
 
-/// A picture that kernels read. Planes are aligned to 64 bytes, stride counts floats and keeps that alignment.
+/// A picture that kernels read. Planes are aligned to 64 bytes, stride counts floats and keeps that
+/// alignment.
 struct ImageView
 {
     std::array<const float*, kMaxChannels> planes{};
@@ -116,14 +132,16 @@ struct Setup
     ImageView image;
 };
 
-/// What a kernel worked out once for all pixels: tables, weights, outlines. Read-only afterwards, shared by threads.
+/// What a kernel worked out once for all pixels: tables, weights, outlines. Read-only afterwards, shared by
+/// threads.
 struct State
 {
     virtual ~State() = default;
 };
 
 /// One row of pixels of a point kernel: pixels x to x + count - 1 of row y.
-/// Row pointers are aligned to 64 bytes and padded, so that whole vectors may be read and written beyond count.
+/// Row pointers are aligned to 64 bytes and padded, so that whole vectors may be read and written beyond
+/// count.
 struct RowJob
 {
     const State* state = nullptr;
@@ -154,7 +172,8 @@ struct NodeDeclaration
 {
     const char* name;     // stable: part of authoring files and compiled packages
     const char* label;    // for people
-    const char* category; // "Sources", "Patterns", "Tone", "Combining", "Neighbourhood", "Geometry", "Surface", "Programs"
+    const char* category; // "Sources", "Patterns", "Tone", "Combining", "Neighbourhood", "Geometry",
+                          // "Surface", "Programs"
     const char* text;     // what it does, for the documentation; names the source of its method
     ResultChannels result;
     std::vector<OperandDeclaration> operands;
