@@ -5,37 +5,37 @@
 #include <QMap>
 #include <QString>
 
-// The one engine of the process, and the operations on it.
-//
-// There is at most one back end at a time. The operations forward to it; with none, those with a result give
-// NoBackEnd, and the others do nothing. Main thread, save where <vellor/engine.h> allows another.
+/// The one engine of the process, and the operations on it.
+///
+/// There is at most one back end at a time. The operations forward to it; with none, those with a result give
+/// NoBackEnd, and the others do nothing. Main thread, save where <vellor/engine.h> allows another.
 namespace Zph::Engine {
 
-// The result of an operation when no engine is loaded.
+/// The result of an operation when no engine is loaded.
 constexpr uint32_t NoBackEnd = 0xffffffffu;
 
-// Puts the engine at `path` in the place of the current one, whose handles and contexts are gone already.
-// A library that is not valid leaves none. The result says whether there is one now.
+/// Puts the engine at `path` in the place of the current one, whose handles and contexts are gone already.
+/// A library that is not valid leaves none. The result says whether there is one now.
 bool load(const QString& path);
 
-// Drops the current engine, if any.
+/// Drops the current engine, if any.
 void unload();
 
 bool isLoaded();
 
-// Whether the file is an engine. Loads it for the time of the question.
+/// Whether the file is an engine. Loads it for the time of the question.
 bool probe(const QString& path);
 
-// The version record of the engine in a file; false if it is none. The texts outlive the library.
+/// The version record of the engine in a file; false if it is none. The texts outlive the library.
 bool engineInfo(const QString& path, VellorVersion& version);
 
-// Puts the engines of a folder (links are not followed) into `engines`, by absolute path.
+/// Puts the engines of a folder (links are not followed) into `engines`, by absolute path.
 void scanEngines(const QString& directory, QMap<QString, VellorVersion>& engines);
 
-// What an engine identifier stands for, translated; empty for an unknown one.
+/// What an engine identifier stands for, translated; empty for an unknown one.
 QString engineDescription(uint32_t engineId);
 
-// "major.minor.patch", with "-label" if there is a label.
+/// "major.minor.patch", with "-label" if there is a label.
 QString engineVersionText(const VellorVersion& version);
 
 void getCurrentVersion(VellorVersion* version, uint32_t apiVersion);

@@ -4,8 +4,8 @@
 
 namespace Zph::Engine::DynLoad {
 
-// The binding to one engine: an operation for each entry point of <vellor/engine.h>, where their arguments,
-// results, threads and ownership are told. Only to be called while isValid() is true.
+/// The binding to one engine: an operation for each entry point of <vellor/engine.h>, where their arguments,
+/// results, threads and ownership are told. Only to be called while isValid() is true.
 class BackEndBase
 {
 public:

@@ -7,7 +7,7 @@
 
 namespace Zph::Engine::DynLoad {
 
-// The entry points of one engine library, in the order in which they are resolved. Null before that.
+/// The entry points of one engine library, in the order in which they are resolved. Null before that.
 struct EntryPoints
 {
     VellorGetCurrentVersionImplFn getCurrentVersion = nullptr;
@@ -36,18 +36,18 @@ struct EntryPoints
     VellorHandleTransferCacheFn handleTransferCache = nullptr;
 };
 
-// An engine in a shared library of this process. The library stays loaded as long as the object lives.
+/// An engine in a shared library of this process. The library stays loaded as long as the object lives.
 class BackEndLocal : public BackEndBase
 {
 public:
-    // Loads the library and resolves all 24 entry points. Valid if none is missing and the engine's version
-    // record has the status 0.
+    /// Loads the library and resolves all 24 entry points. Valid if none is missing and the engine's version
+    /// record has the status 0.
     explicit BackEndLocal(const QString& path);
     ~BackEndLocal() override;
     BackEndLocal(const BackEndLocal&) = delete;
     BackEndLocal& operator=(const BackEndLocal&) = delete;
 
-    // As it was given to the constructor.
+    /// As it was given to the constructor.
     const QString& path() const { return m_path; }
 
     bool isValid() const override { return m_valid; }

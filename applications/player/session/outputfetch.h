@@ -1,0 +1,14 @@
+#pragma once
+
+#include "applications/player/session/valueorsurfaceplayer.h"
+
+#include <vellor/engine.h>
+
+namespace Zph::Applications::Player {
+
+/// Fetches a finished output, a number or a picture by its type, from inside the output-complete callback.
+/// The result is VELLOR_OK, the engine's code, or VELLOR_ERROR_TYPE for a type that can't be fetched; then
+/// `result` stays.
+quint32 fetchOutput(VellorHandle* handle, quint32 index, ValueOrSurfacePlayer& result);
+
+} // namespace Zph::Applications::Player
