@@ -3,6 +3,8 @@
 #include "common/engine/backend.h"
 #include "orncommon/core/applicationsettings.h"
 #include "orncommon/core/debug.h"
+#include "orncommon/core/scopedsettings.h"
+#include "orncommon/core/settingkey.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -17,7 +19,7 @@ using Orn::Core::ApplicationSettings;
 using Orn::Core::ScopedSettingsBeginGroup;
 using SettingsPtr = QSharedPointer<Orn::Core::ISettings>;
 
-const QString currentKey = QStringLiteral("preferences/engines/current");
+const Orn::Core::SettingKey<QString> currentSetting{"preferences/engines/current", {}};
 const QString mruGroup = QStringLiteral("preferences/engines/MRU");
 
 struct State
@@ -45,9 +47,9 @@ void becomeCurrent(const QString& path)
         return;
     state().current = path;
     if (path.isEmpty())
-        preferences()->remove(currentKey);
+        currentSetting.remove();
     else
-        preferences()->setValue(currentKey, path);
+        currentSetting.write(path);
 }
 
 bool isListed(const QVector<EngineDescPtr>& engines, const QString& path)
@@ -84,7 +86,7 @@ QStringList sortedKeys(const SettingsPtr& settings)
 QString keyOf(const SettingsPtr& settings, const QString& path)
 {
     for (const QString& key : sortedKeys(settings)) {
-        if (QFileInfo(settings->value(key, QVariant()).toString()) == QFileInfo(path))
+        if (QFileInfo(settings->value(key).toString()) == QFileInfo(path))
             return key;
     }
     return {};
@@ -103,7 +105,7 @@ void appendMRU(QVector<EngineDescPtr>& engines)
     const SettingsPtr settings = preferences();
     const ScopedSettingsBeginGroup group(settings, mruGroup);
     for (const QString& key : sortedKeys(settings)) {
-        const QString path = settings->value(key, QVariant()).toString();
+        const QString path = settings->value(key).toString();
         if (!QFileInfo::exists(path) || !appendEngine(engines, path, false))
             settings->remove(key);
     }
@@ -152,7 +154,7 @@ QString resolve(const QString& name)
 
 bool loadCurrent(const QString& fallback)
 {
-    return load(resolve(preferences()->value(currentKey, fallback).toString()));
+    return load(resolve(currentSetting.isStored() ? currentSetting.read() : fallback));
 }
 
 bool load(const QString& path)
