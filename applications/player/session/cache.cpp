@@ -1,7 +1,5 @@
 #include "applications/player/session/cache.h"
 
-#include "applications/player/description/packagemodel.h"
-
 namespace Zph::Applications::Player {
 
 ValueOrSurfacePlayer Cache::get(ORNUInt32 uid) const
@@ -10,9 +8,10 @@ ValueOrSurfacePlayer Cache::get(ORNUInt32 uid) const
     return entry == m_results.end() ? ValueOrSurfacePlayer() : entry->second;
 }
 
-void Cache::setDescription(std::shared_ptr<const PackageModel> description)
+void Cache::setDescription(std::shared_ptr<const PackageModel> description, Dependencies dependencies)
 {
     m_description = std::move(description);
+    m_dependencies = std::move(dependencies);
 }
 
 void Cache::pushOutput(ORNUInt32 uid, const ValueOrSurfacePlayer& value)
@@ -32,12 +31,11 @@ void Cache::clear()
 
 void Cache::inputChanged(int index)
 {
-    const AlterationLinks* links = m_description ? &m_description->alterationLinks() : nullptr;
-    if (!links || index < 0 || std::size_t(index) >= links->size()) {
+    if (!m_description || index < 0 || std::size_t(index) >= m_dependencies.size()) {
         clear();
         return;
     }
-    for (const quint32 uid : (*links)[std::size_t(index)])
+    for (const quint32 uid : m_dependencies[std::size_t(index)])
         invalidateOutput(uid);
 }
 

@@ -1,0 +1,184 @@
+#include "platform/engines/cpu/chain.h"
+
+#include <algorithm>
+
+namespace vellor::cpu {
+namespace {
+
+/// Bytes of slots that are sure to stay in the second cache of a core, beside the rows of whole pictures.
+constexpr int kSlotBytes = 256 << 10;
+constexpr int kMinTile = 256, kMaxTile = 4096; // pixels; multiples of 16
+
+} // namespace
+
+/// Fills a chain: finds a place for every plane and prepares the kernels.
+class Chain::Compiler
+{
+public:
+    Compiler(Chain& chain, const Plan& plan, const Stage& stage, const Pictures& read,
+             const std::unordered_map<int, nodes::MutableImage>& written)
+        : chain_(chain), plan_(plan), stage_(stage), read_(read), written_(written)
+    {
+    }
+
+    void compile()
+    {
+        findLastReaders();
+        for (std::size_t at = 0; at < stage_.nodes.size(); ++at)
+            addCall(static_cast<int>(at));
+        const int slots = std::max(1, chain_.slotCount_);
+        const int fitting = kSlotBytes / (slots * static_cast<int>(sizeof(float))) / 16 * 16;
+        const int row = (chain_.width_ + 15) / 16 * 16;
+        chain_.tileWidth_ = std::min(std::clamp(fitting, kMinTile, kMaxTile), row);
+    }
+
+private:
+    using Places = std::array<Place, nodes::kMaxChannels>;
+
+    void findLastReaders()
+    {
+        for (std::size_t at = 0; at < stage_.nodes.size(); ++at) {
+            lastReader_[stage_.nodes[at]] = static_cast<int>(at);
+            for (const int operand : plan_.nodes[stage_.nodes[at]].operands)
+                if (const auto found = lastReader_.find(operand); found != lastReader_.end())
+                    found->second = static_cast<int>(at);
+        }
+    }
+
+    void addCall(int at)
+    {
+        const PlanNode& node = plan_.nodes[stage_.nodes[at]];
+        Call call;
+        call.row = node.kind->row;
+        call.channels = node.channels;
+        call.firstOperand = chain_.operands_.size();
+        call.operandPlanes = node.operands.size() * nodes::kMaxChannels;
+        std::vector<nodes::ImageView> views(node.operands.size());
+        for (std::size_t i = 0; i < node.operands.size(); ++i) {
+            const Places places = node.operands[i] == kNoNode ? Places() : placesOf(node.operands[i]);
+            chain_.operands_.insert(chain_.operands_.end(), places.begin(), places.end());
+            if (node.operands[i] != kNoNode)
+                views[i] = shapeOf(node.operands[i]);
+        }
+        const auto picture = read_.find(node.picture);
+        const nodes::Setup setup =
+            setupOf(plan_, node, views, picture == read_.end() ? nodes::ImageView() : picture->second);
+        call.state = prepareNode(node, setup);
+        call.result = addResult(stage_.nodes[at], node);
+        chain_.calls_.push_back(std::move(call));
+        releaseSlots(at, node);
+    }
+
+    nodes::ImageView shapeOf(int operand) const
+    {
+        nodes::ImageView view;
+        view.width = plan_.nodes[operand].width;
+        view.height = plan_.nodes[operand].height;
+        view.channels = plan_.nodes[operand].channels;
+        return view;
+    }
+
+    Places placesOf(int node) const
+    {
+        if (const auto inside = places_.find(node); inside != places_.end())
+            return inside->second;
+        const nodes::ImageView& view = read_.at(node);
+        Places places;
+        for (int c = 0; c < view.channels; ++c)
+            places[c] = {const_cast<float*>(view.planes[c]), view.stride, -1}; // read only: an operand
+        return places;
+    }
+
+    Places addResult(int index, const PlanNode& node)
+    {
+        Places& places = places_[index];
+        const auto whole = written_.find(index);
+        for (int c = 0; c < node.channels; ++c) {
+            if (whole != written_.end())
+                places[c] = {whole->second.planes[c], whole->second.stride, -1};
+            else
+                places[c].slot = takeSlot();
+        }
+        return places;
+    }
+
+    int takeSlot()
+    {
+        if (free_.empty())
+            return chain_.slotCount_++;
+        const int slot = free_.back();
+        free_.pop_back();
+        return slot;
+    }
+
+    /// Slots whose last reader is the node at `at` are for the nodes behind it.
+    void releaseSlots(int at, const PlanNode& node)
+    {
+        std::vector<int> done = node.operands;
+        done.push_back(stage_.nodes[at]);
+        std::sort(done.begin(), done.end());
+        done.erase(std::unique(done.begin(), done.end()), done.end());
+        for (const int index : done) {
+            const auto found = places_.find(index);
+            if (found == places_.end() || lastReader_.at(index) != at)
+                continue;
+            for (const Place& place : found->second)
+                if (place.slot >= 0)
+                    free_.push_back(place.slot);
+        }
+    }
+
+    Chain& chain_;
+    const Plan& plan_;
+    const Stage& stage_;
+    const Pictures& read_;
+    const std::unordered_map<int, nodes::MutableImage>& written_;
+    std::unordered_map<int, int> lastReader_; // by node of the stage: position in it
+    std::unordered_map<int, Places> places_;  // by node of the stage
+    std::vector<int> free_;
+};
+
+Chain::Chain(const Plan& plan, const Stage& stage, const Pictures& read,
+             const std::unordered_map<int, nodes::MutableImage>& written)
+    : width_(plan.nodes[stage.nodes.front()].width), height_(plan.nodes[stage.nodes.front()].height)
+{
+    Compiler(*this, plan, stage, read, written).compile();
+}
+
+void Chain::run(int y0, int y1, float* slots) const
+{
+    std::vector<const float*> pointers(operands_.size());
+    for (int y = y0; y < y1; ++y)
+        for (int x = 0; x < width_; x += tileWidth_)
+            runTile(x, std::min(tileWidth_, width_ - x), y, slots, pointers.data());
+}
+
+void Chain::runTile(int x, int count, int y, float* slots, const float** pointers) const
+{
+    nodes::RowJob job;
+    job.x = x;
+    job.y = y;
+    job.count = count;
+    job.width = width_;
+    job.height = height_;
+    for (const Call& call : calls_) {
+        const std::size_t end = call.firstOperand + call.operandPlanes;
+        for (std::size_t i = call.firstOperand; i < end; ++i)
+            pointers[i] = address(operands_[i], x, y, slots);
+        job.state = call.state.get();
+        job.channels = call.channels;
+        job.operands = pointers + call.firstOperand;
+        for (int c = 0; c < nodes::kMaxChannels; ++c)
+            job.result[c] = address(call.result[c], x, y, slots);
+        call.row(job);
+    }
+}
+
+float* Chain::address(const Place& place, int x, int y, float* slots) const
+{
+    if (place.base)
+        return place.base + y * place.stride + x;
+    return place.slot < 0 ? nullptr : slots + static_cast<std::size_t>(place.slot) * slotStride();
+}
+
+} // namespace vellor::cpu

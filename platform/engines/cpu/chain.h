@@ -1,0 +1,56 @@
+#pragma once
+
+// A group of point nodes, compiled to a list of kernel calls that is run for one row after another.
+//
+// A row is cut into tiles that are short enough for the results of a whole group to stay in the second cache.
+// Results that are read within the group alone go to slots: rows of one tile that nodes share as soon as the
+// last reader is through. Results that become whole pictures are written, and read again, where they lie.
+
+#include "platform/engines/cpu/stagerunner.h"
+
+#include <memory>
+#include <vector>
+
+namespace vellor::cpu {
+
+class Chain
+{
+public:
+    /// `read` has the pictures that the stage reads, `written` those it writes.
+    Chain(const Plan& plan, const Stage& stage, const Pictures& read,
+          const std::unordered_map<int, nodes::MutableImage>& written);
+
+    /// Floats of slots that each thread brings.
+    std::size_t slotFloats() const { return static_cast<std::size_t>(slotCount_) * slotStride(); }
+    /// Runs all kernels on rows y0 to y1 - 1. `slots` is aligned to 64 bytes. Any thread; each with slots of
+    /// its own.
+    void run(int y0, int y1, float* slots) const;
+
+private:
+    /// Where a plane's row is: in a picture, in a slot, or nowhere.
+    struct Place
+    {
+        float* base = nullptr;     // of the picture's plane
+        std::ptrdiff_t stride = 0; // of the picture
+        int slot = -1;
+    };
+    struct Call
+    {
+        void (*row)(const nodes::RowJob&) = nullptr;
+        std::unique_ptr<nodes::State> state;
+        int channels = 1;
+        std::size_t firstOperand = 0, operandPlanes = 0; // in operands_
+        std::array<Place, nodes::kMaxChannels> result;
+    };
+    class Compiler;
+
+    std::size_t slotStride() const { return static_cast<std::size_t>(tileWidth_) + 16; }
+    void runTile(int x, int count, int y, float* slots, const float** pointers) const;
+    float* address(const Place& place, int x, int y, float* slots) const;
+
+    std::vector<Call> calls_;
+    std::vector<Place> operands_; // of all calls, kMaxChannels for each operand
+    int width_ = 0, height_ = 0, tileWidth_ = 0, slotCount_ = 0;
+};
+
+} // namespace vellor::cpu

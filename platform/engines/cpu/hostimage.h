@@ -1,0 +1,43 @@
+#pragma once
+
+#include "platform/engines/cpu/hash.h"
+#include "platform/nodes/node.h"
+
+#include <vellor/engine.h>
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace vellor::cpu {
+
+/// A picture that the host gave, in the host's format: level 0 of a texture, copied.
+class HostImage
+{
+public:
+    /// Null for a texture without buffer or size, or in a format that can't be read: JPEG, mobile, unknown
+    /// codes. Reads as many bytes as size and format make.
+    static std::shared_ptr<const HostImage> copy(const VellorTexture& texture);
+
+    int width() const { return width_; }
+    int height() const { return height_; }
+    /// 1 for grey formats, else 4.
+    int channels() const;
+    /// Name of the content.
+    const Key& key() const { return key_; }
+    /// Rows y0 to y1 - 1 as planes of floats: integers over their greatest value; sRGB codes stay codes;
+    /// alpha 1 where the format has none.
+    void unpack(int y0, int y1, const nodes::MutableImage& into) const;
+
+private:
+    int width_ = 0, height_ = 0;
+    std::uint8_t format_ = 0, order_ = 0;
+    std::vector<std::uint8_t> data_;
+    Key key_;
+};
+
+/// The kind of the plan's nodes that turn a HostImage into planes. Its state is made by pictureState.
+const nodes::NodeDeclaration& pictureKind();
+std::unique_ptr<nodes::State> pictureState(std::shared_ptr<const HostImage> image);
+
+} // namespace vellor::cpu

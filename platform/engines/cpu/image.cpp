@@ -1,0 +1,52 @@
+#include "platform/engines/cpu/image.h"
+
+namespace vellor::cpu {
+
+std::ptrdiff_t rowStride(int width)
+{
+    const std::ptrdiff_t stride = (static_cast<std::ptrdiff_t>(width) + 15) / 16 * 16;
+    return stride % 1024 == 0 ? stride + 16 : stride;
+}
+
+std::size_t Image::byteSize(int width, int height, int channels)
+{
+    return static_cast<std::size_t>(rowStride(width)) * static_cast<std::size_t>(height) *
+           static_cast<std::size_t>(channels) * sizeof(float);
+}
+
+Image::Image(BufferPool& pool, int width, int height, int channels)
+    : width_(width), height_(height), channels_(channels),
+      buffer_(pool.acquire(byteSize(width, height, channels)))
+{
+}
+
+float* Image::plane(int channel) const
+{
+    return buffer_.floats() + rowStride(width_) * height_ * channel;
+}
+
+nodes::ImageView Image::view() const
+{
+    nodes::ImageView view;
+    for (int channel = 0; channel < channels_; ++channel)
+        view.planes[channel] = plane(channel);
+    view.stride = rowStride(width_);
+    view.width = width_;
+    view.height = height_;
+    view.channels = channels_;
+    return view;
+}
+
+nodes::MutableImage Image::mutableView() const
+{
+    nodes::MutableImage view;
+    for (int channel = 0; channel < channels_; ++channel)
+        view.planes[channel] = plane(channel);
+    view.stride = rowStride(width_);
+    view.width = width_;
+    view.height = height_;
+    view.channels = channels_;
+    return view;
+}
+
+} // namespace vellor::cpu

@@ -1,0 +1,206 @@
+#include "platform/engines/cpu/imagestore.h"
+
+#include <algorithm>
+#include <new>
+#include <utility>
+#include <vector>
+
+namespace vellor::cpu {
+namespace {
+
+/// Parked blocks take at most this many budgets of the host's disk.
+constexpr std::uint64_t kParkedBudgets = 4;
+
+Key contentOf(const Image& image)
+{
+    Hasher hasher(0x7061726b6564ull);
+    hasher.add(image.bytes(), image.byteSize());
+    return hasher.key();
+}
+
+} // namespace
+
+ImageStore::ImageStore(std::shared_ptr<BufferPool> pool, CacheStore& cacheStore)
+    : pool_(std::move(pool)), cacheStore_(cacheStore), live_(std::make_shared<std::atomic<std::uint64_t>>(0))
+{
+}
+
+void ImageStore::setBudget(std::uint64_t bytes)
+{
+    budget_ = bytes;
+    pool_->setKeepLimit(
+        static_cast<std::size_t>(std::min<std::uint64_t>(bytes / 8, std::uint64_t(512) << 20)));
+    makeRoom(0);
+}
+
+std::shared_ptr<const Image> ImageStore::get(const Key& key)
+{
+    const auto found = entries_.find(key);
+    if (found == entries_.end())
+        return nullptr;
+    if (!found->second.image && !readBack(found->second)) {
+        cacheStore_.refuse();
+        drop(found);
+        return nullptr;
+    }
+    found->second.lastUse = ++clock_;
+    return found->second.image;
+}
+
+std::shared_ptr<Image> ImageStore::make(int width, int height, int channels)
+{
+    const std::uint64_t bytes = Image::byteSize(width, height, channels);
+    makeRoom(bytes);
+    auto image = std::make_unique<Image>(*pool_, width, height, channels);
+    *live_ += bytes;
+    return {image.release(), [live = live_, bytes](Image* gone) {
+                delete gone;
+                *live -= bytes;
+            }};
+}
+
+void ImageStore::put(const Key& key, std::shared_ptr<const Image> image)
+{
+    Entry& entry = entries_[key];
+    entry.width = image->width();
+    entry.height = image->height();
+    entry.channels = image->channels();
+    entry.image = std::move(image);
+    entry.lastUse = ++clock_;
+}
+
+void ImageStore::need(const Key& key, int uses)
+{
+    const auto found = entries_.find(key);
+    if (found == entries_.end())
+        return;
+    found->second.neededIn = generation_;
+    found->second.uses = uses;
+}
+
+void ImageStore::used(const Key& key)
+{
+    const auto found = entries_.find(key);
+    if (found != entries_.end() && found->second.uses > 0)
+        --found->second.uses;
+}
+
+void ImageStore::hint(const Key& key)
+{
+    const auto found = entries_.find(key);
+    if (found != entries_.end())
+        found->second.hintedIn = generation_;
+}
+
+/// What gives way first has the lowest rank.
+int ImageStore::rank(const Entry& entry) const
+{
+    if (entry.neededIn == generation_ && entry.uses > 0)
+        return 2;
+    return entry.hintedIn == generation_ ? 1 : 0;
+}
+
+void ImageStore::makeRoom(std::uint64_t bytes)
+{
+    if (liveBytes() + bytes > budget_) {
+        std::vector<std::pair<std::pair<int, std::uint64_t>, Key>> candidates;
+        for (const auto& [key, entry] : entries_)
+            if (entry.image && entry.image.use_count() == 1)
+                candidates.push_back({{rank(entry), entry.lastUse}, key});
+        std::sort(candidates.begin(), candidates.end(),
+                  [](const auto& a, const auto& b) { return a.first < b.first; });
+        for (const auto& candidate : candidates) {
+            if (liveBytes() + bytes <= budget_)
+                break;
+            evict(entries_.find(candidate.second));
+        }
+        limitParked();
+    }
+    const std::uint64_t taken = liveBytes() + bytes;
+    if (taken + pool_->keptBytes() > budget_ + bytes)
+        pool_->trim(static_cast<std::size_t>(budget_ > taken ? budget_ - taken + bytes : bytes));
+}
+
+bool ImageStore::evict(Entries::iterator entry)
+{
+    if (park(entry->second)) {
+        entry->second.image.reset();
+        return true;
+    }
+    if (rank(entry->second) == 2)
+        return false;
+    drop(entry);
+    return true;
+}
+
+bool ImageStore::park(Entry& entry)
+{
+    if (entry.parked)
+        return true;
+    if (!cacheStore_.available())
+        return false;
+    entry.content = contentOf(*entry.image);
+    entry.parked = cacheStore_.write(entry.image->bytes(), entry.image->byteSize());
+    parkedBytes_ += entry.image->byteSize();
+    return true;
+}
+
+bool ImageStore::readBack(Entry& entry)
+{
+    std::shared_ptr<Image> image = make(entry.width, entry.height, entry.channels);
+    cacheStore_.read(entry.parked, image->bytes(), image->byteSize());
+    if (contentOf(*image) != entry.content)
+        return false;
+    entry.image = std::move(image);
+    return true;
+}
+
+void ImageStore::drop(Entries::iterator entry)
+{
+    if (entry->second.parked) {
+        cacheStore_.remove(entry->second.parked);
+        parkedBytes_ -= Image::byteSize(entry->second.width, entry->second.height, entry->second.channels);
+    }
+    entries_.erase(entry);
+}
+
+void ImageStore::limitParked()
+{
+    while (parkedBytes_ > kParkedBudgets * budget_) {
+        auto oldest = entries_.end();
+        for (auto at = entries_.begin(); at != entries_.end(); ++at)
+            if (at->second.parked && !at->second.image && rank(at->second) < 2 &&
+                (oldest == entries_.end() || at->second.lastUse < oldest->second.lastUse))
+                oldest = at;
+        if (oldest == entries_.end())
+            return;
+        drop(oldest);
+    }
+}
+
+void ImageStore::takeFrom(ImageStore& other)
+{
+    for (auto& [key, entry] : other.entries_) {
+        if (!entry.image || holds(key))
+            continue;
+        // The block goes on living under a new account.
+        const std::uint64_t bytes = entry.image->byteSize();
+        *live_ += bytes;
+        const Image* raw = entry.image.get();
+        put(key, std::shared_ptr<const Image>(
+                     raw, [owner = std::move(entry.image), live = live_, bytes](const Image*) mutable {
+                         owner.reset();
+                         *live -= bytes;
+                     }));
+    }
+    other.clear();
+    makeRoom(0);
+}
+
+void ImageStore::clear()
+{
+    while (!entries_.empty())
+        drop(entries_.begin());
+}
+
+} // namespace vellor::cpu

@@ -1,0 +1,32 @@
+#include "platform/engines/cpu/resources.h"
+
+#include "platform/engines/cpu/threadpool.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace vellor::cpu {
+
+Resources Resources::read(const VellorHardResources* record)
+{
+    Resources resources;
+    if (!record)
+        return resources;
+    std::uint32_t words[3];
+    std::memcpy(words, record->reserved0, sizeof words);
+    if (record->memoryBudget)
+        resources.memoryBudget = record->memoryBudget;
+    resources.threads = words[0];
+    resources.chunkRows = words[1];
+    resources.flags = words[2];
+    return resources;
+}
+
+int Resources::threadCount() const
+{
+    if (threads == 0)
+        return ThreadPool::processors();
+    return static_cast<int>(std::min(threads, kMaxThreads));
+}
+
+} // namespace vellor::cpu

@@ -1,0 +1,166 @@
+#include "platform/engines/cpu/stagerunner.h"
+
+#include "platform/engines/cpu/chain.h"
+#include "platform/engines/cpu/rowloop.h"
+
+#include <algorithm>
+
+namespace vellor::cpu {
+namespace {
+
+/// One run of a stage, with the pictures that it holds on to.
+class Runner
+{
+public:
+    Runner(const StageContext& context, const Stage& stage) : context_(context), stage_(stage) {}
+
+    StageResult run()
+    {
+        for (const int node : stage_.reads) {
+            std::shared_ptr<const Image> image = context_.store.get(context_.plan.nodes[node].key);
+            if (!image)
+                return StageResult::Lost;
+            views_[node] = image->view();
+            held_.push_back(std::move(image));
+        }
+        for (const int node : stage_.writes) {
+            const PlanNode& planned = context_.plan.nodes[node];
+            results_[node] = context_.store.make(planned.width, planned.height, planned.channels);
+            targets_[node] = results_[node]->mutableView();
+        }
+        const PlanNode& first = context_.plan.nodes[stage_.nodes.front()];
+        if (!(first.isPoint() ? runChain(first) : runArea(first)))
+            return StageResult::Stopped;
+        for (const int node : stage_.writes)
+            context_.store.put(context_.plan.nodes[node].key, results_[node]);
+        return StageResult::Done;
+    }
+
+private:
+    RowLoop loop(int width, int rows, std::uint64_t work) const
+    {
+        return {context_.threads,
+                context_.monitor,
+                context_.resources,
+                rows,
+                width,
+                work / static_cast<std::uint64_t>(std::max(rows, 1))};
+    }
+
+    bool runChain(const PlanNode& first)
+    {
+        const Chain chain(context_.plan, stage_, views_, targets_);
+        const std::size_t each = (chain.slotFloats() + 15) / 16 * 16;
+        const Buffer slots = context_.pool.acquire(
+            each * sizeof(float) * static_cast<std::size_t>(context_.resources.threadCount()));
+        return loop(first.width, first.height, stage_.work).run([&](int y0, int y1, int worker) {
+            chain.run(y0, y1, slots.floats() + each * static_cast<std::size_t>(worker));
+        });
+    }
+
+    bool runArea(const PlanNode& node)
+    {
+        const std::vector<nodes::ImageView> operands = viewsOf(node);
+        const auto picture = views_.find(node.picture);
+        const nodes::Setup setup = setupOf(context_.plan, node, operands,
+                                           picture == views_.end() ? nodes::ImageView() : picture->second);
+        const std::unique_ptr<nodes::State> state = prepareNode(node, setup);
+        std::vector<nodes::ScratchShape> shapes;
+        if (node.kind->scratch)
+            shapes = node.kind->scratch(state.get(), setup);
+        std::vector<std::shared_ptr<Image>> scratch;
+        std::vector<nodes::ImageView> scratchViews;
+        nodes::AreaJob job;
+        job.state = state.get();
+        job.operands = operands.data();
+        const int passes = static_cast<int>(shapes.size()) + 1;
+        for (job.pass = 0; job.pass < passes; ++job.pass) {
+            const bool last = job.pass + 1 == passes;
+            if (!last)
+                scratch.push_back(makeScratch(shapes[job.pass]));
+            job.result = last ? targets_.at(stage_.nodes.front()) : scratch.back()->mutableView();
+            job.scratch = scratchViews.data();
+            if (!runPass(job, stage_.work / static_cast<std::uint64_t>(passes)))
+                return false;
+            if (!last)
+                scratchViews.push_back(scratch.back()->view());
+        }
+        return true;
+    }
+
+    bool runPass(const nodes::AreaJob& pass, std::uint64_t work) const
+    {
+        const auto kernel = context_.plan.nodes[stage_.nodes.front()].kind->area;
+        return loop(pass.result.width, pass.result.height, work).run([&](int y0, int y1, int) {
+            nodes::AreaJob job = pass;
+            job.y0 = y0;
+            job.y1 = y1;
+            kernel(job);
+        });
+    }
+
+    std::shared_ptr<Image> makeScratch(const nodes::ScratchShape& shape) const
+    {
+        return context_.store.make(std::max(shape.width, 1), std::max(shape.height, 1),
+                                   std::clamp(shape.channels, 1, nodes::kMaxChannels));
+    }
+
+    std::vector<nodes::ImageView> viewsOf(const PlanNode& node) const
+    {
+        std::vector<nodes::ImageView> views(node.operands.size());
+        for (std::size_t i = 0; i < views.size(); ++i)
+            if (node.operands[i] != kNoNode)
+                views[i] = views_.at(node.operands[i]);
+        return views;
+    }
+
+    const StageContext& context_;
+    const Stage& stage_;
+    Pictures views_;
+    std::vector<std::shared_ptr<const Image>> held_;
+    std::unordered_map<int, std::shared_ptr<Image>> results_;
+    std::unordered_map<int, nodes::MutableImage> targets_;
+};
+
+} // namespace
+
+StageResult runStage(const StageContext& context, const Schedule& schedule, const Stage& stage)
+{
+    const StageResult result = Runner(context, stage).run();
+    if (result != StageResult::Done)
+        return result;
+    for (const int node : stage.writes) {
+        const Key& key = context.plan.nodes[node].key;
+        context.store.need(key, schedule.uses[node]);
+        if (context.plan.nodes[node].keep)
+            context.store.hint(key);
+    }
+    for (const int node : stage.reads)
+        context.store.used(context.plan.nodes[node].key);
+    return result;
+}
+
+nodes::Setup setupOf(const Plan& plan, const PlanNode& node, const std::vector<nodes::ImageView>& operands,
+                     const nodes::ImageView& image)
+{
+    nodes::Setup setup;
+    setup.parameters = node.parameters.data();
+    setup.width = node.width;
+    setup.height = node.height;
+    setup.channels = node.channels;
+    setup.seed = node.seed;
+    setup.operands = operands.data();
+    setup.operandCount = operands.size();
+    setup.inputWords = plan.inputWords.data();
+    setup.image = image;
+    return setup;
+}
+
+std::unique_ptr<nodes::State> prepareNode(const PlanNode& node, const nodes::Setup& setup)
+{
+    if (node.source)
+        return pictureState(node.source);
+    return node.kind->prepare ? node.kind->prepare(setup) : nullptr;
+}
+
+} // namespace vellor::cpu
