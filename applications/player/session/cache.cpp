@@ -1,5 +1,7 @@
 #include "applications/player/session/cache.h"
 
+#include "applications/player/description/packagemodel.h"
+
 namespace Zph::Applications::Player {
 
 ValueOrSurfacePlayer Cache::get(ORNUInt32 uid) const
@@ -8,10 +10,9 @@ ValueOrSurfacePlayer Cache::get(ORNUInt32 uid) const
     return entry == m_results.end() ? ValueOrSurfacePlayer() : entry->second;
 }
 
-void Cache::setDescription(std::shared_ptr<const PackageModel> description, Dependencies dependencies)
+void Cache::setDescription(std::shared_ptr<const PackageModel> description)
 {
     m_description = std::move(description);
-    m_dependencies = std::move(dependencies);
 }
 
 void Cache::pushOutput(ORNUInt32 uid, const ValueOrSurfacePlayer& value)
@@ -31,11 +32,12 @@ void Cache::clear()
 
 void Cache::inputChanged(int index)
 {
-    if (!m_description || index < 0 || std::size_t(index) >= m_dependencies.size()) {
+    const AlterationLinks* links = m_description ? &m_description->alterationLinks() : nullptr;
+    if (!links || index < 0 || std::size_t(index) >= links->size()) {
         clear();
         return;
     }
-    for (const quint32 uid : m_dependencies[std::size_t(index)])
+    for (const quint32 uid : (*links)[std::size_t(index)])
         invalidateOutput(uid);
 }
 

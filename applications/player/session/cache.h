@@ -6,8 +6,6 @@
 
 #include <map>
 #include <memory>
-#include <set>
-#include <vector>
 
 namespace Zph::Applications::Player {
 
@@ -25,15 +23,12 @@ class Cache : public QObject
 public:
     using QObject::QObject;
 
-    /// Which outputs an input alters: for each input index their uids.
-    using Dependencies = std::vector<std::set<quint32>>;
-
     /// A copy of the entry; empty if there is none.
     ValueOrSurfacePlayer get(ORNUInt32 uid) const;
 
-    /// The package whose outputs are kept. Null, or no links for an input: each change counts for every
-    /// output.
-    void setDescription(std::shared_ptr<const PackageModel> description, Dependencies dependencies);
+    /// The package whose outputs are kept, and which tells what an input alters. With none, or for an input
+    /// that it knows nothing of, a change counts for every output.
+    void setDescription(std::shared_ptr<const PackageModel> description);
 
 public slots:
     void pushOutput(ORNUInt32 uid, const ValueOrSurfacePlayer& value);
@@ -44,7 +39,6 @@ public slots:
 
 private:
     std::map<quint32, ValueOrSurfacePlayer> m_results;
-    Dependencies m_dependencies;
     std::shared_ptr<const PackageModel> m_description;
 };
 

@@ -5,6 +5,7 @@
 
 #include <QDir>
 
+#include <limits>
 #include <map>
 
 namespace Zph::Applications::Player {
@@ -107,6 +108,8 @@ quint32 PackageCooker::takeResults()
         return error;
     if (const quint32 error = vellorCookerHandleGetIODesc(m_handle, &xml))
         return error;
+    if (size > uint64_t(std::numeric_limits<int>::max()))
+        return VELLOR_COOKER_ERROR_BACK_END;
     m_assembly = QByteArray::fromRawData(static_cast<const char*>(data), int(size));
     m_description = QByteArray::fromRawData(xml, int(qstrlen(xml)));
     return VELLOR_COOKER_OK;

@@ -8,6 +8,7 @@
 #include <QDomDocument>
 #include <QIODevice>
 
+#include <limits>
 #include <map>
 
 namespace Zph::Applications::Player {
@@ -80,6 +81,8 @@ quint32 PackageLinker::run(QIODevice& device)
     uint64_t binarySize = 0;
     if (const quint32 error = vellorLinkerHandleLink(m_handle, &data, &binarySize))
         return error;
+    if (binarySize > uint64_t(std::numeric_limits<int>::max()))
+        return VELLOR_LINKER_ERROR_LINK;
     m_binary = QByteArray::fromRawData(static_cast<const char*>(data), int(binarySize));
     return VELLOR_LINKER_OK;
 }
