@@ -27,7 +27,7 @@ target_compile_options(vellor_options INTERFACE
     -ffp-contract=off)
 target_include_directories(vellor_options INTERFACE
     "${PROJECT_SOURCE_DIR}" "${PROJECT_SOURCE_DIR}/shared" "${PROJECT_SOURCE_DIR}/platform/include")
-target_compile_definitions(vellor_options INTERFACE QT_NO_KEYWORDS=0 QT_DEPRECATED_WARNINGS)
+target_compile_definitions(vellor_options INTERFACE QT_DEPRECATED_WARNINGS)
 
 function(vellor_check_arrows name)
     foreach(used IN LISTS ARGN)
