@@ -1,18 +1,14 @@
 #include "common/engine/engineswitcher.h"
 #include "common/engine/backend.h"
 #include "common/engine/tests/testengines.h"
-#include "orncommon/core/applicationsettings.h"
-#include "orncommon/core/applicationsettingsdefaultdelegate.h"
-#include "orncommon/core/defaultsettings.h"
+#include "common/engine/tests/testinstallation.h"
 
-#include <QCoreApplication>
 #include <QDir>
 
 #include <boost/signals2/connection.hpp>
 
 using namespace Zph::Engine;
 using namespace Zph::Engine::Tests;
-using Orn::Core::ApplicationSettings;
 
 namespace {
 
@@ -23,31 +19,12 @@ const VellorLinkerEngineDesc* enginesList()
     return served;
 }
 
-/// A settings file and an installation of the test's own.
-class Delegate : public Orn::Core::ApplicationSettingsDefaultDelegate
-{
-public:
-    explicit Delegate(const QString& folder)
-        : m_folder(folder), m_settings(QSharedPointer<Orn::Core::DefaultSettings>::create(
-                                folder + "/settings.ini", Orn::Core::DefaultSettings::Format::Ini))
-    {
-    }
-    QSharedPointer<Orn::Core::ISettings> getSettings(const QString&) override { return m_settings; }
-    QString getApplicationBinaryDir() override { return m_folder; }
-
-private:
-    QString m_folder;
-    QSharedPointer<Orn::Core::ISettings> m_settings;
-};
-
 class EngineSwitcher : public testing::Test
 {
 protected:
     EngineSwitcher()
     {
-        QDir(folder.path()).mkpath("plugins/engines");
         QDir(folder.path()).mkpath("elsewhere");
-        ApplicationSettings::getInstance().setDelegate(QSharedPointer<Delegate>::create(folder.path()));
         Switcher::setLinkerEnginesList(enginesList);
         connections[0] = Switcher::aboutToChange().connect(
             [this](const QString& path) { events.append("about " + QFileInfo(path).fileName()); });
@@ -64,8 +41,8 @@ protected:
         unload();
     }
 
-    QString installed(const QString& name) const { return folder.filePath("plugins/engines/" + name); }
-    QString elsewhere(const QString& name) const { return folder.filePath("elsewhere/" + name); }
+    QString installed(const QString& name) const { return folder.path("plugins/engines/" + name); }
+    QString elsewhere(const QString& name) const { return folder.path("elsewhere/" + name); }
 
     static QString put(const QString& path, const QString& form = {})
     {
@@ -74,18 +51,13 @@ protected:
         return path;
     }
 
-    static QSharedPointer<Orn::Core::ISettings> settings()
-    {
-        return ApplicationSettings::getInstance().getSettingsUserPreferences();
-    }
-
     static QString stored(const QString& key)
     {
-        return settings()->value("preferences/engines/" + key).toString();
+        return TestInstallation::settings()->value("preferences/engines/" + key).toString();
     }
     static void store(const QString& key, const QString& value)
     {
-        settings()->setValue("preferences/engines/" + key, value);
+        TestInstallation::settings()->setValue("preferences/engines/" + key, value);
     }
 
     static uint32_t loadedPatch()
@@ -103,7 +75,7 @@ protected:
         return list;
     }
 
-    QTemporaryDir folder;
+    TestInstallation folder;
     QStringList events;
     TestEngineLog log;
 
@@ -221,6 +193,6 @@ TEST_F(EngineSwitcher, KeysOfAddedEnginesCountUpInHexadecimal)
 
 TEST_F(EngineSwitcher, WithoutAnEnginesFolderTheCurrentDirectoryIsTaken)
 {
-    QDir(folder.filePath("plugins")).removeRecursively();
+    QDir(folder.path("plugins")).removeRecursively();
     EXPECT_EQ(Switcher::enginesDirectory(), QDir::currentPath());
 }
