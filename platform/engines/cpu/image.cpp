@@ -1,5 +1,7 @@
 #include "platform/engines/cpu/image.h"
 
+#include <utility>
+
 namespace vellor::cpu {
 
 std::ptrdiff_t rowStride(int width)
@@ -18,6 +20,20 @@ Image::Image(BufferPool& pool, int width, int height, int channels)
     : width_(width), height_(height), channels_(channels),
       buffer_(pool.acquire(byteSize(width, height, channels)))
 {
+}
+
+Image::~Image()
+{
+    charge(nullptr);
+}
+
+void Image::charge(Account account) const
+{
+    if (account_)
+        *account_ -= byteSize();
+    account_ = std::move(account);
+    if (account_)
+        *account_ += byteSize();
 }
 
 float* Image::plane(int channel) const

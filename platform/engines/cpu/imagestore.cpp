@@ -49,14 +49,10 @@ std::shared_ptr<const Image> ImageStore::get(const Key& key)
 
 std::shared_ptr<Image> ImageStore::make(int width, int height, int channels)
 {
-    const std::uint64_t bytes = Image::byteSize(width, height, channels);
-    makeRoom(bytes);
-    auto image = std::make_unique<Image>(*pool_, width, height, channels);
-    *live_ += bytes;
-    return {image.release(), [live = live_, bytes](Image* gone) {
-                delete gone;
-                *live -= bytes;
-            }};
+    makeRoom(Image::byteSize(width, height, channels));
+    auto image = std::make_shared<Image>(*pool_, width, height, channels);
+    image->charge(live_);
+    return image;
 }
 
 void ImageStore::put(const Key& key, std::shared_ptr<const Image> image)
@@ -183,15 +179,8 @@ void ImageStore::takeFrom(ImageStore& other)
     for (auto& [key, entry] : other.entries_) {
         if (!entry.image || holds(key))
             continue;
-        // The block goes on living under a new account.
-        const std::uint64_t bytes = entry.image->byteSize();
-        *live_ += bytes;
-        const Image* raw = entry.image.get();
-        put(key, std::shared_ptr<const Image>(
-                     raw, [owner = std::move(entry.image), live = live_, bytes](const Image*) mutable {
-                         owner.reset();
-                         *live -= bytes;
-                     }));
+        entry.image->charge(live_);
+        put(key, std::move(entry.image));
     }
     other.clear();
     makeRoom(0);

@@ -16,7 +16,6 @@
 #include "platform/engines/cpu/hash.h"
 #include "platform/engines/cpu/image.h"
 
-#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <unordered_map>
@@ -79,7 +78,7 @@ private:
     std::shared_ptr<BufferPool> pool_;
     CacheStore& cacheStore_;
     Entries entries_;
-    std::shared_ptr<std::atomic<std::uint64_t>> live_;
+    Account live_;
     std::uint64_t budget_ = 0, parkedBytes_ = 0, clock_ = 0, generation_ = 1;
 };
 
