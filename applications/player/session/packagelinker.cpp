@@ -96,12 +96,12 @@ void PackageLinker::takeDescription(QDomDocument& document) const
 {
     document.clear();
     for (const QByteArray& xml : m_descriptions) {
-        if (document.isNull())
-            document.setContent(xml);
-        else
+        if (!document.isNull())
             Orn::Debug::error("XML Merging NYI");
+        else if (!document.setContent(xml))
+            document.clear(); // what was read before the error is not null
     }
-    if (m_descriptions.isEmpty())
+    if (document.isNull())
         m_listener.message(2, tr("Missing Vellor XML description file"));
     else
         m_listener.status(tr("XML description Loaded."));

@@ -177,7 +177,7 @@ template<typename T> T payload(const ValueOrSurfacePlayer& result)
 {
     const auto* data = dynamic_cast<const Orn::Module::Value::DataT<T>*>(result.value());
     EXPECT_NE(data, nullptr);
-    return data ? data->value() : T();
+    return data ? data->value : T();
 }
 
 } // namespace
