@@ -26,8 +26,8 @@ public:
 
     /// Throws std::bad_alloc.
     Image(BufferPool& pool, int width, int height, int channels);
-    Image(const Image&) = delete;
-    Image& operator=(const Image&) = delete;
+    Image(Image&&) noexcept = default;
+    Image& operator=(Image&&) = delete;
     ~Image();
 
     /// Counts the picture's bytes in this account from now on, and in no other. Null: in none.
