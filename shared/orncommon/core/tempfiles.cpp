@@ -60,7 +60,7 @@ bool TempFiles::setRoot(const QString& path)
             QStringLiteral("Can't set a non writable directory as temporary directory ('%1')").arg(absolute));
         return false;
     }
-    if (!info.exists() && !QDir::root().mkpath(absolute)) {
+    if (!info.exists() && (absolute.isEmpty() || !QDir::root().mkpath(absolute))) {
         logger.warning(QStringLiteral("Fail to create directory '%1'").arg(absolute));
         return false;
     }
