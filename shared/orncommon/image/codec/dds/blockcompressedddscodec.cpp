@@ -17,7 +17,8 @@ using Surfaces::SurfaceDescription;
 
 namespace {
 
-constexpr qint64 headerSize = 128;
+constexpr int headerSize = 128;
+constexpr int codeOffset = 84;
 constexpr unsigned int longestSide = 65536;
 
 struct Code
@@ -43,22 +44,30 @@ struct Header
     std::size_t dataSize() const { return columns() * rows() * blockSize(format); }
 };
 
-std::optional<Header> parseHeader(QByteArray const& bytes)
+/// The block format that a header's code names.
+std::optional<BlockFormat> formatOf(QByteArray const& header)
 {
-    if (bytes.size() < headerSize || !bytes.startsWith("DDS "))
+    if (header.size() < codeOffset + 4 || !header.startsWith("DDS "))
         return {};
-    char const* const code = bytes.constData() + 84;
+    char const* const code = header.constData() + codeOffset;
     auto const* known = std::find_if(std::begin(codes), std::end(codes), [code](Code const& candidate) {
         return std::memcmp(candidate.name, code, 4) == 0;
     });
+    return known == std::end(codes) ? std::nullopt : std::make_optional(known->format);
+}
+
+std::optional<Header> parseHeader(QByteArray const& bytes)
+{
+    auto const format = formatOf(bytes);
+    if (!format || bytes.size() < headerSize)
+        return {};
     Header header;
     header.height = qFromLittleEndian<quint32>(bytes.constData() + 12);
     header.width = qFromLittleEndian<quint32>(bytes.constData() + 16);
-    if (known == std::end(codes) || header.width == 0 || header.height == 0 || header.width > longestSide ||
-        header.height > longestSide)
-        return {};
-    header.format = known->format;
-    return header;
+    header.format = *format;
+    bool const isSized = header.width > 0 && header.height > 0;
+    bool const isBounded = header.width <= longestSide && header.height <= longestSide;
+    return isSized && isBounded ? std::make_optional(header) : std::nullopt;
 }
 
 void decodeAll(Header const& header, std::uint8_t const* block, Surface& surface)
@@ -81,7 +90,7 @@ void decodeAll(Header const& header, std::uint8_t const* block, Surface& surface
 
 bool BlockCompressedDdsCodec::canRead(QIODevice& device)
 {
-    return parseHeader(device.peek(headerSize)).has_value();
+    return formatOf(device.peek(headerSize)).has_value();
 }
 
 bool BlockCompressedDdsCodec::doRead(QSharedPointer<Surface>& surface, SurfaceCodecOptions*)

@@ -14,7 +14,8 @@ class BlockCompressedDdsCodec : public SurfaceCodec
 public:
     explicit BlockCompressedDdsCodec(QIODevice& device) : m_device(device) {}
 
-    /// Whether the header of a block-compressed file follows. The device stays where it is.
+    /// Whether a header with the code of block-compressed data follows, sound or not: a damaged one is nobody
+    /// else's business. The device stays where it is.
     static bool canRead(QIODevice& device);
 
 protected:

@@ -2,7 +2,9 @@
 
 #include <FreeImage.h>
 
+#include <algorithm>
 #include <cstdio>
+#include <cstring>
 
 namespace Orn::Image::Codec {
 
@@ -13,11 +15,15 @@ FreeImageDevice& deviceOf(fi_handle handle)
     return *static_cast<FreeImageDevice*>(handle);
 }
 
-/// Both count whole items, as fread and fwrite do.
+/// Both count whole items, as fread and fwrite do. Some plug-ins don't look at the count: what is missing
+/// reads as 0.
 unsigned readItems(void* buffer, unsigned size, unsigned count, fi_handle handle)
 {
-    qint64 const bytes = deviceOf(handle).device().read(static_cast<char*>(buffer), qint64(size) * count);
-    return size == 0 || bytes < 0 ? 0 : unsigned(bytes / size);
+    qint64 const wanted = qint64(size) * count;
+    qint64 const bytes =
+        std::max<qint64>(0, deviceOf(handle).device().read(static_cast<char*>(buffer), wanted));
+    std::memset(static_cast<char*>(buffer) + bytes, 0, std::size_t(wanted - bytes));
+    return size == 0 ? 0 : unsigned(bytes / size);
 }
 
 unsigned writeItems(void* buffer, unsigned size, unsigned count, fi_handle handle)
@@ -36,7 +42,8 @@ int seekTo(fi_handle handle, long offset, int origin)
     else if (origin == SEEK_END)
         base = device.device().size();
     qint64 const position = base + offset;
-    return position >= device.start() && device.device().seek(position) ? 0 : -1;
+    bool const isWithin = device.device().isWritable() || position <= device.device().size();
+    return position >= device.start() && isWithin && device.device().seek(position) ? 0 : -1;
 }
 
 long tell(fi_handle handle)

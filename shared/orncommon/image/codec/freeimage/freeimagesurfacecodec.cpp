@@ -1,5 +1,6 @@
 #include "orncommon/image/codec/freeimage/freeimagesurfacecodec.h"
 
+#include "orncommon/image/codec/freeimage/exrheader.h"
 #include "orncommon/image/codec/freeimage/freeimagebitmaps.h"
 #include "orncommon/image/codec/freeimage/freeimageio.h"
 #include "orncommon/image/codec/freeimage/freeimagemetadata.h"
@@ -42,21 +43,34 @@ bool packsWithoutBound(FREE_IMAGE_FORMAT plugin, unsigned int bitsPerPixel)
            plugin == FIF_FAXG3 || isBilevelTiff;
 }
 
+bool isCredibleSize(FREE_IMAGE_FORMAT plugin, double pixels, unsigned int bitsPerPixel, FreeImageDevice& file)
+{
+    double const bytes = pixels * bitsPerPixel / 8.0;
+    double const packed = double(file.device().size() - file.start());
+    return bytes <= alwaysAccepted || (bytes <= neverAccepted && (packsWithoutBound(plugin, bitsPerPixel) ||
+                                                                  bytes <= packed * tightestPacking));
+}
+
+/// Before the library reads an EXR header: it has at least one half per pixel.
+bool isCredibleExr(FreeImageDevice& file)
+{
+    auto const pixels = exrPixelCount(file.device());
+    return pixels && file.rewind() && isCredibleSize(FIF_EXR, *pixels, 16, file);
+}
+
 /// Whether the size that the header states can be true for a file of this length. True where the plug-in
 /// can't read a header alone.
 bool isCredible(FREE_IMAGE_FORMAT plugin, FreeImageDevice& file)
 {
+    if (plugin == FIF_EXR && !isCredibleExr(file))
+        return false;
     if (!FreeImage_FIFSupportsNoPixels(plugin))
         return true;
     Bitmap const header(FreeImage_LoadFromHandle(plugin, file.io(), file.handle(), FIF_LOAD_NOPIXELS));
     if (!header || !file.rewind())
         return false;
-    unsigned int const bits = FreeImage_GetBPP(header.get());
-    double const bytes =
-        double(FreeImage_GetWidth(header.get())) * FreeImage_GetHeight(header.get()) * bits / 8.0;
-    double const packed = double(file.device().size() - file.start());
-    return bytes <= alwaysAccepted ||
-           (bytes <= neverAccepted && (packsWithoutBound(plugin, bits) || bytes <= packed * tightestPacking));
+    double const pixels = double(FreeImage_GetWidth(header.get())) * FreeImage_GetHeight(header.get());
+    return isCredibleSize(plugin, pixels, FreeImage_GetBPP(header.get()), file);
 }
 
 /// In what form a surface goes into the file.

@@ -1,0 +1,340 @@
+#include "orncommon/image/codec/defaultcodecs.h"
+#include "orncommon/image/codec/surfacecodecmanager.h"
+#include "orncommon/surfaces/operations.h"
+
+#include <gtest/gtest.h>
+
+#include <QBuffer>
+#include <QDir>
+#include <QFile>
+#include <QSizeF>
+#include <QTemporaryDir>
+#include <QtEndian>
+
+#include <cstring>
+#include <vector>
+
+using namespace Orn::Image::Codec;
+using namespace Orn::Surfaces;
+using Shared = QSharedPointer<Surface>;
+
+namespace {
+
+template<typename T>
+Shared pictureOf(PixelFormat format, unsigned int width, unsigned int height,
+                 std::vector<T> const& components)
+{
+    auto surface = Shared::create(SurfaceDescription(width, height, format), 64u);
+    std::memcpy(surface->data(), components.data(), components.size() * sizeof(T));
+    return surface;
+}
+
+/// Distinct values in every component, so that a swapped row, column or channel shows.
+Shared rampOf(PixelFormat format, unsigned int width, unsigned int height)
+{
+    std::vector<float> values(std::size_t(width) * height * 4);
+    for (std::size_t i = 0; i < values.size(); ++i)
+        values[i] = float(i % 251) / 250.0f;
+    Surface const floats(values.data(), SurfaceDescription(width, height, RGBA32F));
+    auto surface = Shared::create();
+    convertTo(floats, *surface, format, {});
+    return surface;
+}
+
+std::vector<std::uint8_t> pixelsOf(Surface const& surface)
+{
+    std::vector<std::uint8_t> bytes;
+    for (unsigned int y = 0; y < surface.height(); ++y)
+        bytes.insert(bytes.end(), surface.row(y), surface.row(y) + surface.lineSize());
+    return bytes;
+}
+
+class Codecs : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        registerDefaultCodecs(manager);
+        ASSERT_TRUE(folder.isValid());
+    }
+
+    QString path(char const* name) const { return folder.filePath(QString::fromUtf8(name)); }
+
+    QByteArray contents(char const* name) const
+    {
+        QFile file(path(name));
+        file.open(QIODevice::ReadOnly);
+        return file.readAll();
+    }
+
+    Shared read(QByteArray bytes, QByteArray const& format, SurfaceCodecOptions* options = nullptr) const
+    {
+        QBuffer buffer(&bytes);
+        buffer.open(QIODevice::ReadOnly);
+        auto const reader = manager.createReader(buffer, format);
+        Shared surface;
+        if (!reader.isNull())
+            reader->read(surface, options);
+        return surface;
+    }
+
+    SurfaceCodecManager manager;
+    QTemporaryDir folder;
+};
+
+TEST_F(Codecs, RoundTrips)
+{
+    struct
+    {
+        PixelFormat saved;
+        char const* name;
+        PixelFormat loaded;
+    } const rows[] = {
+        {L8, "a.png", L8},          {L16, "b.png", L16},      {RGBA8, "c.png", BGRA8},
+        {BGRA8, "d.PNG", BGRA8},    {RGB8, "e.png", BGRA8},   {RGBA16, "f.png", RGBA16},
+        {RGB16, "g.png", RGBA16},   {RGBA8, "h.tga", BGRA8},  {RGB8, "i.tga", BGRA8},
+        {RGB8, "j.bmp", BGRA8},     {RGBA8, "k.tiff", BGRA8}, {L16, "l.tif", L16},
+        {RGBA16, "m.tif", RGBA16},  {L32F, "n.tif", L32F},    {RGBA32F, "o.tif", RGBA32F},
+        {RGB32F, "p.tif", RGBA32F}, {L8, "q.tga", L8},        {RGBA16F, "r.exr", RGBA32F},
+    };
+    for (auto const& row : rows) {
+        auto const saved = rampOf(row.saved, 5, 3);
+        ASSERT_TRUE(manager.saveFile(saved, path(row.name))) << row.name;
+        auto const loaded = manager.loadFile(path(row.name));
+        ASSERT_FALSE(loaded.isNull()) << row.name;
+        EXPECT_EQ(loaded->format(), row.loaded) << row.name;
+        Surface expected;
+        convertTo(*saved, expected, row.loaded, ConversionParameters{255});
+        EXPECT_EQ(pixelsOf(*loaded), pixelsOf(expected)) << row.name;
+    }
+    EXPECT_TRUE(QDir(folder.path()).entryList({"*.tmp*"}).isEmpty());
+}
+
+TEST_F(Codecs, AlphaUseTellsWhatTheFileHad)
+{
+    ASSERT_TRUE(manager.saveFile(rampOf(RGBA8, 2, 2), path("alpha.png")));
+    ASSERT_TRUE(manager.saveFile(rampOf(RGB16, 2, 2), path("none.png")));
+    EXPECT_EQ(manager.loadFile(path("alpha.png"))->description().alphaUse, SurfaceDescription::AlphaCarried);
+    EXPECT_EQ(manager.loadFile(path("none.png"))->description().alphaUse, SurfaceDescription::AlphaAbsent);
+}
+
+TEST_F(Codecs, WholeNumbersOf32BitsBecomeFloats)
+{
+    // A TIFF of 1 x 1 pixels, 32 bits, signed: ten entries from offset 8, the pixel behind them.
+    struct
+    {
+        quint16 tag, type;
+        quint32 value;
+    } const entries[] = {{256, 3, 1},   {257, 3, 1}, {258, 3, 32}, {259, 3, 1}, {262, 3, 1},
+                         {273, 4, 134}, {277, 3, 1}, {278, 3, 1},  {279, 4, 4}, {339, 3, 2}};
+    QByteArray file(138, '\0');
+    file.replace(0, 4, QByteArray("II*\0", 4));
+    file[4] = 8;
+    file[8] = 10;
+    int offset = 10;
+    for (auto const& entry : entries) {
+        qToLittleEndian(entry.tag, file.data() + offset);
+        qToLittleEndian(entry.type, file.data() + offset + 2);
+        qToLittleEndian(quint32(1), file.data() + offset + 4);
+        qToLittleEndian(entry.value, file.data() + offset + 8);
+        offset += 12;
+    }
+    auto const loaded = read(file, "tif");
+    ASSERT_FALSE(loaded.isNull());
+    EXPECT_EQ(loaded->format(), L32F);
+}
+
+TEST_F(Codecs, OpaqueBitmapsHaveNoAlpha)
+{
+    auto picture = rampOf(RGBA8, 3, 2);
+    for (unsigned int i = 3; i < 24; i += 4)
+        picture->data()[i] = 255;
+    ASSERT_TRUE(manager.saveFile(picture, path("opaque.bmp")));
+    ASSERT_TRUE(manager.saveFile(picture, path("opaque.tga")));
+    EXPECT_EQ(contents("opaque.bmp").at(28), 24);
+    EXPECT_EQ(contents("opaque.tga").at(16), 24);
+    picture->data()[3] = 254;
+    ASSERT_TRUE(manager.saveFile(picture, path("alpha.bmp")));
+    EXPECT_EQ(contents("alpha.bmp").at(28), 32);
+    ASSERT_TRUE(manager.saveFile(picture, path("alpha.jpg")));
+    EXPECT_FALSE(manager.loadFile(path("alpha.jpg")).isNull());
+}
+
+QByteArray const tgaFooter = QByteArray(8, '\0') + "TRUEVISION-XFILE.";
+
+TEST_F(Codecs, GreyTargaByteByByte)
+{
+    auto const picture = pictureOf<std::uint16_t>(L16, 2, 2, {0x0000, 0x0101, 0x0202, 0xFFFF});
+    ASSERT_TRUE(manager.saveFile(picture, path("grey.tga")));
+    QByteArray const header = QByteArray::fromHex("000003"
+                                                  "0000000000"
+                                                  "0000"
+                                                  "0000"
+                                                  "0200"
+                                                  "0200"
+                                                  "08"
+                                                  "08");
+    EXPECT_EQ(contents("grey.tga"), header + QByteArray::fromHex("02ff0001") + tgaFooter); // bottom row first
+}
+
+TEST_F(Codecs, GreyTargaPackets)
+{
+    struct
+    {
+        std::vector<std::uint8_t> row;
+        QByteArray packets;
+    } const rows[] = {
+        {std::vector<std::uint8_t>(300, 7), QByteArray::fromHex("ff07"
+                                                                "ff07"
+                                                                "ab07")}, // 128, 128 and 44
+        {{1, 2, 3}, QByteArray::fromHex("02010203")},
+        {{1, 2, 2, 3},
+         QByteArray::fromHex("0001"
+                             "8102"
+                             "0003")},
+        {{5, 5, 5, 5}, QByteArray::fromHex("8305")},
+        {{9}, QByteArray::fromHex("0009")},
+    };
+    SurfaceCodecOptions options;
+    options.setValue("tga_compression", "rle");
+    for (auto const& row : rows) {
+        auto const picture = pictureOf(L8, unsigned(row.row.size()), 1, row.row);
+        ASSERT_TRUE(manager.saveFile(picture, path("rle.tga"), &options));
+        QByteArray const file = contents("rle.tga");
+        EXPECT_EQ(file.at(2), 11);
+        EXPECT_EQ(file.mid(18).toHex(), (row.packets + tgaFooter).toHex());
+        EXPECT_EQ(pixelsOf(*manager.loadFile(path("rle.tga"))), row.row);
+    }
+    std::vector<std::uint8_t> rising(129);
+    for (std::size_t i = 0; i < rising.size(); ++i)
+        rising[i] = std::uint8_t(i);
+    ASSERT_TRUE(manager.saveFile(pictureOf(L8, 129, 1, rising), path("raw.tga"), &options));
+    QByteArray const file = contents("raw.tga");
+    EXPECT_EQ(file.size(), 18 + 1 + 128 + 1 + 1 + 25);
+    EXPECT_EQ(file.at(18), 127);
+    EXPECT_EQ(file.at(18 + 129), 0);
+}
+
+TEST_F(Codecs, MetadataGoesWithTheFile)
+{
+    SurfaceCodecOptions options;
+    options.setValue("Description", QStringLiteral("Brick \u00e9"));
+    options.setValue("physical_size", QSizeF(2.54, 5.08));
+    ASSERT_TRUE(manager.saveFile(rampOf(RGBA8, 100, 100), path("meta.png"), &options));
+    SurfaceCodecOptions read;
+    ASSERT_FALSE(manager.loadFile(path("meta.png"), &read).isNull());
+    EXPECT_EQ(read.value("Description").toString(), QStringLiteral("Brick \u00e9"));
+    QByteArray const file = contents("meta.png");
+    EXPECT_TRUE(
+        file.contains("<tiff:XResolution>100</tiff:XResolution><tiff:YResolution>50</tiff:YResolution>"));
+    // pHYs: (int)(100 * 100 / 2.54) = 3937 and 1968 pixels per metre
+    EXPECT_TRUE(file.contains(QByteArray("pHYs") + QByteArray::fromHex("00000f61"
+                                                                       "000007b0"
+                                                                       "01")));
+}
+
+TEST_F(Codecs, FailedSaveLeavesTheTarget)
+{
+    QFile old(path("kept.txt"));
+    ASSERT_TRUE(old.open(QIODevice::WriteOnly));
+    old.write("old");
+    old.close();
+    EXPECT_FALSE(manager.saveFile(rampOf(RGBA8, 2, 2), path("kept.txt")));
+    EXPECT_EQ(contents("kept.txt"), "old");
+    EXPECT_FALSE(manager.saveFile(rampOf(RGBA8, 2, 2), path("new.gif")));
+    EXPECT_FALSE(manager.saveFile(Shared(), path("none.png")));
+    EXPECT_FALSE(manager.saveFile(rampOf(RGBA8, 2, 2), path("no such folder/a.png")));
+    // A folder in the place of the target can't be removed.
+    ASSERT_TRUE(QDir(folder.path()).mkpath("taken.png/inside"));
+    EXPECT_FALSE(manager.saveFile(rampOf(RGBA8, 2, 2), path("taken.png")));
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
+              (QStringList{"kept.txt", "taken.png"}));
+}
+
+TEST_F(Codecs, OptionsAreFoundThroughExtensions)
+{
+    EXPECT_EQ(manager.getFormatOptionIdFromFormat("tiff"), "tif");
+    EXPECT_EQ(manager.getFormatOptionIdFromFormat("jpeg"), "jpg");
+    EXPECT_EQ(manager.getFormatOptionIdFromFormat("dds"), "");
+    EXPECT_TRUE(manager.getImageFormats("jpg").contains({"JPEG - JFIF Compliant", "jpeg"}));
+
+    SurfaceCodecOptions options;
+    EXPECT_FALSE(manager.getOptions(options, Action::Write, "nothing"));
+    EXPECT_FALSE(manager.getOptions(options, Action::Read, "png"));
+    EXPECT_TRUE(options.values().isEmpty());
+    ASSERT_TRUE(manager.getOptions(options, Action::Write, "exr"));
+    EXPECT_EQ(options.value("exr_compression"), "piz");
+    EXPECT_EQ(options.value("exr_lc"), false);
+    ASSERT_TRUE(manager.getOptionsDescs(options, Action::Write, "webp"));
+    auto const quality = options.optionDescs().value("webp_quality");
+    ASSERT_TRUE(quality);
+    EXPECT_EQ(int(quality->type), 2);
+    EXPECT_EQ(quality->defaultValue, 75);
+    EXPECT_EQ(quality->maximum, 100);
+
+    SurfaceCodecOptions changed;
+    changed.setValue("jpg_quality", 30);
+    manager.setOptions(Action::Write, "jpg", changed);
+    ASSERT_TRUE(manager.getOptions(options, Action::Write, "jpg"));
+    EXPECT_EQ(options.value("jpg_quality"), 30);
+}
+
+TEST_F(Codecs, ListsOfFormats)
+{
+    auto const has = [](QList<ImageFormat> const& list, char const* extension) {
+        for (ImageFormat const& format : list)
+            if (format.extension == QLatin1String(extension))
+                return true;
+        return false;
+    };
+    for (char const* extension : {"png", "tga", "targa", "jpg", "tif", "tiff", "exr", "bmp"}) {
+        EXPECT_TRUE(has(manager.getReadableFormats(), extension)) << extension;
+        EXPECT_TRUE(has(manager.getWritableFormats(), extension)) << extension;
+    }
+    EXPECT_TRUE(has(manager.getReadableFormats(), "gif"));
+    for (char const* extension : {"gif", "ppm", "jp2", "pfm"})
+        EXPECT_FALSE(has(manager.getWritableFormats(), extension)) << extension;
+}
+
+TEST_F(Codecs, ContentWinsOverTheName)
+{
+    ASSERT_TRUE(manager.saveFile(rampOf(L8, 4, 4), path("picture.png")));
+    ASSERT_TRUE(QFile::copy(path("picture.png"), path("picture")));
+    EXPECT_FALSE(manager.loadFile(path("picture")).isNull());
+    EXPECT_FALSE(read(contents("picture.png"), "tga").isNull());
+    EXPECT_TRUE(manager.loadFile(path("not there.png")).isNull());
+}
+
+TEST_F(Codecs, DamagedFilesGiveNothingOrAPicture)
+{
+    for (char const* name : {"a.png", "b.tga", "c.bmp", "d.jpg", "e.tif", "f.exr", "g.webp", "h.hdr"}) {
+        ASSERT_TRUE(manager.saveFile(rampOf(RGBA8, 33, 21), path(name))) << name;
+        QByteArray const good = contents(name);
+        for (int length = 0; length < good.size(); length += 1 + good.size() / 40) {
+            auto const surface = read(good.left(length), name + 2);
+            EXPECT_TRUE(length >= 12 || surface.isNull()) << name << ' ' << length;
+        }
+        for (int i = 0; i < good.size(); i += 1 + good.size() / 60) {
+            QByteArray damaged = good;
+            damaged[i] = char(~damaged.at(i));
+            read(damaged, name + 2);
+        }
+    }
+}
+
+TEST_F(Codecs, HugeSizesInATinyFileAreRefused)
+{
+    auto const picture = rampOf(RGBA8, 4, 4);
+    ASSERT_TRUE(manager.saveFile(picture, path("a.bmp")));
+    QByteArray bitmap = contents("a.bmp");
+    qToLittleEndian(quint32(60000), bitmap.data() + 18);
+    qToLittleEndian(quint32(60000), bitmap.data() + 22);
+    EXPECT_TRUE(read(bitmap, "bmp").isNull());
+    ASSERT_TRUE(manager.saveFile(picture, path("a.tga")));
+    QByteArray targa = contents("a.tga");
+    qToLittleEndian(quint16(60000), targa.data() + 12);
+    qToLittleEndian(quint16(60000), targa.data() + 14);
+    EXPECT_TRUE(read(targa, "tga").isNull());
+}
+
+} // namespace
