@@ -5,8 +5,35 @@ namespace vellor::nodes {
 const std::vector<const NodeDeclaration*>& allNodes()
 {
     static const std::vector<const NodeDeclaration*> nodes{
-        &blendNode,  &brickNode,  &colourconversionNode, &gaussianblurNode, &greyconversionNode,
-        &invertNode, &levelsNode, &normalNode,           &perlinNode,       &uniformNode,
+        &blendNode,
+        &brickNode,
+        &cellularNode,
+        &channelmergeNode,
+        &channelsplitNode,
+        &checkerNode,
+        &colourconversionNode,
+        &contrastNode,
+        &curveNode,
+        &gaussianblurNode,
+        &gradientmapNode,
+        &greyconversionNode,
+        &heightblendNode,
+        &histogramrangeNode,
+        &hslNode,
+        &invertNode,
+        &levelsNode,
+        &lineargradientNode,
+        &normalNode,
+        &perlinNode,
+        &posteriseNode,
+        &radialgradientNode,
+        &shapeNode,
+        &switchNode,
+        &thresholdNode,
+        &tileNode,
+        &uniformNode,
+        &weaveNode,
+        &whitenoiseNode,
     };
     return nodes;
 }

@@ -8,13 +8,32 @@ namespace vellor::nodes {
 
 extern const NodeDeclaration blendNode;
 extern const NodeDeclaration brickNode;
+extern const NodeDeclaration cellularNode;
+extern const NodeDeclaration channelmergeNode;
+extern const NodeDeclaration channelsplitNode;
+extern const NodeDeclaration checkerNode;
 extern const NodeDeclaration colourconversionNode;
+extern const NodeDeclaration contrastNode;
+extern const NodeDeclaration curveNode;
 extern const NodeDeclaration gaussianblurNode;
+extern const NodeDeclaration gradientmapNode;
 extern const NodeDeclaration greyconversionNode;
+extern const NodeDeclaration heightblendNode;
+extern const NodeDeclaration histogramrangeNode;
+extern const NodeDeclaration hslNode;
 extern const NodeDeclaration invertNode;
 extern const NodeDeclaration levelsNode;
+extern const NodeDeclaration lineargradientNode;
 extern const NodeDeclaration normalNode;
 extern const NodeDeclaration perlinNode;
+extern const NodeDeclaration posteriseNode;
+extern const NodeDeclaration radialgradientNode;
+extern const NodeDeclaration shapeNode;
+extern const NodeDeclaration switchNode;
+extern const NodeDeclaration thresholdNode;
+extern const NodeDeclaration tileNode;
 extern const NodeDeclaration uniformNode;
+extern const NodeDeclaration weaveNode;
+extern const NodeDeclaration whitenoiseNode;
 
 } // namespace vellor::nodes

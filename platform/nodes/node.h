@@ -69,6 +69,7 @@ enum class OperandChannels : std::uint8_t
 {
     Grey,
     Colour,
+    Any,   // as it comes
     Result // as many channels as the node's result
 };
 

@@ -22,6 +22,9 @@ enum class FractalMode
 struct PerlinOctave
 {
     int cellsX = 1, cellsY = 1;
+    // Shift of the lattice in cells: noise is 0 on lattice points, and those of all octaves must not fall
+    // together.
+    float shiftX = 0.0f, shiftY = 0.0f;
     std::uint32_t seed = 0;
     float amplitude = 1.0f;
 };
@@ -74,7 +77,7 @@ struct LatticeLines
 void fillLines(const PerlinOctave& octave, float evolution, float v, int firstColumn, int columns,
                LatticeLines& lines)
 {
-    const float position = v * static_cast<float>(octave.cellsY);
+    const float position = v * static_cast<float>(octave.cellsY) + octave.shiftY;
     const float row = scalar::floorOf(position);
     const float f = position - row;
     const std::uint32_t y0 = static_cast<std::uint32_t>(row) % octave.cellsY;
@@ -96,12 +99,13 @@ template<FractalMode mode>
 void addOctave(const PerlinOctave& octave, float evolution, const RowJob& job, int x, int count, float* sums)
 {
     const float perPixel = static_cast<float>(octave.cellsX) / static_cast<float>(job.width);
-    const int first = static_cast<int>((static_cast<float>(x) + 0.5f) * perPixel);
-    const int last = static_cast<int>((static_cast<float>(x + count + kLanes) + 0.5f) * perPixel);
+    const int first = static_cast<int>((static_cast<float>(x) + 0.5f) * perPixel + octave.shiftX);
+    const int last =
+        static_cast<int>((static_cast<float>(x + count + kLanes) + 0.5f) * perPixel + octave.shiftX);
     LatticeLines lines;
     fillLines(octave, evolution, centreOf(job.y, job.height), first, last - first + 2, lines);
     for (int i = 0; i < count; i += kLanes) {
-        const F position = (countFrom(static_cast<float>(x + i)) + F(0.5f)) * F(perPixel);
+        const F position = (countFrom(static_cast<float>(x + i)) + F(0.5f)) * F(perPixel) + F(octave.shiftX);
         const F cell = floorOf(position);
         const F f = position - cell;
         const U column = toInteger(cell) - U(static_cast<std::uint32_t>(first));
@@ -211,6 +215,8 @@ static std::unique_ptr<State> preparePerlin(const Setup& setup)
         octave.cellsY = std::min(octave.cellsY * lacunarity, 1 << 20);
         octave.amplitude *= gain;
         seed = scalar::nextHash(seed);
+        octave.shiftX = scalar::unitOf(seed);
+        octave.shiftY = scalar::unitOf(scalar::nextHash(seed ^ 0x55555555u));
     }
     normalise(*state, sum, squares, undrawn);
     return state;

@@ -1,0 +1,151 @@
+// Draws kinds into portable pictures, for people to look at: nodesheet FOLDER [SIZE [PATTERN]]. Each picture
+// is shown twice across and twice down, so that seams show. With "time" for a folder, prints how long each
+// takes on one thread.
+
+#include "platform/nodes/tests/noderunner.h"
+
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+using namespace vellor::nodes;
+using namespace vellor::nodes::test;
+
+namespace {
+
+struct Sheet
+{
+    std::string name;
+    std::function<Picture(int size)> draw;
+};
+
+Picture heightOf(int size)
+{
+    return Run("brick", size, size).set("bricks", {4, 8})();
+}
+
+Picture reliefOf(int size)
+{
+    return Run("perlin", size, size).set("scale", {5, 0}).seed(3)();
+}
+
+void write(const std::string& path, const Picture& picture)
+{
+    std::FILE* file = std::fopen(path.c_str(), "wb");
+    if (!file)
+        return;
+    const int w = picture.width(), h = picture.height();
+    std::fprintf(file, "P6\n%d %d\n255\n", 2 * w, 2 * h);
+    for (int y = 0; y < 2 * h; ++y) {
+        for (int x = 0; x < 2 * w; ++x) {
+            for (int c = 0; c < 3; ++c) {
+                const float value = picture.at(x, y, picture.channels() > 1 ? c : 0);
+                std::fputc(static_cast<int>(std::fmin(std::fmax(value, 0.0f), 1.0f) * 255.0f + 0.5f), file);
+            }
+        }
+    }
+    std::fclose(file);
+}
+
+void measure(const Sheet& sheet, int size)
+{
+    double best = 1e9;
+    for (int i = 0; i < 3; ++i) {
+        const auto start = std::chrono::steady_clock::now();
+        sheet.draw(size);
+        best =
+            std::min(best, std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
+    }
+    std::printf("%-24s %8.2f ms per megapixel\n", sheet.name.c_str(), best * 1e9 / (double(size) * size));
+}
+
+std::vector<Sheet> sheets()
+{
+    std::vector<Sheet> all;
+    const auto add = [&](std::string name, std::function<Picture(int)> draw) {
+        all.push_back({std::move(name), std::move(draw)});
+    };
+    // One sheet for each choice of a parameter.
+    const auto addChoices = [&](const char* kind, const char* parameter,
+                                const std::function<void(Run&, int)>& more) {
+        for (const ParameterDeclaration& declared : findNode(std::string_view(kind))->parameters)
+            for (std::size_t i = 0; std::strcmp(declared.name, parameter) == 0 && i < declared.choices.size();
+                 ++i)
+                add(std::string(kind) + "-" + declared.choices[i], [=](int size) {
+                    Run run(kind, size, size);
+                    run.set(parameter, {double(i)});
+                    more(run, size);
+                    return run();
+                });
+    };
+    addChoices("perlin", "mode", [](Run&, int) {});
+    addChoices("brick", "output", [](Run&, int) {});
+    addChoices("cellular", "output", [](Run&, int) {});
+    addChoices("cellular", "metric", [](Run& run, int) { run.set("output", {2}); });
+    add("cellular-fractal", [](int size) { return Run("cellular", size, size).set("octaves", {5})(); });
+    addChoices("shape", "shape", [](Run& run, int) { run.set("tiles", {3, 0}).set("sides", {5}); });
+    add("shape-turned", [](int size) {
+        return Run("shape", size, size).set("shape", {1}).set("tiles", {5, 0}).set("rotation", {0.06})();
+    });
+    add("tile-boxes", [](int size) {
+        return Run("tile", size, size).set("rotationvariation", {0.1}).set("positionvariation", {0.2})();
+    });
+    add("tile-scales", [](int size) {
+        return Run("tile", size, size)
+            .set("shape", {7})
+            .set("size", {1.2, 1.8})
+            .set("offset", {0.5})
+            .set("layering", {2})();
+    });
+    add("tile-stars", [](int size) {
+        return Run("tile", size, size)
+            .set("shape", {3})
+            .set("sides", {5})
+            .set("ratio", {0.4})
+            .set("size", {1.5, 1.5})
+            .set("rotationvariation", {1})
+            .set("positionvariation", {1})
+            .set("sizevariation", {0.7})();
+    });
+    addChoices("weave", "pattern", [](Run& run, int) { run.set("threads", {10, 0}); });
+    addChoices("weave", "output", [](Run& run, int) { run.set("threads", {8, 0}).set("pattern", {1}); });
+    add("checker", [](int size) { return Run("checker", size, size).set("tiles", {3, 0})(); });
+    add("checker-diagonal", [](int size) {
+        return Run("checker", size, size).set("tiles", {3, 0}).set("diagonal", {1})();
+    });
+    addChoices("lineargradient", "profile", [](Run& run, int) { run.set("repeats", {2, 1}); });
+    addChoices("radialgradient", "profile", [](Run&, int) {});
+    add("whitenoise", [](int size) { return Run("whitenoise", size, size)(); });
+    add("gaussianblur", [](int size) { return Run("gaussianblur", size, size).operand(heightOf(size))(); });
+    add("normal", [](int size) { return Run("normal", size, size).operand(heightOf(size))(); });
+    add("normal-perlin", [](int size) { return Run("normal", size, size).operand(reliefOf(size))(); });
+    add("gradientmap", [](int size) {
+        return Run("gradientmap", size, size)
+            .setBlob("gradient", {0, 0.1f, 0.05f, 0.2f, 1, 0.5f, 0.8f, 0.3f, 0.1f, 1, 1, 1, 0.95f, 0.7f, 1})
+            .operand(reliefOf(size))();
+    });
+    // MORE
+    return all;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    if (argc < 2)
+        return 1;
+    const int size = argc > 2 ? std::atoi(argv[2]) : 256;
+    const std::string pattern = argc > 3 ? argv[3] : "";
+    for (const Sheet& sheet : sheets()) {
+        if (sheet.name.find(pattern) == std::string::npos)
+            continue;
+        if (std::strcmp(argv[1], "time") == 0)
+            measure(sheet, size);
+        else
+            write(std::string(argv[1]) + "/" + sheet.name + ".ppm", sheet.draw(size));
+    }
+    return 0;
+}
