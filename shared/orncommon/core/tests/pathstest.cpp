@@ -90,6 +90,7 @@ TEST(UrlAliases, BothWays)
     UrlAliases aliases;
     aliases.setAlias(name("lib"), "/opt/lib");
     aliases.setAlias(name("maps"), "/opt/lib/maps/");
+    aliases.setAlias(name("deep"), "/opt/lib/deep"); // before its parent in the order of names
     aliases.setAlias(name("unset"), "");
     const struct
     {
@@ -99,6 +100,7 @@ TEST(UrlAliases, BothWays)
         bool matched;
     } rows[] = {{"/opt/lib/a/b.png", "", "lib://a/b.png", true},
                 {"/opt/lib/maps/b.png", "", "maps://b.png", true},
+                {"/opt/lib/deep/b.png", "", "deep://b.png", true},
                 {"/opt/lib", "", "lib://", true},
                 {"/opt/library/b.png", "", "/opt/library/b.png", false},
                 {"../lib/./b.png", "/opt/doc", "lib://b.png", true},

@@ -32,7 +32,6 @@ struct OtherMeta : Type::TypeMetaCustom<Opaque>
     using TypeMetaCustom::TypeMetaCustom;
 };
 
-
 Type listOf(const char* item, std::size_t size)
 {
     return Type::sCreateList(Type::sFromName(item), size);
@@ -129,6 +128,7 @@ TEST(Value, Equality)
     EXPECT_FALSE(nan == nan);
     EXPECT_TRUE(Value::DataVoid() == Value::DataT<int>(Type(Type::Void), 5));
     EXPECT_FALSE(Value::DataVoid() == Value::DataT<int>(5));
+    EXPECT_FALSE(Value::DataT<int>(Type(Type::Int, 1), 5) == Value::DataT<int>(5));
 }
 
 TEST(Value, DefaultRecords)
