@@ -29,6 +29,10 @@ target_include_directories(vellor_options INTERFACE
     "${PROJECT_SOURCE_DIR}" "${PROJECT_SOURCE_DIR}/shared" "${PROJECT_SOURCE_DIR}/platform/include")
 target_compile_definitions(vellor_options INTERFACE QT_DEPRECATED_WARNINGS)
 
+# build/bin runs wherever it is moved to, and so does what is installed: shared libraries lie in lib/ beside the programs.
+set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
+set(CMAKE_INSTALL_RPATH "$ORIGIN/lib;$ORIGIN/../lib")
+
 function(vellor_check_arrows name)
     foreach(used IN LISTS ARGN)
         if(used IN_LIST VELLOR_OWN_LIBRARIES AND NOT used IN_LIST VELLOR_ARROWS_${name})

@@ -234,4 +234,20 @@ bool readSection(Section section, ByteView bytes, Program& program)
     return false;
 }
 
+std::string recordKey(const ValueProgram& value)
+{
+    ByteWriter out;
+    write(value, out);
+    return {out.bytes().begin(), out.bytes().end()};
+}
+
+std::string recordKey(const Node& node)
+{
+    Node nameless = node;
+    nameless.name.clear();
+    ByteWriter out;
+    write(nameless, out);
+    return {out.bytes().begin(), out.bytes().end()};
+}
+
 } // namespace vellor::program

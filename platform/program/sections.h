@@ -60,4 +60,8 @@ void writeSection(Section section, const Program& program, ByteWriter& writer);
 /// Fills one part of program; false when the bytes don't make up a whole section.
 bool readSection(Section section, ByteView bytes, Program& program);
 
+/// Bytes that are equal exactly when two records say the same. The name of a node doesn't count.
+std::string recordKey(const ValueProgram& value);
+std::string recordKey(const Node& node);
+
 } // namespace vellor::program

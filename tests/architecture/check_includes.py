@@ -17,7 +17,7 @@ PRIVATE_HEADERS = {
     "assimp/": {"orngui3d"},
     "hwy/": {"vellornodes", "vellorenginecpu"},
     "archive.h": {"vellorprogram"},
-    "pugixml.hpp": {"vellorprogram", "vellorcooker", "vellorlinker"},
+    "pugixml.hpp": {"vellorcookercore"},
 }
 QT_FREE = "platform/"
 

@@ -1,0 +1,586 @@
+#include "platform/cooker/expressioncompiler.h"
+
+#include "platform/program/types.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace vellor::cooker {
+
+using program::Op;
+using program::ValueType;
+using Base = TypedValue::Base;
+using Value = program::ValueBuilder::Value;
+
+namespace {
+
+// Expressions refer to values that refer to values, through graphs within graphs.
+constexpr int kMaxDepth = 600;
+
+struct SimpleFunction
+{
+    const char* name;
+    int arguments;
+    Op floatOp;
+    Op intOp; // Op::Count: the function gives floats only
+};
+
+/// Functions that work component by component.
+const SimpleFunction kSimpleFunctions[] = {
+    {"abs", 1, Op::FAbs, Op::IAbs},
+    {"floor", 1, Op::FFloor, Op::Count},
+    {"ceil", 1, Op::FCeil, Op::Count},
+    {"round", 1, Op::FRound, Op::Count},
+    {"fract", 1, Op::FFract, Op::Count},
+    {"sqrt", 1, Op::FSqrt, Op::Count},
+    {"exp", 1, Op::FExp, Op::Count},
+    {"exp2", 1, Op::FExp2, Op::Count},
+    {"log", 1, Op::FLog, Op::Count},
+    {"log2", 1, Op::FLog2, Op::Count},
+    {"sin", 1, Op::FSin, Op::Count},
+    {"cos", 1, Op::FCos, Op::Count},
+    {"tan", 1, Op::FTan, Op::Count},
+    {"asin", 1, Op::FAsin, Op::Count},
+    {"acos", 1, Op::FAcos, Op::Count},
+    {"atan", 1, Op::FAtan, Op::Count},
+    {"atan2", 2, Op::FAtan2, Op::Count},
+    {"pow", 2, Op::FPow, Op::Count},
+    {"mod", 2, Op::FMod, Op::IMod},
+    {"min", 2, Op::FMin, Op::IMin},
+    {"max", 2, Op::FMax, Op::IMax},
+    {"step", 2, Op::FStep, Op::Count},
+    {"clamp", 3, Op::FClamp, Op::Count},
+    {"lerp", 3, Op::FLerp, Op::Count},
+    {"smoothstep", 3, Op::FSmoothstep, Op::Count},
+};
+
+const char* const kOtherFunctions[] = {
+    "float", "int", "bool",   "float2",   "float3",    "float4", "int2",     "int3", "int4",  "div",
+    "rand",  "dot", "length", "distance", "normalize", "cross",  "saturate", "sign", "sample"};
+
+int indexOfComponent(char c)
+{
+    const std::size_t i = std::string("xyzwrgba").find(c);
+    return i == std::string::npos ? -1 : static_cast<int>(i % 4);
+}
+
+} // namespace
+
+/// One expression on its way into a program.
+class ExpressionBody
+{
+public:
+    ExpressionBody(ExpressionCompiler& compiler, const SourceText& text, const Names& names)
+        : m_compiler(compiler), m_builder(compiler.m_builder), m_text(text), m_names(names)
+    {
+    }
+
+    TypedValue run()
+    {
+        const ExpressionProgram program = parseExpression(m_compiler.m_sources, m_text);
+        for (const ExpressionProgram::Let& let : program.lets)
+            m_lets[let.name] = evaluate(*let.expression);
+        return evaluate(*program.result);
+    }
+
+private:
+    [[noreturn]] void fail(const Expression& expression, const std::string& text) const
+    {
+        throw ExpressionError(place(expression), text);
+    }
+
+    Place place(const Expression& expression) const
+    {
+        return m_compiler.m_sources.within(m_text, expression.at);
+    }
+
+    TypedValue evaluate(const Expression& expression)
+    {
+        struct Depth
+        {
+            explicit Depth(int& depth) : m_depth(++depth) {}
+            ~Depth() { --m_depth; }
+            int& m_depth;
+        } depth(m_compiler.m_depth);
+        if (m_compiler.m_depth > kMaxDepth)
+            fail(expression, "values refer to each other too deeply");
+
+        switch (expression.kind) {
+        case Expression::Kind::Float:
+            return scalar(Base::Float, m_builder.constant(static_cast<float>(expression.number)));
+        case Expression::Kind::Int:
+            return scalar(Base::Int, m_builder.integer(static_cast<std::int32_t>(expression.number)));
+        case Expression::Kind::Bool:
+            return scalar(Base::Bool, m_builder.integer(expression.number != 0.0));
+        case Expression::Kind::Input:
+        case Expression::Kind::Value:
+            return reference(expression);
+        case Expression::Kind::Name:
+            return name(expression);
+        case Expression::Kind::String:
+            fail(expression, "a string may stand in sample() only");
+        case Expression::Kind::Call:
+            return call(expression);
+        case Expression::Kind::Swizzle:
+            return swizzle(expression);
+        case Expression::Kind::Unary:
+            return unary(expression);
+        case Expression::Kind::Binary:
+            return binary(expression);
+        case Expression::Kind::Conditional:
+            return conditional(expression);
+        }
+        fail(expression, "unknown expression");
+    }
+
+    static TypedValue scalar(Base base, Value value) { return {base, 1, {value, 0, 0, 0}}; }
+
+    TypedValue reference(const Expression& expression)
+    {
+        const bool isInput = expression.kind == Expression::Kind::Input;
+        const auto found =
+            isInput ? m_names.input(expression.text, m_compiler) : m_names.value(expression.text, m_compiler);
+        if (found)
+            return *found;
+        const auto known = isInput ? m_names.knownInputs() : m_names.knownValues();
+        fail(expression, std::string("no ") + (isInput ? "input" : "value") + " '" + expression.text + "'; " +
+                             (known.empty() ? "there are none" : "there are " + quotedList(known)));
+    }
+
+    TypedValue name(const Expression& expression)
+    {
+        const auto let = m_lets.find(expression.text);
+        if (let != m_lets.end())
+            return let->second;
+        if (expression.text == "pi" || expression.text == "tau")
+            return scalar(Base::Float,
+                          m_builder.constant(expression.text == "pi" ? 3.14159265f : 6.28318531f));
+        if (m_compiler.m_perPixel && expression.text == "pos")
+            return {Base::Float, 2, {m_builder.emit(Op::PixelX), m_builder.emit(Op::PixelY), 0, 0}};
+        if (m_compiler.m_perPixel && expression.text == "size")
+            return {Base::Int, 2, {m_builder.emit(Op::ImageWidth), m_builder.emit(Op::ImageHeight), 0, 0}};
+        fail(expression, "unknown name '" + expression.text + "'; inputs are written input." +
+                             expression.text + ", values value." + expression.text);
+    }
+
+    TypedValue swizzle(const Expression& expression)
+    {
+        const TypedValue value = evaluate(*expression.parts[0]);
+        TypedValue picked{value.base, 0, {}};
+        if (expression.text.size() > 4)
+            fail(expression, "a value has at most 4 components");
+        for (const char c : expression.text) {
+            const int index = indexOfComponent(c);
+            if (index < 0 || index >= value.count)
+                fail(expression,
+                     std::string("no component '") + c + "' in a value of type " + typeName(value));
+            picked.values[picked.count++] = value.values[index];
+        }
+        return picked;
+    }
+
+    TypedValue unary(const Expression& expression)
+    {
+        TypedValue value = evaluate(*expression.parts[0]);
+        if (expression.text == "!")
+            return scalar(Base::Bool, m_builder.emit(Op::INot, condition(value, *expression.parts[0])));
+        value = numeric(value);
+        if (expression.text == "-")
+            mapEach(value, [&](Value v) {
+                return m_builder.emit(value.base == Base::Float ? Op::FNeg : Op::INeg, v);
+            });
+        return value;
+    }
+
+    TypedValue binary(const Expression& expression)
+    {
+        const std::string& op = expression.text;
+        TypedValue left = evaluate(*expression.parts[0]), right = evaluate(*expression.parts[1]);
+        if (op == "&&" || op == "||") {
+            const Value a = condition(left, *expression.parts[0]), b = condition(right, *expression.parts[1]);
+            return scalar(Base::Bool, m_builder.emit(op == "&&" ? Op::IAnd : Op::IOr, a, b));
+        }
+        left = numeric(left);
+        right = numeric(right);
+        const bool asFloats = op == "/" || left.base == Base::Float || right.base == Base::Float;
+        unify(expression, left, right, asFloats);
+        if (op == "+" || op == "-" || op == "*" || op == "/" || op == "%")
+            return arithmetic(op[0], left, right);
+        return comparison(expression, left, right);
+    }
+
+    TypedValue arithmetic(char op, const TypedValue& left, const TypedValue& right)
+    {
+        const bool isFloat = left.base == Base::Float;
+        const Op code = op == '+'   ? (isFloat ? Op::FAdd : Op::IAdd)
+                        : op == '-' ? (isFloat ? Op::FSub : Op::ISub)
+                        : op == '*' ? (isFloat ? Op::FMul : Op::IMul)
+                        : op == '/' ? Op::FDiv
+                                    : (isFloat ? Op::FMod : Op::IMod);
+        return componentwise(code, {left, right});
+    }
+
+    TypedValue comparison(const Expression& expression, const TypedValue& left, const TypedValue& right)
+    {
+        const std::string& op = expression.text;
+        const bool isFloat = left.base == Base::Float, equality = op == "==" || op == "!=";
+        if (left.count > 1 && !equality)
+            fail(expression, "'" + op + "' compares single numbers, not a " + typeName(left));
+        const bool swapped = op == ">" || op == ">=";
+        const Op code = equality                 ? (isFloat ? Op::FEqual : Op::IEqual)
+                        : op == "<" || op == ">" ? (isFloat ? Op::FLess : Op::ILess)
+                                                 : (isFloat ? Op::FLessEqual : Op::ILessEqual);
+        TypedValue each = componentwise(code, swapped ? std::vector{right, left} : std::vector{left, right});
+        Value all = each.values[0];
+        for (int i = 1; i < each.count; ++i)
+            all = m_builder.emit(Op::IAnd, all, each.values[i]);
+        return scalar(Base::Bool, op == "!=" ? m_builder.emit(Op::INot, all) : all);
+    }
+
+    TypedValue conditional(const Expression& expression)
+    {
+        const Value chosen = condition(evaluate(*expression.parts[0]), *expression.parts[0]);
+        TypedValue yes = evaluate(*expression.parts[1]), no = evaluate(*expression.parts[2]);
+        if (yes.base != no.base || yes.count != no.count) {
+            yes = numeric(yes);
+            no = numeric(no);
+            unify(expression, yes, no, yes.base == Base::Float || no.base == Base::Float);
+        }
+        for (int i = 0; i < yes.count; ++i)
+            yes.values[i] = m_builder.emit(Op::Select, chosen, yes.values[i], no.values[i]);
+        return yes;
+    }
+
+    /// 1 or 0: a bool as it is, a number by whether it isn't 0.
+    Value condition(const TypedValue& value, const Expression& expression)
+    {
+        if (value.count != 1)
+            fail(expression, "expected a condition, found a " + typeName(value));
+        if (value.base == Base::Bool)
+            return value.values[0];
+        const Value zero = m_builder.integer(0); // the float 0.0 has the same bits
+        return m_builder.emit(Op::INot, m_builder.emit(value.base == Base::Float ? Op::FEqual : Op::IEqual,
+                                                       value.values[0], zero));
+    }
+
+    static TypedValue numeric(TypedValue value)
+    {
+        if (value.base == Base::Bool)
+            value.base = Base::Int;
+        return value;
+    }
+
+    template<typename Function> void mapEach(TypedValue& value, const Function& function)
+    {
+        for (int i = 0; i < value.count; ++i)
+            value.values[i] = function(value.values[i]);
+    }
+
+    TypedValue floats(TypedValue value)
+    {
+        if (value.base != Base::Float)
+            mapEach(value, [&](Value v) { return m_builder.emit(Op::IToF, v); });
+        value.base = Base::Float;
+        return value;
+    }
+
+    static TypedValue broadcast(TypedValue value, int count)
+    {
+        if (value.count == 1)
+            std::fill(value.values.begin(), value.values.begin() + count, value.values[0]);
+        value.count = count;
+        return value;
+    }
+
+    void unify(const Expression& expression, TypedValue& left, TypedValue& right, bool asFloats)
+    {
+        if (left.count != right.count && left.count != 1 && right.count != 1)
+            fail(expression, "a " + typeName(left) + " and a " + typeName(right) + " don't go together");
+        const int count = std::max(left.count, right.count);
+        left = broadcast(asFloats ? floats(left) : left, count);
+        right = broadcast(asFloats ? floats(right) : right, count);
+    }
+
+    /// Operands are of one type already.
+    TypedValue componentwise(Op op, const std::vector<TypedValue>& operands)
+    {
+        TypedValue result = operands[0];
+        for (int i = 0; i < result.count; ++i) {
+            const auto at = [&](std::size_t n) {
+                return n < operands.size() ? operands[n].values[i] : Value{0};
+            };
+            result.values[i] = m_builder.emit(op, at(0), at(1), at(2));
+        }
+        return result;
+    }
+
+    TypedValue call(const Expression& expression)
+    {
+        if (expression.text == "sample")
+            return sample(expression);
+        std::vector<TypedValue> arguments;
+        for (const auto& part : expression.parts)
+            arguments.push_back(evaluate(*part));
+        for (const SimpleFunction& function : kSimpleFunctions) {
+            if (expression.text == function.name) {
+                requireArguments(expression, function.arguments);
+                return simple(expression, function, arguments);
+            }
+        }
+        return special(expression, arguments);
+    }
+
+    void requireArguments(const Expression& expression, std::size_t count) const
+    {
+        if (expression.parts.size() != count)
+            fail(expression, expression.text + "() takes " + std::to_string(count) +
+                                 (count == 1 ? " argument" : " arguments") + ", found " +
+                                 std::to_string(expression.parts.size()));
+    }
+
+    TypedValue simple(const Expression& expression, const SimpleFunction& function,
+                      std::vector<TypedValue> arguments)
+    {
+        bool whole = function.intOp != Op::Count;
+        int count = 1;
+        for (TypedValue& argument : arguments) {
+            argument = numeric(argument);
+            whole = whole && argument.base == Base::Int;
+            if (argument.count != 1 && count != 1 && argument.count != count)
+                fail(expression,
+                     "the arguments of " + expression.text + "() differ in their number of components");
+            count = std::max(count, argument.count);
+        }
+        for (TypedValue& argument : arguments)
+            argument = broadcast(whole ? argument : floats(argument), count);
+        return componentwise(whole ? function.intOp : function.floatOp, arguments);
+    }
+
+    TypedValue special(const Expression& expression, std::vector<TypedValue>& arguments)
+    {
+        const std::string& name = expression.text;
+        const bool toFloat = name.compare(0, 5, "float") == 0, toInt = name.compare(0, 3, "int") == 0;
+        if ((toFloat || toInt) && name.size() <= (toFloat ? 6 : 4))
+            return construct(expression, arguments, toFloat,
+                             name.size() == (toFloat ? 5 : 3) ? 1 : name.back() - '0');
+        if (name == "bool") {
+            requireArguments(expression, 1);
+            return scalar(Base::Bool, condition(arguments[0], *expression.parts[0]));
+        }
+        if (name == "div" || name == "rand")
+            return ofTwoInts(expression, arguments);
+        if (name == "saturate" || name == "sign") {
+            requireArguments(expression, 1);
+            return name == "sign" ? sign(arguments[0]) : saturate(arguments[0]);
+        }
+        if (name == "dot" || name == "length" || name == "distance" || name == "normalize" || name == "cross")
+            return geometric(expression, arguments);
+        fail(expression, "unknown function '" + name + "'; there are " + quotedList(functionNames()));
+    }
+
+    TypedValue construct(const Expression& expression, const std::vector<TypedValue>& arguments, bool toFloat,
+                         int count)
+    {
+        if (count < 1 || count > 4)
+            fail(expression, "unknown function '" + expression.text + "'");
+        TypedValue result{toFloat ? Base::Float : Base::Int, 0, {}};
+        for (const TypedValue& argument : arguments) {
+            for (int i = 0; i < argument.count; ++i) {
+                if (result.count == count)
+                    fail(expression, expression.text + "() has too many components");
+                const bool fits = (argument.base == Base::Float) == toFloat;
+                const Value value = argument.values[i];
+                result.values[result.count++] =
+                    fits ? value : m_builder.emit(toFloat ? Op::IToF : Op::FToI, value);
+            }
+        }
+        if (result.count == 1)
+            return broadcast(result, count);
+        if (result.count != count)
+            fail(expression, expression.text + "() needs " + std::to_string(count) + " components, found " +
+                                 std::to_string(result.count));
+        return result;
+    }
+
+    TypedValue ofTwoInts(const Expression& expression, const std::vector<TypedValue>& arguments)
+    {
+        requireArguments(expression, 2);
+        for (std::size_t i = 0; i < 2; ++i) {
+            if (arguments[i].base == Base::Float || arguments[i].count != 1)
+                fail(*expression.parts[i],
+                     expression.text + "() takes whole numbers, found a " + typeName(arguments[i]));
+        }
+        const bool isRandom = expression.text == "rand";
+        return scalar(
+            isRandom ? Base::Float : Base::Int,
+            m_builder.emit(isRandom ? Op::Random : Op::IDiv, arguments[0].values[0], arguments[1].values[0]));
+    }
+
+    TypedValue saturate(TypedValue value)
+    {
+        value = floats(numeric(value));
+        const Value zero = m_builder.constant(0.0f), one = m_builder.constant(1.0f);
+        mapEach(value, [&](Value v) { return m_builder.emit(Op::FClamp, v, zero, one); });
+        return value;
+    }
+
+    TypedValue sign(TypedValue value)
+    {
+        value = floats(numeric(value));
+        const Value zero = m_builder.constant(0.0f);
+        mapEach(value, [&](Value v) {
+            const Value above = m_builder.emit(Op::FLess, zero, v),
+                        below = m_builder.emit(Op::FLess, v, zero);
+            return m_builder.emit(Op::IToF, m_builder.emit(Op::ISub, above, below));
+        });
+        return value;
+    }
+
+    TypedValue geometric(const Expression& expression, std::vector<TypedValue>& arguments)
+    {
+        const std::string& name = expression.text;
+        const bool one = name == "length" || name == "normalize";
+        requireArguments(expression, one ? 1 : 2);
+        for (TypedValue& argument : arguments)
+            argument = floats(numeric(argument));
+        if (!one)
+            unify(expression, arguments[0], arguments[1], true);
+        if (name == "cross")
+            return cross(expression, arguments[0], arguments[1]);
+        if (name == "dot")
+            return scalar(Base::Float, dot(arguments[0], arguments[1]));
+        const TypedValue along = name == "distance" ? componentwise(Op::FSub, arguments) : arguments[0];
+        const Value length = m_builder.emit(Op::FSqrt, dot(along, along));
+        if (name != "normalize")
+            return scalar(Base::Float, length);
+        return componentwise(Op::FDiv, {along, broadcast(scalar(Base::Float, length), along.count)});
+    }
+
+    Value dot(const TypedValue& a, const TypedValue& b)
+    {
+        Value sum = m_builder.emit(Op::FMul, a.values[0], b.values[0]);
+        for (int i = 1; i < a.count; ++i)
+            sum = m_builder.emit(Op::FAdd, sum, m_builder.emit(Op::FMul, a.values[i], b.values[i]));
+        return sum;
+    }
+
+    TypedValue cross(const Expression& expression, const TypedValue& a, const TypedValue& b)
+    {
+        if (a.count != 3)
+            fail(expression, "cross() takes values of type float3, found a " + typeName(a));
+        TypedValue result = a;
+        for (int i = 0; i < 3; ++i) {
+            const int j = (i + 1) % 3, k = (i + 2) % 3;
+            result.values[i] = m_builder.emit(Op::FSub, m_builder.emit(Op::FMul, a.values[j], b.values[k]),
+                                              m_builder.emit(Op::FMul, a.values[k], b.values[j]));
+        }
+        return result;
+    }
+
+    TypedValue sample(const Expression& expression)
+    {
+        if (!m_compiler.m_perPixel)
+            fail(expression, "sample() works in pixel programs only");
+        requireArguments(expression, 2);
+        const std::uint16_t operand = operandOf(*expression.parts[0]);
+        const TypedValue at = floats(numeric(evaluate(*expression.parts[1])));
+        if (at.count != 2)
+            fail(*expression.parts[1], "expected a position of type float2, found a " + typeName(at));
+        const bool colour = m_compiler.m_operands[operand].channels == 4;
+        const Value first =
+            m_builder.emit(colour ? Op::SampleColour : Op::SampleGrey, operand, at.values[0], at.values[1]);
+        TypedValue result{Base::Float, colour ? 4 : 1, {}};
+        for (int i = 0; i < result.count; ++i)
+            result.values[i] = static_cast<Value>(first + i);
+        return result;
+    }
+
+    std::uint16_t operandOf(const Expression& expression) const
+    {
+        const std::vector<SampledOperand>& operands = m_compiler.m_operands;
+        std::size_t index = operands.size();
+        std::vector<std::string> names;
+        for (std::size_t i = 0; i < operands.size(); ++i) {
+            names.push_back(operands[i].name);
+            const bool named =
+                expression.kind == Expression::Kind::Name || expression.kind == Expression::Kind::String;
+            if (named && operands[i].name == expression.text)
+                index = i;
+            if (expression.kind == Expression::Kind::Int && expression.number == static_cast<double>(i))
+                index = i;
+        }
+        if (index == operands.size())
+            fail(expression, "expected the name of an operand: " + quotedList(names));
+        if (operands[index].channels == 0)
+            fail(expression, "nothing is connected to the operand '" + operands[index].name + "'");
+        return static_cast<std::uint16_t>(index);
+    }
+
+    ExpressionCompiler& m_compiler;
+    program::ValueBuilder& m_builder;
+    const SourceText& m_text;
+    const Names& m_names;
+    std::map<std::string, TypedValue> m_lets;
+};
+
+std::string typeName(const TypedValue& value)
+{
+    const std::string base = value.base == Base::Bool ? "bool" : value.base == Base::Int ? "int" : "float";
+    return value.count == 1 ? base : base + std::to_string(value.count);
+}
+
+void ExpressionCompiler::setPixelProgram(std::vector<SampledOperand> operands)
+{
+    m_perPixel = true;
+    m_operands = std::move(operands);
+}
+
+TypedValue ExpressionCompiler::compile(const SourceText& text, const Names& names)
+{
+    return ExpressionBody(*this, text, names).run();
+}
+
+TypedValue ExpressionCompiler::converted(const TypedValue& value, ValueType type, Place place, bool opaque)
+{
+    const int count = program::componentCount(type);
+    const bool toFloat = program::isFloat(type);
+    TypedValue result = value;
+    const bool addsAlpha = opaque && type == ValueType::Float4 && value.count == 3;
+    if ((value.count != 1 && value.count != count && !addsAlpha) || (!toFloat && value.base == Base::Float)) {
+        const std::string hint = value.base == Base::Float && !toFloat ? "; int() makes whole numbers" : "";
+        const std::string wanted =
+            count == 1 ? (toFloat ? "float" : "int") : (toFloat ? "float" : "int") + std::to_string(count);
+        throw ExpressionError(place, "expected a value of type " + wanted + ", found a " +
+                                         cooker::typeName(value) + hint);
+    }
+    result.base = toFloat ? Base::Float : Base::Int;
+    result.count = count;
+    for (int i = 0; i < count; ++i) {
+        if (addsAlpha && i == 3) {
+            result.values[i] = m_builder.constant(1.0f);
+            continue;
+        }
+        const Value from = value.values[value.count == 1 ? 0 : i];
+        result.values[i] = toFloat && value.base != Base::Float ? m_builder.emit(Op::IToF, from) : from;
+    }
+    return result;
+}
+
+program::ValueProgram ExpressionCompiler::finish(const TypedValue& value, ValueType type)
+{
+    return m_builder.finish(type, value.values, m_perPixel);
+}
+
+const std::vector<std::string>& functionNames()
+{
+    static const std::vector<std::string> names = [] {
+        std::vector<std::string> list;
+        for (const SimpleFunction& function : kSimpleFunctions)
+            list.emplace_back(function.name);
+        list.insert(list.end(), std::begin(kOtherFunctions), std::end(kOtherFunctions));
+        return list;
+    }();
+    return names;
+}
+
+} // namespace vellor::cooker
