@@ -182,7 +182,7 @@ struct NodeDeclaration
 
     // May return null where a kernel needs no state. May throw std::bad_alloc. Runs on any thread.
     std::unique_ptr<State> (*prepare)(const Setup&) = nullptr;
-    // Exactly one of the two is set.
+    // Exactly one of the two is set. Either may throw std::bad_alloc.
     void (*row)(const RowJob&) = nullptr;
     void (*area)(const AreaJob&) = nullptr;
     // Area kernels of more than one pass: the scratch images, one for each pass but the last. Null: one pass.

@@ -127,6 +127,72 @@ std::vector<Sheet> sheets()
             .setBlob("gradient", {0, 0.1f, 0.05f, 0.2f, 1, 0.5f, 0.8f, 0.3f, 0.1f, 1, 1, 1, 0.95f, 0.7f, 1})
             .operand(reliefOf(size))();
     });
+    add("text", [](int size) {
+        return Run("text", size, size)
+            .setText("text", U"Quick fox 0123\njumps @ {42%}\nVELLOR &$?")
+            .set("size", {0.1})();
+    });
+    add("text-all", [](int size) {
+        std::u32string ascii;
+        for (char32_t c = 33; c < 127; ++c)
+            ascii += (c % 12 == 0 ? U"\n" : U"") + std::u32string(1, c);
+        return Run("text", size, size).setText("text", ascii).set("size", {0.06})();
+    });
+    add("transform-turned", [](int size) {
+        return Run("transform", size, size).set("rotation", {0.125}).operand(heightOf(size))();
+    });
+    add("transform-tiled", [](int size) {
+        return Run("transform", size, size).set("tiling", {3, 8}).operand(heightOf(size))();
+    });
+    add("transform-once", [](int size) {
+        return Run("transform", size, size)
+            .set("scale", {0.6, 0.6})
+            .set("rotation", {0.05})
+            .set("wrap", {0})
+            .operand(heightOf(size))();
+    });
+    add("warp",
+        [](int size) { return Run("warp", size, size).operand(heightOf(size)).operand(reliefOf(size))(); });
+    add("warp-direction", [](int size) {
+        return Run("warp", size, size)
+            .set("mode", {1})
+            .set("intensity", {10})
+            .operand(heightOf(size))
+            .operand(reliefOf(size))();
+    });
+    add("vectorwarp", [](int size) {
+        return Run("vectorwarp", size, size)
+            .operand(heightOf(size))
+            .operand(Run("normal", size, size).set("intensity", {10}).operand(reliefOf(size))())();
+    });
+    add("directionalblur", [](int size) {
+        return Run("directionalblur", size, size)
+            .set("angle", {0.1})
+            .set("length", {200})
+            .operand(heightOf(size))();
+    });
+    add("ambientocclusion",
+        [](int size) { return Run("ambientocclusion", size, size).operand(heightOf(size))(); });
+    add("ambientocclusion-far", [](int size) {
+        return Run("ambientocclusion", size, size)
+            .set("radius", {0.4})
+            .set("depth", {20})
+            .operand(Run("tile", size, size).set("share", {0.2})())();
+    });
+    add("ambientocclusion-perlin", [](int size) {
+        return Run("ambientocclusion", size, size).set("depth", {15}).operand(reliefOf(size))();
+    });
+    add("curvature", [](int size) { return Run("curvature", size, size).operand(heightOf(size))(); });
+    add("distance", [](int size) {
+        return Run("distance", size, size)
+            .operand(
+                Run("shape", size, size).set("shape", {3}).set("sides", {5}).set("size", {0.5, 0.5})())();
+    });
+    add("distance-inside", [](int size) {
+        return Run("distance", size, size)
+            .set("side", {1})
+            .operand(Run("brick", size, size).set("output", {1}).set("rounding", {0.3})())();
+    });
     // MORE
     return all;
 }
