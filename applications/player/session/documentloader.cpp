@@ -1,0 +1,179 @@
+#include "documentloader.h"
+
+#include "applications/player/session/packagecooker.h"
+#include "applications/player/session/packagelinker.h"
+#include "applications/player/session/static.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+namespace Zph::Applications::Player {
+
+namespace {
+
+constexpr int kReloadDelay = 1000; // ms
+
+bool hasSuffix(const QString& path, const char* suffix)
+{
+    return QFileInfo(path).suffix().compare(QLatin1String(suffix), Qt::CaseInsensitive) == 0;
+}
+
+/// A file with the same base name in the same folder.
+QString beside(const QString& path, const char* suffix)
+{
+    const QFileInfo info(path);
+    return info.dir().filePath(info.baseName() + '.' + QLatin1String(suffix));
+}
+
+/// The binary that a description describes: the assembly beside it, or else a binary, which may carry one
+/// more part in its name.
+QString binaryOfDescription(const QString& path)
+{
+    const QString assembly = beside(path, "vlrasm");
+    if (QFileInfo::exists(assembly))
+        return assembly;
+    const QFileInfo info(path);
+    const QStringList found = info.dir().entryList(
+        {info.baseName() + ".*.vlrbin", info.baseName() + ".vlrbin"}, QDir::Files, QDir::Name);
+    return found.isEmpty() ? assembly : info.dir().filePath(found.first());
+}
+
+} // namespace
+
+DocumentLoader::DocumentLoader(DocumentHost& host, QObject* parent) : QObject(parent), m_host(host)
+{
+    m_reloadTimer.setSingleShot(true);
+    m_reloadTimer.setInterval(kReloadDelay);
+    connect(&m_reloadTimer, &QTimer::timeout, this, &DocumentLoader::reloadRequested);
+    connect(&m_watcher, &QFileSystemWatcher::fileChanged, this, &DocumentLoader::onFileChanged);
+}
+
+bool DocumentLoader::loadVlrFile(const QStringList& filepaths)
+{
+    PackageCooker cooker(m_host, m_host.cookingOptions());
+    if (!cooker.cook(filepaths))
+        return false;
+    m_description.clear();
+    m_description.setContent(cooker.description());
+    clearWatcher();
+    Static::instance().remoteMode = false;
+    m_loadedFiles = filepaths;
+    m_host.setDocumentTitle(QFileInfo(filepaths.first()).fileName() + (filepaths.size() > 1 ? " [...]" : ""));
+    QByteArray bytes = cooker.assembly();
+    QBuffer assembly(&bytes);
+    assembly.open(QIODevice::ReadOnly);
+    const bool isLoaded = loadVlrasm(assembly, false);
+    m_watcher.addPaths(filepaths);
+    return isLoaded;
+}
+
+bool DocumentLoader::loadVlrarFile(const QString& filepath)
+{
+    QFile file(filepath);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    m_loadedFiles = QStringList(filepath);
+    Static::instance().remoteMode = false;
+    m_host.setDocumentTitle(QFileInfo(filepath).fileName());
+    const bool isLoaded = loadVlrasm(file, true);
+    if (!filepath.startsWith(':'))
+        m_watcher.addPath(filepath);
+    return isLoaded;
+}
+
+bool DocumentLoader::loadBinOrAsmFile(const QString& filepath)
+{
+    const bool isXml = hasSuffix(filepath, "xml");
+    const QString xml = isXml ? filepath : beside(filepath, "xml");
+    const QString binary = isXml ? binaryOfDescription(filepath) : filepath;
+    QFile file(binary);
+    if (!file.open(QIODevice::ReadOnly)) {
+        m_host.message(2, tr("Cannot open file '%1'").arg(binary));
+        return false;
+    }
+    const bool hasDescription = readDescription(xml);
+    clearWatcher();
+    Static::instance().remoteMode = false;
+    m_loadedFiles = QStringList(filepath);
+    m_host.setDocumentTitle(QFileInfo(filepath).fileName());
+    const bool isLoaded = hasSuffix(binary, "vlrasm") ? loadVlrasm(file, false) : m_host.playBinary(file);
+    m_watcher.addPath(binary);
+    if (hasDescription)
+        m_watcher.addPath(xml);
+    return isLoaded;
+}
+
+bool DocumentLoader::readDescription(const QString& filepath)
+{
+    m_description.clear();
+    QFile file(filepath);
+    if (!file.open(QIODevice::ReadOnly)) {
+        m_host.message(1, tr("Cannot load Vellor XML description file"));
+        return false;
+    }
+    QString reason;
+    int line = 0, column = 0;
+    if (m_description.setContent(&file, &reason, &line, &column)) {
+        m_host.status(tr("'%1' Loaded.").arg(filepath));
+    } else {
+        m_description.clear();
+        m_host.message(1, tr("Cannot load Vellor XML description file"));
+        m_host.message(1, QStringLiteral("%1:%2:%3: %4").arg(filepath).arg(line).arg(column).arg(reason));
+    }
+    return true;
+}
+
+bool DocumentLoader::loadVlrasm(QIODevice& device, bool isArchive)
+{
+    PackageLinker linker(m_host, Static::instance().sizeLimit());
+    if (!linker.link(device))
+        return false;
+    if (isArchive)
+        linker.takeDescription(m_description);
+    QByteArray bytes = linker.binary();
+    QBuffer binary(&bytes);
+    binary.open(QIODevice::ReadOnly);
+    return m_host.playBinary(binary);
+}
+
+void DocumentLoader::remoteVlrbinReceived(const QByteArray& buffer)
+{
+    m_host.stopGeneration();
+    m_remoteBuffer.close();
+    m_remoteBuffer.setData(buffer);
+    QMetaObject::invokeMethod(this, &DocumentLoader::remoteReceived, Qt::QueuedConnection);
+}
+
+bool DocumentLoader::loadVlrbinRemote()
+{
+    clearWatcher();
+    Static::instance().remoteMode = true;
+    m_loadedFiles.clear();
+    m_description.clear();
+    m_host.setDocumentTitle(tr("Remote file"));
+    m_remoteBuffer.open(QIODevice::ReadOnly);
+    const bool isLoaded = m_host.playBinary(m_remoteBuffer);
+    m_remoteBuffer.close();
+    return isLoaded;
+}
+
+void DocumentLoader::onFileChanged(const QString& path)
+{
+    emit documentFileChanged();
+    if (!m_host.isAutoReloadOn())
+        return;
+    // In a pair of binary and description the description counts: tools write it last.
+    if (m_watcher.files().size() > 1 && !hasSuffix(path, "xml"))
+        return;
+    m_host.stopGeneration();
+    m_reloadTimer.start();
+}
+
+void DocumentLoader::clearWatcher()
+{
+    if (!m_watcher.files().isEmpty())
+        m_watcher.removePaths(m_watcher.files());
+}
+
+} // namespace Zph::Applications::Player
