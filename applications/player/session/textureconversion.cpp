@@ -84,8 +84,8 @@ SurfacePtr fromRaw(const VellorTexture& texture, Buffer buffer)
 
 struct BlockKind
 {
-    quint32 bytes = 16;
-    const char* fourCC = "\0\0\0\0";
+    quint32 bytes = 0; ///< of one block
+    const char* fourCC = nullptr;
 };
 
 BlockKind blockKind(quint8 format)
@@ -130,6 +130,8 @@ void writeDdsHeader(char* header, const VellorTexture& texture, quint32 dataByte
 SurfacePtr fromBlocks(const VellorTexture& texture, Buffer buffer)
 {
     const BlockKind kind = blockKind(texture.pixelFormat);
+    if (!kind.fourCC) // nobody could decode it, and nobody knows how much of it there is
+        return {};
     quint64 bytes = kind.bytes;
     if (texture.width > 3)
         bytes *= texture.width >> 2;
