@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <cstdlib>
 
+#include <sys/mman.h>
+
 namespace vellor::cpu {
 
 /// The host's functions, each null until it is registered. Called on the thread that called into the engine,
@@ -46,14 +48,21 @@ struct Callbacks
         }
     }
 
-    /// A block that the host will own and give back with free(). Null when there is no memory.
+    /// A block that the host will own and give back with free(). Null when there is no memory. Large blocks
+    /// ask for huge pages: filling a fresh picture costs more in page faults than in arithmetic.
     void* allocate(std::size_t size) const
     {
-        constexpr std::size_t kAlignment = 64;
-        if (allocation)
-            return allocation(size, kAlignment);
+        constexpr std::size_t kHugePage = std::size_t(2) << 20;
+        const bool large = size >= 2 * kHugePage;
+        const std::size_t alignment = large ? kHugePage : 64;
         void* block = nullptr;
-        return posix_memalign(&block, kAlignment, size) == 0 ? block : nullptr;
+        if (allocation)
+            block = allocation(size, alignment);
+        else if (posix_memalign(&block, alignment, size) != 0)
+            return nullptr;
+        if (large && block && reinterpret_cast<std::uintptr_t>(block) % kHugePage == 0)
+            madvise(block, size / kHugePage * kHugePage, MADV_HUGEPAGE); // a wish: it may fail
+        return block;
     }
 
     void free(void* block) const

@@ -11,7 +11,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr double kChunkSeconds = 0.002;
+constexpr double kChunkSeconds = 0.001;
 constexpr double kWorthWaking = 0.0002;
 constexpr int kFirstChunkPixels = 1 << 14;
 

@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::uint8_t kGreyFloat = VELLOR_FORMAT_GRAYSCALE | VELLOR_FORMAT_32FLOAT;
 
-/// Output 200: ramp + input 0; 201: input 0 itself; 202: ramp + 1; 203: 16 x 4096 slow pixels.
+/// Output 200: ramp + input 0; 201: input 0 itself; 202: ramp + 1; 203: 16 x 2048 slow pixels.
 ProgramBuilder program()
 {
     ProgramBuilder build;
@@ -30,7 +30,7 @@ ProgramBuilder program()
     build.output(moved, kGreyFloat);
     build.numericOutput(value);
     build.output(fixed, kGreyFloat);
-    build.output(build.node("slow", build.sizeValue(4, 12)), kGreyFloat);
+    build.output(build.node("slow", build.sizeValue(4, 11)), kGreyFloat);
     return build;
 }
 
@@ -137,7 +137,7 @@ TEST(Queue, StopsFromAnotherThreadAndFromProgress)
         if (other.joinable())
             other.join();
         EXPECT_TRUE(host.completed.empty());
-        EXPECT_LT(counters().ramp, 16 * 4096);
+        EXPECT_LT(counters().ramp, 16 * 2048);
         EXPECT_FALSE(running(host.handle()));
     }
 }

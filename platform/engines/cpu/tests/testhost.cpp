@@ -2,10 +2,10 @@
 
 #include "platform/engines/cpu/entrypoints.h"
 #include "platform/engines/cpu/outputconverter.h"
-#include "platform/engines/cpu/tests/fakekinds.h"
 
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 
 namespace vellor::cpu::testing {
 namespace {
@@ -38,11 +38,11 @@ template<class Function> VellorFunction function(Function* pointer)
 
 } // namespace
 
-TestHost::TestHost(program::Program program, Resources resources)
+TestHost::TestHost(program::Program program, Resources resources, KindLookup kinds)
 {
     VellorDevice device{};
     vellorContextInitImpl(&context_, &device, VELLOR_API_VERSION, 0);
-    context_->kinds = findFakeKind;
+    context_->kinds = std::move(kinds);
     registerCallbacks();
     initResult_ = makeHandle(&handle_, *context_, std::move(program), resources);
     hosts()[handle_] = this;

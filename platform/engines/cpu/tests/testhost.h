@@ -1,6 +1,8 @@
 #pragma once
 
+#include "platform/engines/cpu/package.h"
 #include "platform/engines/cpu/resources.h"
+#include "platform/engines/cpu/tests/fakekinds.h"
 #include "platform/program/program.h"
 
 #include <vellor/engine.h>
@@ -20,7 +22,7 @@ namespace vellor::cpu::testing {
 class TestHost
 {
 public:
-    explicit TestHost(program::Program program, Resources resources = {});
+    explicit TestHost(program::Program program, Resources resources = {}, KindLookup kinds = findFakeKind);
     ~TestHost();
     TestHost(const TestHost&) = delete;
     TestHost& operator=(const TestHost&) = delete;
