@@ -1,0 +1,13 @@
+#include <QApplication>
+#include <QStandardPaths>
+#include <gtest/gtest.h>
+
+int main(int argc, char** argv)
+{
+    QStandardPaths::setTestModeEnabled(true);
+    QApplication application(argc, argv);
+    QApplication::setOrganizationName("VellorTest");
+    QApplication::setApplicationName("playertweaks_test");
+    testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}
