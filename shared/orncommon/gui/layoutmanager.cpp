@@ -328,9 +328,13 @@ void LayoutManager::updateTabBar(QTabBar* bar)
 {
     QList<QWidget*> wanted;
     for (int tab = 0; tab < bar->count(); ++tab) {
-        DockWidget* dock = dockOfTab(*bar, tab);
-        if (!dock)
+        // A bar that is out of use may keep its last tab.
+        const bool used = !bar->isHidden() && bar->count() > 1;
+        DockWidget* dock = used ? dockOfTab(*bar, tab) : nullptr;
+        if (!dock) {
+            bar->setTabButton(tab, QTabBar::RightSide, nullptr);
             continue;
+        }
         if (bar->tabIcon(tab).cacheKey() != dock->windowIcon().cacheKey())
             bar->setTabIcon(tab, dock->windowIcon());
         auto* button = qobject_cast<DockTabButton*>(bar->tabButton(tab, QTabBar::RightSide));

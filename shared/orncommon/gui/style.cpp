@@ -6,9 +6,9 @@
 #include <QComboBox>
 #include <QEvent>
 #include <QPainter>
-#include <QPainterPath>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QSlider>
 #include <QStyleOptionSlider>
 #include <QtMath>
 
@@ -125,6 +125,8 @@ int Style::pixelMetric(PixelMetric metric, const QStyleOption* option, const QWi
     case PM_SliderThickness:
     case PM_SliderControlThickness:
         return m_options.sliderThickness;
+    case PM_HeaderDefaultSectionSizeVertical:
+        return m_options.rowHeight;
     case PM_MessageBoxIconSize:
         return 2 * m_options.smallIconSize;
     default:
@@ -155,6 +157,8 @@ void Style::drawComplexControl(ComplexControl control, const QStyleOptionComplex
     const auto* slider = qstyleoption_cast<const QStyleOptionSlider*>(option);
     if (control == CC_Dial && slider)
         drawDial(*slider, *painter);
+    else if (control == CC_Slider && slider)
+        drawSlider(*slider, *painter, widget);
     else
         QProxyStyle::drawComplexControl(control, option, painter, widget);
 }
@@ -184,6 +188,95 @@ void Style::drawDial(const QStyleOptionSlider& option, QPainter& painter) const
     painter.setPen(QPen(enabled ? m_options.accent : m_options.disabledText, 2, Qt::SolidLine, Qt::RoundCap));
     painter.drawLine(centre + direction * radius * 0.35, centre + direction * (radius - 3));
     painter.restore();
+}
+
+void Style::drawSlider(const QStyleOptionSlider& option, QPainter& painter, const QWidget* widget) const
+{
+    const bool horizontal = option.orientation == Qt::Horizontal;
+    const bool enabled = option.state.testFlag(State_Enabled);
+    const QRectF groove = proxy()->subControlRect(CC_Slider, &option, SC_SliderGroove, widget);
+    const QPointF handle =
+        QRectF(proxy()->subControlRect(CC_Slider, &option, SC_SliderHandle, widget)).center();
+
+    constexpr double trackWidth = 4.0;
+    QRectF track = horizontal
+                       ? QRectF(groove.left(), handle.y() - trackWidth / 2, groove.width(), trackWidth)
+                       : QRectF(handle.x() - trackWidth / 2, groove.top(), trackWidth, groove.height());
+    QRectF filled = track;
+    if (horizontal && option.upsideDown)
+        filled.setLeft(handle.x());
+    else if (horizontal)
+        filled.setRight(handle.x());
+    else if (option.upsideDown)
+        filled.setTop(handle.y());
+    else
+        filled.setBottom(handle.y());
+
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(m_options.border);
+    painter.drawRoundedRect(track, trackWidth / 2, trackWidth / 2);
+    painter.setBrush(enabled ? m_options.accent.darker(125) : m_options.button.lighter(115));
+    painter.drawRoundedRect(filled, trackWidth / 2, trackWidth / 2);
+    if (option.subControls.testFlag(SC_SliderTickmarks) && option.tickPosition != QSlider::NoTicks)
+        drawTicks(option, painter, widget);
+    drawSliderHandle(option, painter, handle);
+    painter.restore();
+}
+
+void Style::drawSliderHandle(const QStyleOptionSlider& option, QPainter& painter, const QPointF& centre) const
+{
+    const bool enabled = option.state.testFlag(State_Enabled);
+    const bool onHandle = option.activeSubControls.testFlag(SC_SliderHandle);
+    const bool pressed = onHandle && option.state.testFlag(State_Sunken);
+    const bool focused = enabled && option.state.testFlag(State_HasFocus);
+    QColor fill = m_options.text.darker(110);
+    if (!enabled)
+        fill = m_options.disabledText.darker(130);
+    else if (pressed)
+        fill = m_options.link;
+    else if (onHandle && option.state.testFlag(State_MouseOver))
+        fill = m_options.brightText;
+    painter.setPen(QPen(focused ? m_options.accent : m_options.border, focused ? 2.0 : 1.0));
+    painter.setBrush(fill);
+    painter.drawEllipse(centre, 6, 6);
+}
+
+void Style::drawTicks(const QStyleOptionSlider& option, QPainter& painter, const QWidget* widget) const
+{
+    constexpr int tickLength = 4;
+    constexpr int minimumGap = 3; // closer ones would be a grey band
+    const bool horizontal = option.orientation == Qt::Horizontal;
+    const int handleLength = proxy()->pixelMetric(PM_SliderLength, &option, widget);
+    const QRect room = option.rect;
+    const int way = (horizontal ? room.width() : room.height()) - handleLength;
+    const qint64 range = qint64(option.maximum) - option.minimum;
+    qint64 interval = qMax(1, option.tickInterval > 0 ? option.tickInterval : option.pageStep);
+    if (range <= 0 || way <= 0)
+        return;
+    while (interval * way < minimumGap * range)
+        interval *= 10;
+    painter.setPen(QPen(m_options.disabledText.darker(130), 1));
+    painter.setRenderHint(QPainter::Antialiasing, false);
+    for (qint64 value = option.minimum; value <= option.maximum; value += interval) {
+        const int at =
+            handleLength / 2 + sliderPositionFromValue(option.minimum, option.maximum,
+                                                       static_cast<int>(value), way, option.upsideDown);
+        for (const int side : {QSlider::TicksAbove, QSlider::TicksBelow}) {
+            if (!(option.tickPosition & side))
+                continue;
+            const int length = side == QSlider::TicksAbove ? tickLength : -tickLength;
+            if (horizontal) {
+                const int edge = side == QSlider::TicksAbove ? room.top() : room.bottom();
+                painter.drawLine(room.left() + at, edge, room.left() + at, edge + length);
+            } else {
+                const int edge = side == QSlider::TicksAbove ? room.left() : room.right();
+                painter.drawLine(edge, room.top() + at, edge + length, room.top() + at);
+            }
+        }
+    }
+    painter.setRenderHint(QPainter::Antialiasing);
 }
 
 QPixmap Style::generatedIconPixmap(QIcon::Mode mode, const QPixmap& pixmap, const QStyleOption* option) const

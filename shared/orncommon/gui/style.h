@@ -8,8 +8,8 @@ class QStyleOptionSlider;
 
 namespace Orn::Gui {
 
-/// The style below the theme's sheet: the palette, and what a sheet cannot say, such as dials, disabled icons
-/// and how sliders and scroll areas answer the mouse.
+/// The style below the theme's sheet: the palette, and what a sheet cannot say, such as dials, sliders with
+/// ticks, disabled icons and how sliders and scroll areas answer the mouse.
 class Style : public QProxyStyle
 {
     Q_OBJECT
@@ -42,6 +42,9 @@ protected:
 
 private:
     void drawDial(const QStyleOptionSlider& option, QPainter& painter) const;
+    void drawSlider(const QStyleOptionSlider& option, QPainter& painter, const QWidget* widget) const;
+    void drawSliderHandle(const QStyleOptionSlider& option, QPainter& painter, const QPointF& centre) const;
+    void drawTicks(const QStyleOptionSlider& option, QPainter& painter, const QWidget* widget) const;
 
     StyleOptions m_options;
 };

@@ -14,7 +14,7 @@ struct StyleOptions
     QColor border{0x1a, 0x1a, 0x1a};
     QColor text{0xde, 0xde, 0xde};
     QColor brightText{0xff, 0xff, 0xff};
-    QColor disabledText{0x8c, 0x8c, 0x8c};
+    QColor disabledText{0x94, 0x94, 0x94};
     QColor placeholderText{0x96, 0x96, 0x96};
     QColor accent{0x4d, 0xa3, 0xd9};
     QColor selection{0x2f, 0x6d, 0x99};
@@ -24,6 +24,7 @@ struct StyleOptions
     double disabledIconOpacity = 0.38;
     int smallIconSize = 16; ///< device-independent pixels, as all sizes here
     int sliderThickness = 18;
+    int rowHeight = 24;
 };
 
 } // namespace Orn::Gui
