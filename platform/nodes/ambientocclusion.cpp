@@ -148,13 +148,13 @@ static std::unique_ptr<State> prepareOcclusion(const Setup& setup)
     for (int d = 0; d < kDirections; ++d) {
         const scalar::SinCos turn = scalar::sinCosOfTurns((static_cast<float>(d) + 0.5f) / kDirections);
         for (float distance = 1.0f; distance <= radius;
-             distance = std::max(distance + 1.0f, distance * 1.35f)) {
+             distance = std::max(distance + 1.0f, distance * 1.3f)) {
             OcclusionSample sample;
             sample.dx = static_cast<int>(scalar::roundOf(distance * turn.cosine));
             sample.dy = static_cast<int>(scalar::roundOf(distance * turn.sine));
             sample.copy = copyFor(distance);
-            // Fades towards the radius, so that nothing comes in all at once.
-            const float fade = 1.0f - distance / (radius + 1.0f);
+            // The outer half fades out, so that nothing comes in all at once.
+            const float fade = held(2.0f - 2.0f * distance / (radius + 1.0f), 0.0f, 1.0f);
             const auto square = static_cast<float>(sample.dx * sample.dx + sample.dy * sample.dy);
             sample.steepness = depth * fade / scalar::sqrtOf(square);
             state->directions[d].push_back(sample);

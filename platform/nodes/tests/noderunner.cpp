@@ -101,7 +101,7 @@ double meanOf(const Picture& picture, int channel)
     return sum / (double(picture.width()) * picture.height());
 }
 
-Run::Run(const char* kind, int width, int height, int channels)
+Evaluation::Evaluation(const char* kind, int width, int height, int channels)
     : m_node(findNode(std::string_view(kind)) ? *findNode(std::string_view(kind))
                                               : throw std::invalid_argument(kind)),
       m_width(width), m_height(height), m_channels(channels)
@@ -118,7 +118,7 @@ Run::Run(const char* kind, int width, int height, int channels)
     }
 }
 
-ParameterValue& Run::value(const char* name)
+ParameterValue& Evaluation::value(const char* name)
 {
     for (std::size_t i = 0; i < m_parameters.size(); ++i)
         if (std::string_view(m_node.parameters[i].name) == name)
@@ -126,7 +126,7 @@ ParameterValue& Run::value(const char* name)
     throw std::invalid_argument(std::string(m_node.name) + " has no parameter " + name);
 }
 
-Run& Run::set(const char* name, std::initializer_list<double> components)
+Evaluation& Evaluation::set(const char* name, std::initializer_list<double> components)
 {
     ParameterValue& parameter = value(name);
     int c = 0;
@@ -137,14 +137,14 @@ Run& Run::set(const char* name, std::initializer_list<double> components)
     return *this;
 }
 
-Run& Run::setText(const char* name, std::u32string text)
+Evaluation& Evaluation::setText(const char* name, std::u32string text)
 {
     m_texts[name] = std::move(text);
     value(name).text = m_texts[name];
     return *this;
 }
 
-Run& Run::setBlob(const char* name, std::vector<float> values)
+Evaluation& Evaluation::setBlob(const char* name, std::vector<float> values)
 {
     std::vector<std::uint8_t>& blob = m_blobs[name];
     blob.resize(values.size() * sizeof(float));
@@ -154,13 +154,13 @@ Run& Run::setBlob(const char* name, std::vector<float> values)
     return *this;
 }
 
-Run& Run::setProgram(const char* name, const program::ValueProgram& program)
+Evaluation& Evaluation::setProgram(const char* name, const program::ValueProgram& program)
 {
     value(name).program = &program;
     return *this;
 }
 
-Run& Run::operand(Picture picture)
+Evaluation& Evaluation::operand(Picture picture)
 {
     if (m_node.result == ResultChannels::FromOperands && m_operands.size() < m_node.operands.size() &&
         m_node.operands[m_operands.size()].channels == OperandChannels::Result)
@@ -169,31 +169,31 @@ Run& Run::operand(Picture picture)
     return *this;
 }
 
-Run& Run::skip()
+Evaluation& Evaluation::skip()
 {
     return operand(Picture());
 }
 
-Run& Run::image(Picture picture)
+Evaluation& Evaluation::image(Picture picture)
 {
     m_image = std::move(picture);
     return *this;
 }
 
-Run& Run::seed(int seed)
+Evaluation& Evaluation::seed(int seed)
 {
     m_seed = seed;
     return *this;
 }
 
-Run& Run::split(int pixels, int rows)
+Evaluation& Evaluation::split(int pixels, int rows)
 {
     m_pixels = pixels;
     m_rows = rows;
     return *this;
 }
 
-Picture Run::operator()()
+Picture Evaluation::operator()()
 {
     m_views.clear();
     m_operands.resize(m_node.operands.size());
@@ -217,7 +217,7 @@ Picture Run::operator()()
     return result;
 }
 
-void Run::runRows(const State* state, Picture& result)
+void Evaluation::runRows(const State* state, Picture& result)
 {
     // One line for each channel of each operand and of the result, so that every job starts on an aligned
     // place.
@@ -244,7 +244,7 @@ void Run::runRows(const State* state, Picture& result)
     }
 }
 
-Picture Run::runPasses(const State* state, const Setup& setup)
+Picture Evaluation::runPasses(const State* state, const Setup& setup)
 {
     std::vector<ScratchShape> shapes;
     if (m_node.scratch)

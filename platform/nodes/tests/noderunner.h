@@ -43,21 +43,22 @@ Picture noise(int width, int height, int channels = 1, unsigned seed = 1);
 double meanOf(const Picture& picture, int channel = 0);
 
 /// One evaluation of a kind: parameters are at their defaults unless set.
-class Run
+class Evaluation
 {
 public:
-    explicit Run(const char* kind, int width = 64, int height = 64, int channels = 1);
+    explicit Evaluation(const char* kind, int width = 64, int height = 64, int channels = 1);
 
-    Run& set(const char* name, std::initializer_list<double> components);
-    Run& setText(const char* name, std::u32string text);
-    Run& setBlob(const char* name, std::vector<float> values);
-    Run& setProgram(const char* name, const program::ValueProgram& program);
-    Run& operand(Picture picture);
-    Run& skip(); // an operand that isn't connected
-    Run& image(Picture picture);
-    Run& seed(int seed);
+    Evaluation& set(const char* name, std::initializer_list<double> components);
+    Evaluation& setText(const char* name, std::u32string text);
+    Evaluation& setBlob(const char* name, std::vector<float> values);
+    Evaluation& setProgram(const char* name, const program::ValueProgram& program);
+    Evaluation& operand(Picture picture);
+    Evaluation& skip(); // an operand that isn't connected
+    Evaluation& image(Picture picture);
+    std::size_t operandCount() const { return m_operands.size(); }
+    Evaluation& seed(int seed);
     /// How much one job covers: pixels of a row, and rows of a band.
-    Run& split(int pixels, int rows);
+    Evaluation& split(int pixels, int rows);
 
     Picture operator()();
 

@@ -24,12 +24,12 @@ struct Sheet
 
 Picture heightOf(int size)
 {
-    return Run("brick", size, size).set("bricks", {4, 8})();
+    return Evaluation("brick", size, size).set("bricks", {4, 8})();
 }
 
 Picture reliefOf(int size)
 {
-    return Run("perlin", size, size).set("scale", {5, 0}).seed(3)();
+    return Evaluation("perlin", size, size).set("scale", {5, 0}).seed(3)();
 }
 
 void write(const std::string& path, const Picture& picture)
@@ -70,38 +70,44 @@ std::vector<Sheet> sheets()
     };
     // One sheet for each choice of a parameter.
     const auto addChoices = [&](const char* kind, const char* parameter,
-                                const std::function<void(Run&, int)>& more) {
+                                const std::function<void(Evaluation&, int)>& more) {
         for (const ParameterDeclaration& declared : findNode(std::string_view(kind))->parameters)
             for (std::size_t i = 0; std::strcmp(declared.name, parameter) == 0 && i < declared.choices.size();
                  ++i)
                 add(std::string(kind) + "-" + declared.choices[i], [=](int size) {
-                    Run run(kind, size, size);
+                    Evaluation run(kind, size, size);
                     run.set(parameter, {double(i)});
                     more(run, size);
                     return run();
                 });
     };
-    addChoices("perlin", "mode", [](Run&, int) {});
-    addChoices("brick", "output", [](Run&, int) {});
-    addChoices("cellular", "output", [](Run&, int) {});
-    addChoices("cellular", "metric", [](Run& run, int) { run.set("output", {2}); });
-    add("cellular-fractal", [](int size) { return Run("cellular", size, size).set("octaves", {5})(); });
-    addChoices("shape", "shape", [](Run& run, int) { run.set("tiles", {3, 0}).set("sides", {5}); });
+    addChoices("perlin", "mode", [](Evaluation&, int) {});
+    addChoices("brick", "output", [](Evaluation&, int) {});
+    addChoices("cellular", "output", [](Evaluation&, int) {});
+    addChoices("cellular", "metric", [](Evaluation& run, int) { run.set("output", {2}); });
+    add("cellular-fractal",
+        [](int size) { return Evaluation("cellular", size, size).set("octaves", {5})(); });
+    addChoices("shape", "shape", [](Evaluation& run, int) { run.set("tiles", {3, 0}).set("sides", {5}); });
     add("shape-turned", [](int size) {
-        return Run("shape", size, size).set("shape", {1}).set("tiles", {5, 0}).set("rotation", {0.06})();
+        return Evaluation("shape", size, size)
+            .set("shape", {1})
+            .set("tiles", {5, 0})
+            .set("rotation", {0.06})();
     });
     add("tile-boxes", [](int size) {
-        return Run("tile", size, size).set("rotationvariation", {0.1}).set("positionvariation", {0.2})();
+        return Evaluation("tile", size, size)
+            .set("rotationvariation", {0.1})
+            .set("positionvariation", {0.2})();
     });
     add("tile-scales", [](int size) {
-        return Run("tile", size, size)
+        return Evaluation("tile", size, size)
             .set("shape", {7})
             .set("size", {1.2, 1.8})
             .set("offset", {0.5})
             .set("layering", {2})();
     });
     add("tile-stars", [](int size) {
-        return Run("tile", size, size)
+        return Evaluation("tile", size, size)
             .set("shape", {3})
             .set("sides", {5})
             .set("ratio", {0.4})
@@ -110,25 +116,28 @@ std::vector<Sheet> sheets()
             .set("positionvariation", {1})
             .set("sizevariation", {0.7})();
     });
-    addChoices("weave", "pattern", [](Run& run, int) { run.set("threads", {10, 0}); });
-    addChoices("weave", "output", [](Run& run, int) { run.set("threads", {8, 0}).set("pattern", {1}); });
-    add("checker", [](int size) { return Run("checker", size, size).set("tiles", {3, 0})(); });
-    add("checker-diagonal", [](int size) {
-        return Run("checker", size, size).set("tiles", {3, 0}).set("diagonal", {1})();
+    addChoices("weave", "pattern", [](Evaluation& run, int) { run.set("threads", {10, 0}); });
+    addChoices("weave", "output", [](Evaluation& run, int) {
+        run.set("threads", {8, 0}).set("pattern", {1});
     });
-    addChoices("lineargradient", "profile", [](Run& run, int) { run.set("repeats", {2, 1}); });
-    addChoices("radialgradient", "profile", [](Run&, int) {});
-    add("whitenoise", [](int size) { return Run("whitenoise", size, size)(); });
-    add("gaussianblur", [](int size) { return Run("gaussianblur", size, size).operand(heightOf(size))(); });
-    add("normal", [](int size) { return Run("normal", size, size).operand(heightOf(size))(); });
-    add("normal-perlin", [](int size) { return Run("normal", size, size).operand(reliefOf(size))(); });
+    add("checker", [](int size) { return Evaluation("checker", size, size).set("tiles", {3, 0})(); });
+    add("checker-diagonal", [](int size) {
+        return Evaluation("checker", size, size).set("tiles", {3, 0}).set("diagonal", {1})();
+    });
+    addChoices("lineargradient", "profile", [](Evaluation& run, int) { run.set("repeats", {2, 1}); });
+    addChoices("radialgradient", "profile", [](Evaluation&, int) {});
+    add("whitenoise", [](int size) { return Evaluation("whitenoise", size, size)(); });
+    add("gaussianblur",
+        [](int size) { return Evaluation("gaussianblur", size, size).operand(heightOf(size))(); });
+    add("normal", [](int size) { return Evaluation("normal", size, size).operand(heightOf(size))(); });
+    add("normal-perlin", [](int size) { return Evaluation("normal", size, size).operand(reliefOf(size))(); });
     add("gradientmap", [](int size) {
-        return Run("gradientmap", size, size)
+        return Evaluation("gradientmap", size, size)
             .setBlob("gradient", {0, 0.1f, 0.05f, 0.2f, 1, 0.5f, 0.8f, 0.3f, 0.1f, 1, 1, 1, 0.95f, 0.7f, 1})
             .operand(reliefOf(size))();
     });
     add("text", [](int size) {
-        return Run("text", size, size)
+        return Evaluation("text", size, size)
             .setText("text", U"Quick fox 0123\njumps @ {42%}\nVELLOR &$?")
             .set("size", {0.1})();
     });
@@ -136,62 +145,65 @@ std::vector<Sheet> sheets()
         std::u32string ascii;
         for (char32_t c = 33; c < 127; ++c)
             ascii += (c % 12 == 0 ? U"\n" : U"") + std::u32string(1, c);
-        return Run("text", size, size).setText("text", ascii).set("size", {0.06})();
+        return Evaluation("text", size, size).setText("text", ascii).set("size", {0.06})();
     });
     add("transform-turned", [](int size) {
-        return Run("transform", size, size).set("rotation", {0.125}).operand(heightOf(size))();
+        return Evaluation("transform", size, size).set("rotation", {0.125}).operand(heightOf(size))();
     });
     add("transform-tiled", [](int size) {
-        return Run("transform", size, size).set("tiling", {3, 8}).operand(heightOf(size))();
+        return Evaluation("transform", size, size).set("tiling", {3, 8}).operand(heightOf(size))();
     });
     add("transform-once", [](int size) {
-        return Run("transform", size, size)
+        return Evaluation("transform", size, size)
             .set("scale", {0.6, 0.6})
             .set("rotation", {0.05})
             .set("wrap", {0})
             .operand(heightOf(size))();
     });
-    add("warp",
-        [](int size) { return Run("warp", size, size).operand(heightOf(size)).operand(reliefOf(size))(); });
+    add("warp", [](int size) {
+        return Evaluation("warp", size, size).operand(heightOf(size)).operand(reliefOf(size))();
+    });
     add("warp-direction", [](int size) {
-        return Run("warp", size, size)
+        return Evaluation("warp", size, size)
             .set("mode", {1})
             .set("intensity", {10})
             .operand(heightOf(size))
             .operand(reliefOf(size))();
     });
     add("vectorwarp", [](int size) {
-        return Run("vectorwarp", size, size)
+        return Evaluation("vectorwarp", size, size)
             .operand(heightOf(size))
-            .operand(Run("normal", size, size).set("intensity", {10}).operand(reliefOf(size))())();
+            .operand(Evaluation("normal", size, size).set("intensity", {10}).operand(reliefOf(size))())();
     });
     add("directionalblur", [](int size) {
-        return Run("directionalblur", size, size)
+        return Evaluation("directionalblur", size, size)
             .set("angle", {0.1})
             .set("length", {200})
             .operand(heightOf(size))();
     });
     add("ambientocclusion",
-        [](int size) { return Run("ambientocclusion", size, size).operand(heightOf(size))(); });
+        [](int size) { return Evaluation("ambientocclusion", size, size).operand(heightOf(size))(); });
     add("ambientocclusion-far", [](int size) {
-        return Run("ambientocclusion", size, size)
+        return Evaluation("ambientocclusion", size, size)
             .set("radius", {0.4})
             .set("depth", {20})
-            .operand(Run("tile", size, size).set("share", {0.2})())();
+            .operand(Evaluation("tile", size, size).set("share", {0.2})())();
     });
     add("ambientocclusion-perlin", [](int size) {
-        return Run("ambientocclusion", size, size).set("depth", {15}).operand(reliefOf(size))();
+        return Evaluation("ambientocclusion", size, size).set("depth", {15}).operand(reliefOf(size))();
     });
-    add("curvature", [](int size) { return Run("curvature", size, size).operand(heightOf(size))(); });
+    add("curvature", [](int size) { return Evaluation("curvature", size, size).operand(heightOf(size))(); });
     add("distance", [](int size) {
-        return Run("distance", size, size)
-            .operand(
-                Run("shape", size, size).set("shape", {3}).set("sides", {5}).set("size", {0.5, 0.5})())();
+        return Evaluation("distance", size, size)
+            .operand(Evaluation("shape", size, size)
+                         .set("shape", {3})
+                         .set("sides", {5})
+                         .set("size", {0.5, 0.5})())();
     });
     add("distance-inside", [](int size) {
-        return Run("distance", size, size)
+        return Evaluation("distance", size, size)
             .set("side", {1})
-            .operand(Run("brick", size, size).set("output", {1}).set("rounding", {0.3})())();
+            .operand(Evaluation("brick", size, size).set("output", {1}).set("rounding", {0.3})())();
     });
     // MORE
     return all;

@@ -1,0 +1,217 @@
+#include "platform/nodes/tests/noderunner.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace vellor::nodes::test {
+
+namespace {
+
+/// A Gaussian blur by its definition, in double precision, wrapping around.
+Picture blurred(const Picture& in, double sigma)
+{
+    const auto pass = [&](const Picture& from, bool down) {
+        Picture to(from.width(), from.height());
+        const int reach = static_cast<int>(sigma * 6.0) + 1;
+        for (int y = 0; y < from.height(); ++y) {
+            for (int x = 0; x < from.width(); ++x) {
+                double sum = 0.0, weights = 0.0;
+                for (int t = -reach; t <= reach; ++t) {
+                    const double weight = std::exp(-0.5 * t * t / (sigma * sigma));
+                    sum += weight * (down ? from.at(x, y + t) : from.at(x + t, y));
+                    weights += weight;
+                }
+                to.at(x, y) = static_cast<float>(sum / weights);
+            }
+        }
+        return to;
+    };
+    return pass(pass(in, false), true);
+}
+
+double worstDifference(const Picture& a, const Picture& b)
+{
+    double worst = 0.0;
+    for (int y = 0; y < a.height(); ++y)
+        for (int x = 0; x < a.width(); ++x)
+            worst = std::max(worst, double(std::fabs(a.at(x, y) - b.at(x, y))));
+    return worst;
+}
+
+Picture squares(int width, int height)
+{
+    return drawn(width, height, [](float x, float y) { return (x < 0.4f) != (y < 0.3f) ? 1.0f : 0.0f; });
+}
+
+} // namespace
+
+TEST(GaussianBlur, AgreesWithTheDefinition)
+{
+    for (const double sigma : {0.6, 2.0, 5.9, 6.0, 11.0, 20.0, 47.0}) {
+        for (const Picture& in : {noise(128, 128), squares(128, 128), squares(128, 32), squares(96, 60)}) {
+            const Picture out = Evaluation("gaussianblur", in.width(), in.height())
+                                    .set("sigma", {sigma * 1000.0 / in.width()})
+                                    .operand(in)();
+            EXPECT_LT(worstDifference(out, blurred(in, sigma)), 5e-4)
+                << sigma << ", " << in.width() << 'x' << in.height();
+        }
+    }
+    const Picture in = noise(32, 32);
+    EXPECT_TRUE(Evaluation("gaussianblur", 32, 32).set("sigma", {0}).operand(in)() == in);
+}
+
+TEST(DirectionalBlur, IsTheMeanAlongALine)
+{
+    const Picture in = noise(64, 64);
+    const Picture out =
+        Evaluation("directionalblur", 64, 64).set("length", {16.0 * 1000.0 / 64.0}).operand(in)();
+    for (int x = 0; x < 64; ++x) {
+        double sum = 0.0; // 16 samples around the pixel lie between pixels
+        for (int t = -8; t < 8; ++t)
+            sum += 0.5 * (in.at(x + t, 9) + in.at(x + t + 1, 9));
+        EXPECT_NEAR(out.at(x, 9), sum / 16.0, 0.03) << x;
+    }
+    EXPECT_NEAR(meanOf(out), meanOf(in), 1e-5);
+    EXPECT_TRUE(Evaluation("directionalblur", 64, 64).set("length", {0}).operand(in)() == in);
+}
+
+TEST(Normal, OfAPlaneInEveryFormat)
+{
+    // Rises by 0.5 over the width and falls by 0.25 over the height; away from the edges, where it wraps.
+    const Picture plane = drawn(64, 64, [](float x, float y) { return 0.5f * x - 0.25f * y; });
+    const double nx = -0.5 * 2.0, ny = 0.25 * 2.0,
+                 length = std::sqrt(nx * nx + ny * ny + 1.0); // intensity 200: factor 2
+    const double x = 0.5 + 0.5 * nx / length, y = 0.5 + 0.5 * ny / length, z = 1.0 / length,
+                 h = plane.at(30, 30);
+    struct Case
+    {
+        int format;
+        double r, g, b, a;
+    };
+    const Case cases[] = {
+        {0, x, y, 0.5 + 0.5 * z, h},
+        {1, 1 - x, y, 0.5 + 0.5 * z, h},
+        {2, x, 1 - y, 0.5 + 0.5 * z, h},
+        {4, x, y, z, h},
+        {8, x, y, 0, h},
+        {12, x, 0, 0, y},
+        {15, 1 - x, 0, 0, 1 - y},
+    };
+    for (const Case& row : cases) {
+        const Picture out = Evaluation("normal", 64, 64)
+                                .set("intensity", {200})
+                                .set("format", {double(row.format)})
+                                .operand(plane)();
+        const double expected[4] = {row.r, row.g, row.b, row.a};
+        for (int c = 0; c < 4; ++c)
+            EXPECT_NEAR(out.at(30, 30, c), expected[c], 1e-4) << row.format << " channel " << c;
+    }
+}
+
+TEST(Transform, IdentityQuarterTurnAndTiling)
+{
+    const Picture in = noise(64, 64);
+    EXPECT_LT(worstDifference(Evaluation("transform", 64, 64).operand(in)(), in), 1e-6);
+    const Picture turned = Evaluation("transform", 64, 64).set("rotation", {0.25}).operand(in)();
+    const Picture moved = Evaluation("transform", 64, 64).set("offset", {0.25, 0.5}).operand(in)();
+    const Picture tiled = Evaluation("transform", 64, 64).set("tiling", {2, 2}).operand(in)();
+    const Picture mirrored = Evaluation("transform", 64, 64).set("scale", {-1, 1}).operand(in)();
+    for (int y = 0; y < 64; ++y) {
+        for (int x = 0; x < 64; ++x) {
+            EXPECT_NEAR(turned.at(63 - y, x), in.at(x, y), 1e-5f); // clockwise, y down
+            EXPECT_NEAR(moved.at(x + 16, y + 32), in.at(x, y), 1e-5f);
+            EXPECT_NEAR(mirrored.at(63 - x, y), in.at(x, y), 1e-5f);
+        }
+    }
+    const double mean = (in.at(8, 4) + in.at(9, 4) + in.at(8, 5) + in.at(9, 5)) / 4.0;
+    EXPECT_NEAR(tiled.at(20, 18), tiled.at(52, 50), 1e-5f);
+    EXPECT_NEAR(tiled.at((8 - 32) / 2 + 32 + 0, (4 - 32) / 2 + 32), mean, 1e-5);
+    const Picture far =
+        Evaluation("transform", 64, 64).set("scale", {0.5, 0.5}).set("wrap", {0}).operand(in)();
+    EXPECT_EQ(far.at(4, 32), 0.0f);
+    EXPECT_EQ(far.at(60, 60), 0.0f);
+}
+
+TEST(Warp, ByNothingIsIdentityAndAlongADirectionMoves)
+{
+    const Picture in = noise(64, 64), even = drawn(64, 64, [](float, float) { return 0.5f; });
+    EXPECT_LT(worstDifference(Evaluation("warp", 64, 64).operand(in).operand(even)(), in), 1e-6);
+    // Half the height of 25 hundredths: an eighth of the width.
+    const Picture moved =
+        Evaluation("warp", 64, 64).set("mode", {1}).set("intensity", {25}).operand(in).operand(even)();
+    const Picture down = Evaluation("warp", 64, 64)
+                             .set("mode", {1})
+                             .set("intensity", {25})
+                             .set("angle", {0.25})
+                             .operand(in)
+                             .operand(even)();
+    for (int x = 0; x < 64; ++x) {
+        EXPECT_NEAR(moved.at(x, 7), in.at(x + 8, 7), 1e-5f);
+        EXPECT_NEAR(down.at(x, 7), in.at(x, 15), 1e-5f);
+    }
+    Picture vectors(64, 64, 4);
+    for (int i = 0; i < 64 * 64; ++i)
+        for (int c = 0; c < 4; ++c)
+            vectors.at(i % 64, i / 64, c) = c == 0 ? 0.75f : 0.5f;
+    const Picture pointed =
+        Evaluation("vectorwarp", 64, 64).set("intensity", {12.5}).operand(in).operand(vectors)();
+    EXPECT_NEAR(pointed.at(20, 7), in.at(24, 7), 1e-5f);
+}
+
+TEST(Distance, AgreesWithSearching)
+{
+    const int width = 48, height = 32;
+    const Picture random = noise(width, height);
+    const Picture mask = drawn(width, height, [](float, float) { return 0.0f; });
+    Picture sites = mask;
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x)
+            sites.at(x, y) = random.at(x, y) > 0.99f ? 1.0f : 0.0f;
+    const Picture out = Evaluation("distance", width, height).set("radius", {1}).operand(sites)();
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+            double best = 1e9;
+            for (int sy = -height; sy < 2 * height; ++sy)
+                for (int sx = -width; sx < 2 * width; ++sx)
+                    if (sites.at(sx, sy) > 0.5f)
+                        best = std::min(best, std::hypot(sx - x, sy - y));
+            EXPECT_NEAR(out.at(x, y), 1.0 - best / width, 1e-5) << x << ' ' << y;
+        }
+    }
+    EXPECT_EQ(meanOf(Evaluation("distance", width, height).operand(mask)()), 0.0);
+    EXPECT_EQ(meanOf(Evaluation("distance", width, height).set("side", {1}).operand(mask)()), 0.0);
+}
+
+TEST(AmbientOcclusion, SeesTheSky)
+{
+    const Picture flat = drawn(128, 128, [](float, float) { return 0.3f; });
+    EXPECT_NEAR(meanOf(Evaluation("ambientocclusion", 128, 128).operand(flat)()), 1.0, 1e-6);
+    // A long slot with walls 26 pixels high at 6.5 pixels on either side. In direction a the horizon's
+    // tangent is 4 cos a, and the mean of 1 / (1 + 16 cos^2 a) is 1 / sqrt(17) = 0.24; samples find the walls
+    // up to a third too far away.
+    const Picture slot =
+        drawn(128, 128, [](float x, float) { return std::fabs(x - 0.5f) < 0.05f ? 0.0f : 1.0f; });
+    const Picture out =
+        Evaluation("ambientocclusion", 128, 128).set("depth", {20}).set("radius", {0.4}).operand(slot)();
+    EXPECT_GT(out.at(64, 64), 0.2f);
+    EXPECT_LT(out.at(64, 64), 0.34f);
+    EXPECT_NEAR(out.at(10, 64), 1.0f, 1e-6f);
+    EXPECT_NEAR(out.at(64, 10), out.at(64, 100), 1e-6f);
+}
+
+TEST(Curvature, RidgesAreLightAndGroovesDark)
+{
+    const Picture wave =
+        drawn(128, 128, [](float x, float) { return 0.5f + 0.5f * std::sin(x * 6.2831853f * 4.0f); });
+    const Picture out =
+        Evaluation("curvature", 128, 128).set("intensity", {1}).set("radius", {40}).operand(wave)();
+    // A Gaussian of sigma s damps a wave of angular frequency w by exp(-(s w)^2 / 2).
+    const double sigma = 0.04, frequency = 8.0 * 3.14159265358979,
+                 kept = 1.0 - std::exp(-0.5 * std::pow(sigma * frequency, 2));
+    for (int x = 0; x < 128; ++x)
+        EXPECT_NEAR(out.at(x, 3), 0.5 + (wave.at(x, 3) - 0.5) * kept, 5e-4) << x;
+}
+
+} // namespace vellor::nodes::test

@@ -1,0 +1,241 @@
+#include "platform/nodes/scalar.h"
+#include "platform/nodes/tests/noderunner.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace vellor::nodes::test {
+
+namespace {
+
+/// The largest step between neighbours across the picture's edges, by the largest one within.
+double seamOf(const Picture& picture)
+{
+    double across = 0.0, within = 1e-6;
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            const double dx = std::fabs(picture.at(x + 1, y) - picture.at(x, y));
+            const double dy = std::fabs(picture.at(x, y + 1) - picture.at(x, y));
+            double& right = x + 1 == picture.width() ? across : within;
+            double& below = y + 1 == picture.height() ? across : within;
+            right = std::max(right, dx);
+            below = std::max(below, dy);
+        }
+    }
+    return across / within;
+}
+
+/// A picture reduced to a quarter of its size by averaging.
+Picture reduced(const Picture& picture, int by)
+{
+    Picture small(picture.width() / by, picture.height() / by);
+    for (int y = 0; y < small.height(); ++y) {
+        for (int x = 0; x < small.width(); ++x) {
+            double sum = 0.0;
+            for (int i = 0; i < by * by; ++i)
+                sum += picture.at(x * by + i % by, y * by + i / by);
+            small.at(x, y) = static_cast<float>(sum / (by * by));
+        }
+    }
+    return small;
+}
+
+double meanDifference(const Picture& a, const Picture& b)
+{
+    double sum = 0.0;
+    for (int y = 0; y < a.height(); ++y)
+        for (int x = 0; x < a.width(); ++x)
+            sum += std::fabs(a.at(x, y) - b.at(x, y));
+    return sum / (double(a.width()) * a.height());
+}
+
+struct PatternCase
+{
+    const char* kind;
+    std::function<void(Evaluation&)> change;
+};
+
+const PatternCase kPatterns[] = {
+    {"perlin", [](Evaluation&) {}},
+    {"perlin",
+     [](Evaluation& run) {
+         run.set("scale", {3, 7}).set("mode", {1}).set("evolution", {0.3});
+     }},
+    {"cellular", [](Evaluation& run) { run.set("output", {2}); }},
+    {"cellular",
+     [](Evaluation& run) {
+         run.set("octaves", {3}).set("metric", {1}).set("scale", {5, 3});
+     }},
+    {"brick", [](Evaluation& run) { run.set("offset", {0.37}).set("offsetvariation", {0.5}); }},
+    {"tile",
+     [](Evaluation& run) {
+         run.set("positionvariation", {1}).set("rotationvariation", {1}).set("offset", {0.3});
+     }},
+    {"tile",
+     [](Evaluation& run) {
+         run.set("shape", {7}).set("size", {1.8, 1.8}).set("layering", {2}).set("offset", {0.5});
+     }},
+    {"weave", [](Evaluation& run) { run.set("pattern", {3}); }},
+    {"checker", [](Evaluation& run) { run.set("diagonal", {1}); }},
+    {"shape",
+     [](Evaluation& run) {
+         run.set("tiles", {3, 0}).set("size", {1.5, 0.4}).set("rotation", {0.1});
+     }},
+    {"lineargradient",
+     [](Evaluation& run) {
+         run.set("repeats", {2, 3}).set("profile", {3});
+     }},
+};
+
+} // namespace
+
+TEST(Patterns, TileWithoutSeams)
+{
+    for (const PatternCase& row : kPatterns) {
+        for (const int height : {96, 48, 33}) {
+            Evaluation run(row.kind, 96, height);
+            row.change(run);
+            EXPECT_LE(seamOf(run.seed(4)()), 1.5) << row.kind << " at height " << height;
+        }
+    }
+}
+
+TEST(Patterns, LookAlikeAtEverySize)
+{
+    for (const PatternCase& row : kPatterns) {
+        Evaluation large(row.kind, 512, 512), small(row.kind, 128, 128);
+        row.change(large);
+        row.change(small);
+        EXPECT_LT(meanDifference(reduced(large(), 4), small()), 0.03) << row.kind;
+    }
+}
+
+TEST(Patterns, SeedsDiffer)
+{
+    for (const char* kind : {"perlin", "cellular", "whitenoise", "brick", "tile", "weave"}) {
+        Evaluation run(kind, 32, 32);
+        EXPECT_FALSE(run.seed(1)() == run.seed(2)()) << kind;
+        EXPECT_TRUE(run.seed(2)() == run.seed(2)()) << kind;
+    }
+}
+
+TEST(Perlin, IsHalfOnLatticePointsAndLoops)
+{
+    // Cells of an odd number of pixels have lattice points between pixels: with cells of two, the mean of the
+    // four pixels around one is 0.5 up to the curve of the noise; with many pixels a cell it comes close.
+    const Picture fine = Evaluation("perlin", 512, 512).set("scale", {4, 4}).set("octaves", {1})();
+    for (int y = 0; y < 512; y += 128) {
+        for (int x = 0; x < 512; x += 128) {
+            const float around =
+                fine.at(x, y) + fine.at(x - 1, y) + fine.at(x, y - 1) + fine.at(x - 1, y - 1);
+            EXPECT_NEAR(around / 4.0f, 0.5f, 1e-3f) << x << ' ' << y;
+        }
+    }
+    Evaluation run("perlin", 64, 64);
+    const Picture start = run.set("evolution", {0.0})(), middle = run.set("evolution", {0.5})();
+    EXPECT_TRUE(run.set("evolution", {1.0})() == start);
+    EXPECT_GT(meanDifference(start, middle), 0.02);
+}
+
+TEST(Perlin, MeanAndSpreadDoNotDependOnOctaves)
+{
+    for (const int octaves : {1, 4, 8}) {
+        const Picture picture =
+            Evaluation("perlin", 256, 256).set("scale", {16, 0}).set("octaves", {double(octaves)})();
+        const double mean = meanOf(picture);
+        double squares = 0.0;
+        for (int y = 0; y < 256; ++y)
+            for (int x = 0; x < 256; ++x)
+                squares += (picture.at(x, y) - mean) * (picture.at(x, y) - mean);
+        EXPECT_NEAR(mean, 0.5, 0.04) << octaves;
+        EXPECT_NEAR(std::sqrt(squares / 65536.0), 0.18, 0.04) << octaves;
+    }
+}
+
+TEST(Cellular, WithoutJitterMeasuresToTheMiddles)
+{
+    const Picture f1 = Evaluation("cellular", 64, 64).set("scale", {4, 4}).set("jitter", {0})();
+    const Picture f2 =
+        Evaluation("cellular", 64, 64).set("scale", {4, 4}).set("jitter", {0}).set("output", {1})();
+    const Picture edge =
+        Evaluation("cellular", 64, 64).set("scale", {4, 4}).set("jitter", {0}).set("output", {4})();
+    for (int x = 0; x < 16; ++x) {
+        const float dx = std::fabs((static_cast<float>(x) + 0.5f) / 16.0f - 0.5f), dy = 0.5f - 4.5f / 16.0f;
+        EXPECT_NEAR(f1.at(x, 4), std::sqrt(dx * dx + dy * dy), 1e-5f) << x;
+        const float other = std::min(std::hypot(1.0f - dx, dy), std::hypot(dx, 1.0f - dy));
+        EXPECT_NEAR(f2.at(x, 4), other, 1e-5f) << x;
+        EXPECT_NEAR(edge.at(x, 4), 2.0f * std::min(0.5f - dx, 0.5f - dy), 1e-5f) << x;
+    }
+}
+
+TEST(Shape, AreasAreTrue)
+{
+    struct Case
+    {
+        int shape;
+        double area; // of a shape of full size in a square of side 2, by 4
+    };
+    const double pi = 3.14159265358979;
+    const Case cases[] = {
+        {0, pi / 4},
+        {1, (4 - 0.16 * (4 - pi)) / 4},
+        {2, 6 * 0.5 * std::sin(pi / 3) / 4},
+        {3, 6 * 0.4 * std::sin(pi / 6) / 4},
+        {4, pi * (1 - 0.36) / 4},
+        {5, (0.16 * pi + 1.2 * 0.8) / 4},
+    };
+    for (const Case& row : cases) {
+        const Picture picture = Evaluation("shape", 256, 256)
+                                    .set("shape", {double(row.shape)})
+                                    .set("size", {1, 1})
+                                    .set("ratio", {0.4})
+                                    .set("sides", {6})();
+        EXPECT_NEAR(meanOf(picture), row.area, 0.004) << row.shape;
+    }
+}
+
+TEST(Brick, CountsAndMortar)
+{
+    const Picture mask = Evaluation("brick", 256, 256)
+                             .set("bricks", {4, 8})
+                             .set("mortar", {0.25})
+                             .set("rounding", {0})
+                             .set("output", {1})();
+    // A brick is 2 by 1 in heights, a quarter goes for mortar both ways.
+    EXPECT_NEAR(meanOf(mask), (1.75 * 0.75) / 2.0, 0.003);
+    EXPECT_EQ(mask.at(32, 16), 1.0f);
+    EXPECT_EQ(mask.at(0, 16), 0.0f);
+    EXPECT_EQ(mask.at(0, 48), 1.0f); // shifted by half a brick
+    const Picture u = Evaluation("brick", 256, 256).set("output", {3})();
+    EXPECT_LT(u.at(1, 16), u.at(60, 16));
+}
+
+TEST(Gradients, KnownValues)
+{
+    const Picture ramp = Evaluation("lineargradient", 64, 64)();
+    EXPECT_FLOAT_EQ(ramp.at(10, 5), 10.5f / 64.0f);
+    const Picture radial = Evaluation("radialgradient", 64, 64).set("centre", {0, 0})();
+    EXPECT_NEAR(radial.at(0, 0), radial.at(-1, -1), 1e-6f);
+    EXPECT_NEAR(radial.at(15, 0), 1.0f - std::hypot(15.5f, 0.5f) / 32.0f, 1e-6f);
+}
+
+TEST(Text, DrawsWhereItShould)
+{
+    // An I is one stroke as high as a capital, in the middle; its pen is an eighth of its height wide.
+    const Picture one = Evaluation("text", 128, 128)
+                            .setText("text", U"I")
+                            .set("size", {0.5})
+                            .set("thickness", {0.125})
+                            .set("alignment", {0})();
+    EXPECT_EQ(one.at(64, 64), 1.0f);
+    EXPECT_EQ(one.at(64, 34), 1.0f);
+    EXPECT_EQ(one.at(64, 20), 0.0f);
+    EXPECT_EQ(one.at(75, 64), 0.0f);
+    EXPECT_NEAR(meanOf(one) * 128 * 128, 64 * 8 + 3.14159 * 16, 3.0);
+    EXPECT_EQ(meanOf(Evaluation("text", 64, 64)()), 0.0);
+    EXPECT_GT(meanOf(Evaluation("text", 64, 64).setText("text", U"\u4e2d")()), 0.0);
+}
+
+} // namespace vellor::nodes::test
