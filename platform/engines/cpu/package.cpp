@@ -27,6 +27,21 @@ bool sourceFits(ParameterSource source, ParameterType type)
     }
 }
 
+bool channelsFit(nodes::OperandChannels wanted, int operand, int result)
+{
+    switch (wanted) {
+    case nodes::OperandChannels::Grey:
+        return operand == 1;
+    case nodes::OperandChannels::Colour:
+        return operand == 4;
+    case nodes::OperandChannels::Result:
+        return operand == result;
+    case nodes::OperandChannels::Any:
+        return true;
+    }
+    return false;
+}
+
 bool programFits(const program::ValueProgram& value, ParameterType type, int channels)
 {
     if (type != ParameterType::PixelProgram)
@@ -103,10 +118,7 @@ bool Package::fits(const program::Node& node, const nodes::NodeDeclaration& kind
                 return false;
             continue;
         }
-        const int wanted = operand.channels == nodes::OperandChannels::Grey     ? 1
-                           : operand.channels == nodes::OperandChannels::Colour ? 4
-                                                                                : node.channels;
-        if (program_.nodes[from].channels != wanted)
+        if (!channelsFit(operand.channels, program_.nodes[from].channels, node.channels))
             return false;
     }
     return parametersFit(node, kind);
