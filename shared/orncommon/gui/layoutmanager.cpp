@@ -271,8 +271,9 @@ bool LayoutManager::eventFilter(QObject* watched, QEvent* event)
         if (auto* bar = qobject_cast<QTabBar*>(child); bar && !m_tabBars.contains(bar)) {
             m_tabBars.append(bar);
             bar->installEventFilter(this);
-            connect(bar, &QTabBar::currentChanged, this, &LayoutManager::updateTabs);
-            QTimer::singleShot(0, this, &LayoutManager::updateTabs);
+            // Deferred: the signal also comes while the bar's tabs are being replaced.
+            connect(bar, &QTabBar::currentChanged, this, &LayoutManager::scheduleTabUpdate);
+            scheduleTabUpdate();
         } else if (auto* dock = qobject_cast<DockWidget*>(child); dock && !m_trackedDocks.contains(dock)) {
             m_trackedDocks.append(dock);
             connect(dock, &QDockWidget::topLevelChanged, this,
