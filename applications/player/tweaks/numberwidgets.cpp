@@ -2,13 +2,38 @@
 
 #include <QDomElement>
 #include <QDoubleSpinBox>
+#include <QLineEdit>
 #include <QSlider>
 #include <QSpinBox>
+#include <QStyleOptionSpinBox>
 
 #include <cmath>
 #include <limits>
 
 namespace Zph::Applications::Player {
+
+namespace {
+
+// A box whose size doesn't follow from its range: writing out the ends of the range of floats just to measure
+// them takes longer than everything else about the box.
+class NumberBox : public QDoubleSpinBox
+{
+public:
+    using QDoubleSpinBox::QDoubleSpinBox;
+
+    QSize sizeHint() const override
+    {
+        ensurePolished();
+        QStyleOptionSpinBox option;
+        initStyleOption(&option);
+        const QSize contents(fontMetrics().horizontalAdvance(QLatin1String("-000.000")),
+                             lineEdit()->sizeHint().height());
+        return style()->sizeFromContents(QStyle::CT_SpinBox, &option, contents, this);
+    }
+    QSize minimumSizeHint() const override { return sizeHint(); }
+};
+
+} // namespace
 
 int truncated(double number)
 {
@@ -62,12 +87,11 @@ QSlider* makeSlider(QWidget* parent)
 
 QDoubleSpinBox* makeDoubleSpinBox(QWidget* parent, int decimals)
 {
-    auto* box = new QDoubleSpinBox(parent);
+    auto* box = new NumberBox(parent);
     box->setKeyboardTracking(false);
     box->setMinimumWidth(36);
     box->setDecimals(decimals);
     box->setSingleStep(0.1);
-    box->setRange(-1e11, largestDouble);
     return box;
 }
 
@@ -78,6 +102,12 @@ QSpinBox* makeSpinBox(QWidget* parent)
     box->setMinimumWidth(36);
     box->setSingleStep(1);
     return box;
+}
+
+void makeNarrow(QDoubleSpinBox* box)
+{
+    box->setButtonSymbols(QAbstractSpinBox::NoButtons);
+    box->setProperty("narrow", true); // for the style sheet
 }
 
 float floatInBox(const QDoubleSpinBox& box, float current)

@@ -38,9 +38,12 @@ bool isClamped(const QDomElement& bounds);
 // A horizontal slider of `sliderSteps` steps.
 QSlider* makeSlider(QWidget* parent);
 
-// Boxes that report a typed number when it is complete, and a step at once.
+// Boxes that report a typed number when it is complete, and a step at once. The kind sets the range.
 QDoubleSpinBox* makeDoubleSpinBox(QWidget* parent, int decimals);
 QSpinBox* makeSpinBox(QWidget* parent);
+
+// Leaves out the buttons of a box that stands among others, in favour of its digits; the arrow keys step it.
+void makeNarrow(QDoubleSpinBox* box);
 
 // The float that a box stands for: `current`, where the box shows just that, rounded as it may be; else the
 // number in the box. So editing one component doesn't round the others.

@@ -15,7 +15,7 @@ RollBase::RollBase(const QString& caption, QWidget* parent)
       m_foldButton(new QToolButton(m_headerFrame)), m_bodyFrame(new QFrame(this)),
       m_bodyLayout(new QVBoxLayout(m_bodyFrame))
 {
-    m_foldButton->setIcon(sharedIcon(QStringLiteral(":/zph/applications/player/images/fold.svg")));
+    m_foldButton->setIcon(foldIcon());
     m_foldButton->setCheckable(true);
     m_foldButton->setChecked(true);
     m_foldButton->setAutoRaise(true);

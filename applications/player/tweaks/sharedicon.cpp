@@ -46,6 +46,12 @@ const QIcon& pinIcon()
                       QStringLiteral(":/zph/editor/gui/images/pin_on.svg"));
 }
 
+const QIcon& foldIcon()
+{
+    return sharedIcon(QStringLiteral(":/zph/applications/player/images/foldoff.svg"),
+                      QStringLiteral(":/zph/applications/player/images/fold.svg"));
+}
+
 QString plainToolTip(const QString& text)
 {
     return Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text, Qt::WhiteSpaceNormal) : text;

@@ -13,6 +13,10 @@ class QLabel;
 class QToolButton;
 class QVBoxLayout;
 
+namespace Orn::Gui {
+class ElidedLabel;
+}
+
 namespace Zph::Applications::Player {
 
 // One row of the tweaks panel: a caption, the widgets that edit one input, and the pin that keeps what lies
@@ -109,7 +113,7 @@ private:
     void nameWidgets();
 
     QToolButton* m_pinButton;
-    QLabel* m_captionLabel;
+    Orn::Gui::ElidedLabel* m_captionLabel;
     QVBoxLayout* m_rightColumn;
     QHBoxLayout* m_firstRow;
     bool m_pinned;

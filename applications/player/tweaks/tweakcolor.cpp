@@ -16,7 +16,7 @@ TweakColor::TweakColor(quint32 type, const TweakContext& context, QWidget* paren
     : TweakVec(type, context, parent), m_swatch(new QToolButton(this))
 {
     m_swatch->setToolTip(tr("Open color chooser."));
-    m_swatch->setIconSize(QSize(32, 16));
+    m_swatch->setIconSize(QSize(20, 20));
     firstRow()->addWidget(m_swatch, 1);
     adopt(m_swatch);
     connect(m_swatch, &QToolButton::clicked, this, &TweakColor::openEditor);

@@ -62,6 +62,7 @@ TweakSlider::Line TweakSlider::makeLine(QHBoxLayout* row)
     line.label->hide();
     line.maxLabel->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     line.spinBox->setMaximumWidth(60);
+    makeNarrow(line.spinBox);
     if (!isFloat()) {
         line.spinBox->setSingleStep(1);
         line.slider->setPageStep(1);

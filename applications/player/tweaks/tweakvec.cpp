@@ -12,6 +12,9 @@ TweakVec::TweakVec(quint32 type, const TweakContext& context, QWidget* parent)
 {
     for (int i = 0; i < componentCount(type); ++i) {
         QDoubleSpinBox* box = makeDoubleSpinBox(this, isFloatType(type) ? 3 : 0);
+        box->setRange(-1e11, largestDouble);
+        if (componentCount(type) > 2)
+            makeNarrow(box);
         firstRow()->addWidget(box, 2);
         adopt(box);
         connect(box, qOverload<double>(&QDoubleSpinBox::valueChanged), this, [this] { valueChanged(); });

@@ -31,6 +31,7 @@ private:
     EvaluationContext make(const QString& pkgurl) const
     {
         QVariantHash inputs;
+        inputs.reserve(int(m_tweaks.size()));
         for (const auto& entry : m_tweaks)
             if (entry.second->pkgurl() == pkgurl)
                 enterInput(inputs, *entry.second, entry.second->widgetKind() == WidgetCode::Toggle);

@@ -1,3 +1,5 @@
+#include "resources/resources.h"
+
 #include <QApplication>
 #include <QStandardPaths>
 #include <gtest/gtest.h>
@@ -8,6 +10,7 @@ int main(int argc, char** argv)
     QApplication application(argc, argv);
     QApplication::setOrganizationName("VellorTest");
     QApplication::setApplicationName("playertweaks_test");
+    Orn::Resources::initResources();
     testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
 }

@@ -64,6 +64,10 @@ TEST(TweakRow, captionsAndToolTips)
     EXPECT_EQ(marked.find<QLabel>()->textFormat(), Qt::PlainText);
     EXPECT_TRUE(marked.find<QLabel>()->toolTip().contains("&lt;b&gt;"));
     EXPECT_EQ(Row(0, xml).find<QSlider>()->accessibleName(), "L");
+    Row wide(0, xml);
+    wide.tweak->resize(500, 30);
+    wide.tweak->show();
+    EXPECT_EQ(wide.find<QLabel>()->text(), "L");
 }
 
 TEST(TweakRow, dragPinsForItsLength)
