@@ -52,6 +52,8 @@ const char* describe(OperandChannels channels)
         return "grey";
     case OperandChannels::Colour:
         return "colour";
+    case OperandChannels::Any:
+        return "any";
     case OperandChannels::Result:
         break;
     }

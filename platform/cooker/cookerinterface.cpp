@@ -66,7 +66,7 @@ std::optional<std::string> toUtf8(const std::uint32_t* text)
             continue;
         }
         const int rest = c < 0x800 ? 1 : c < 0x10000 ? 2 : 3;
-        bytes += static_cast<char>((0xF00u >> rest & 0xFFu) | c >> (6 * rest));
+        bytes += static_cast<char>((0xFF00u >> (rest + 1) & 0xFFu) | c >> (6 * rest));
         for (int i = rest - 1; i >= 0; --i)
             bytes += static_cast<char>(0x80 | (c >> (6 * i) & 0x3F));
     }

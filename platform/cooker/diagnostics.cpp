@@ -79,8 +79,12 @@ std::string Sources::describe(Place place) const
 
 void Diagnostics::error(Place place, const std::string& text)
 {
-    if (!full())
-        m_messages.insert({{place.file, place.offset}, text});
+    if (full())
+        return;
+    std::string line = text; // one line, whatever is quoted in it
+    std::replace_if(
+        line.begin(), line.end(), [](char c) { return static_cast<unsigned char>(c) < ' '; }, ' ');
+    m_messages.insert({{place.file, place.offset}, std::move(line)});
 }
 
 std::vector<std::string> Diagnostics::messages() const

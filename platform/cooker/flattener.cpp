@@ -15,7 +15,6 @@ using program::ValueType;
 namespace {
 
 constexpr int kMaxNesting = 32;
-constexpr std::size_t kMaxInstances = 1u << 16;
 
 /// uids are stable: they depend on the names of the graph and of the input or output alone.
 std::uint32_t uidOf(const GraphSource& graph, const std::string& kind, const SourceText& identifier)
@@ -55,14 +54,25 @@ private:
         FlatPackage::Graph flat;
         flat.source = &graph;
         flat.url = "pkg://" + graph.identifier.text;
-        for (const InputSource& input : graph.inputs)
-            scope.inputs.emplace(input.identifier.text, bindExposed(graph, input, flat));
+        for (const InputSource& input : graph.inputs) {
+            if (!scope.inputs.count(input.identifier.text))
+                scope.inputs.emplace(input.identifier.text, bindExposed(graph, input, flat));
+        }
         buildNodes(scope);
         checkValues(scope);
         for (const OutputSource& output : graph.outputs)
             addOutput(scope, output, flat);
         if (graph.exposed)
             m_flat.graphs.push_back(std::move(flat));
+    }
+
+    using Uids = std::map<std::uint32_t, std::string>;
+
+    /// False when another name has the same uid. The same name twice is told elsewhere.
+    static bool claim(Uids& uids, std::uint32_t uid, const GraphSource& graph, const SourceText& identifier)
+    {
+        const std::string name = graph.identifier.text + "/" + identifier.text;
+        return uids.emplace(uid, name).first->second == name;
     }
 
     bool isFrozen(const std::string& identifier) const
@@ -94,7 +104,7 @@ private:
         input.defaultValue = source.defaultValue;
         input.defaultText = toUtf32(source.defaultText);
         input.identifier = source.identifier.text;
-        if (!m_inputUids.insert(input.uid).second)
+        if (!claim(m_inputUids, input.uid, graph, source.identifier))
             m_diagnostics.error(source.identifier.place,
                                 "the uid of this input is taken; choose another identifier");
         if (m_flat.program.inputs.size() >= program::kMaxInputs - 1) {
@@ -110,21 +120,39 @@ private:
 
     void buildNodes(Scope& scope)
     {
+        for (const NodeSource& node : scope.graph.nodes)
+            scope.pending.insert(node.id.text);
         for (const NodeSource* node : dependencyOrder(scope.graph, m_diagnostics)) {
-            if (m_flat.program.nodes.size() >= program::kMaxNodes || m_diagnostics.full()) {
-                m_diagnostics.error(node->place, "too many nodes");
+            if (!mayWork(1, node->place))
                 return;
-            }
             if (node->isInstance())
                 buildInstance(scope, *node);
             else
-                scope.results[node->id.text] = {m_nodes.compile(scope, *node), false};
+                buildNode(scope, *node);
         }
+    }
+
+    void buildNode(Scope& scope, const NodeSource& node)
+    {
+        const std::int32_t index = m_nodes.compile(scope, node);
+        if (index == kNone)
+            return;
+        scope.results[node.id.text] = {index, false};
+        scope.pending.erase(node.id.text);
+    }
+
+    /// Bounds what small files may unfold to. Once it is used up, everything stops.
+    bool mayWork(std::size_t amount, Place place)
+    {
+        constexpr std::size_t kMostWork = program::kMaxNodes - 1;
+        m_work += amount;
+        if (m_work > kMostWork)
+            m_diagnostics.error(place, "too many nodes, once graphs within graphs are laid out");
+        return m_work <= kMostWork && !m_diagnostics.full();
     }
 
     void buildInstance(Scope& outer, const NodeSource& instance)
     {
-        outer.failedInstances.insert(instance.id.text);
         const auto [package, graph] = findGraph(outer, instance.graph);
         if (!graph || !mayEnter(outer, *graph, instance))
             return;
@@ -142,7 +170,7 @@ private:
             if (graph->outputs.size() == 1)
                 outer.results[instance.id.text] = result;
         }
-        outer.failedInstances.erase(instance.id.text);
+        outer.pending.erase(instance.id.text);
     }
 
     std::pair<const PackageSource*, const GraphSource*> findGraph(const Scope& scope,
@@ -183,13 +211,12 @@ private:
                 return false;
             }
         }
-        if (depth >= kMaxNesting || ++m_instances > kMaxInstances) {
-            m_diagnostics.error(instance.graph.place, depth >= kMaxNesting
-                                                          ? "graphs are nested too deeply"
-                                                          : "there are too many graph instances");
+        if (depth >= kMaxNesting) {
+            m_diagnostics.error(instance.graph.place, "graphs are nested too deeply");
             return false;
         }
-        return true;
+        return mayWork(graph.inputs.size() + graph.nodes.size() + graph.values.size() + graph.outputs.size(),
+                       instance.graph.place);
     }
 
     InputBinding bindInner(const Scope& outer, const InputSource& input) const
@@ -311,7 +338,7 @@ private:
                                       : source.value && setNumber(scope, source, output);
         if (!good || !scope.graph.exposed)
             return;
-        if (!m_outputUids.insert(output.uid).second)
+        if (!claim(m_outputUids, output.uid, scope.graph, source.identifier))
             m_diagnostics.error(source.identifier.place,
                                 "the uid of this output is taken; choose another identifier");
         if (m_flat.program.outputs.size() >= program::kMaxOutputs) {
@@ -378,8 +405,8 @@ private:
     Diagnostics& m_diagnostics;
     FlatPackage m_flat;
     NodeCompiler m_nodes;
-    std::set<std::uint32_t> m_inputUids, m_outputUids;
-    std::size_t m_instances = 0;
+    Uids m_inputUids, m_outputUids;
+    std::size_t m_work = 0;
 };
 
 } // namespace

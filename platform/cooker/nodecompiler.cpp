@@ -86,6 +86,23 @@ std::string listOrNone(const std::vector<std::string>& names)
     return names.empty() ? "none" : quotedList(names);
 }
 
+/// The outputs of an instance, or all pictures when owner is none; not more than a message can hold.
+std::vector<std::string> similarPictures(const Scope& scope, const std::string& owner)
+{
+    constexpr std::size_t kMost = 50;
+    std::vector<std::string> names;
+    const std::string prefix = owner + ".";
+    for (auto i = scope.results.lower_bound(prefix); i != scope.results.end() && names.size() < kMost; ++i) {
+        if (i->first.compare(0, prefix.size(), prefix) != 0)
+            break;
+        names.push_back(i->first);
+    }
+    const bool isInstance = !names.empty();
+    for (auto i = scope.results.begin(); i != scope.results.end() && names.size() < kMost && !isInstance; ++i)
+        names.push_back(i->first);
+    return names;
+}
+
 } // namespace
 
 struct NodeCompiler::Job
@@ -138,11 +155,12 @@ std::int32_t NodeCompiler::compile(const Scope& scope, const NodeSource& source)
     }
     Job job{scope, source, *declaration, {}, kNone, false, false};
     job.node.kind = declaration->id();
+    constexpr std::size_t kLongestName = 1024;
     job.node.name = scope.path + "/" + source.id.text;
+    if (job.node.name.size() > kLongestName)
+        job.node.name.erase(0, job.node.name.size() - kLongestName);
     connect(job);
     settleChannels(job);
-    if (job.failed)
-        return kNone;
     convertOperands(job);
     setParameters(job);
     setSizeAndSeed(job);
@@ -209,10 +227,11 @@ void NodeCompiler::convertOperands(Job& job)
     for (std::size_t i = 0; i < job.node.operands.size(); ++i) {
         const OperandChannels wanted = job.declaration.operands[i].channels;
         std::int32_t& operand = job.node.operands[i];
-        if (operand != kNone)
-            operand = withChannels(operand, wanted == OperandChannels::Grey     ? kGrey
-                                            : wanted == OperandChannels::Colour ? kColour
-                                                                                : job.node.channels);
+        if (operand == kNone || wanted == OperandChannels::Any)
+            continue;
+        operand = withChannels(operand, wanted == OperandChannels::Grey     ? kGrey
+                                        : wanted == OperandChannels::Colour ? kColour
+                                                                            : job.node.channels);
     }
 }
 
@@ -309,6 +328,8 @@ void NodeCompiler::setNumber(Job& job, const ParameterDeclaration& declaration, 
     }
     if (!text)
         return error(job, source.place, "the parameter '" + source.name.text + "' needs 'value' or 'expr'");
+    if (isPixelProgram && job.failed)
+        return; // an operand may be missing for reasons that were told
     std::vector<SampledOperand> operands;
     for (std::size_t i = 0; i < job.node.operands.size(); ++i) {
         const std::int32_t operand = job.node.operands[i];
@@ -417,16 +438,10 @@ std::int32_t NodeCompiler::resolve(const Scope& scope, const SourceText& from)
         return found->second.isNumeric ? kNone : found->second.node;
     }
     const std::string owner = from.text.substr(0, from.text.find('.'));
-    if (scope.failedInstances.count(owner))
+    if (scope.pending.count(owner))
         return kNone;
-    std::vector<std::string> outputs, all;
-    for (const auto& entry : scope.results) {
-        all.push_back(entry.first);
-        if (entry.first.compare(0, owner.size() + 1, owner + ".") == 0)
-            outputs.push_back(entry.first);
-    }
     m_diagnostics.error(from.place, "there is no picture '" + from.text + "'; expected " +
-                                        listOrNone(outputs.empty() ? all : outputs));
+                                        listOrNone(similarPictures(scope, owner)));
     return kNone;
 }
 

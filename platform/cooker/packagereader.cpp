@@ -153,6 +153,9 @@ private:
         const SourceText value = element.attribute("default");
         const ValueType type = input.type.type;
         if (type == ValueType::String) {
+            constexpr std::size_t kLongestText = 1u << 20;
+            if (value.text.size() > kLongestText)
+                element.error(value.place, "this text is too long");
             input.defaultText = value.text;
         } else if (type == ValueType::Image) {
             if (value)
@@ -333,7 +336,10 @@ private:
         output.from = element.attribute("from");
         output.value = element.attribute("value");
         output.type = element.attribute("type");
-        output.format = element.oneOf("format", formatNamesWithSrgb());
+        output.format = element.attribute("format");
+        if (output.format && !parseFormat(output.format.text))
+            element.error(output.format.place, "'" + output.format.text + "' does not fit; expected " +
+                                                   quotedList(formatNames()) + ", each also with '-srgb'");
         output.mipmaps = element.attribute("mipmaps");
         output.label = element.attribute("label");
         output.usage = element.attribute("usage");
@@ -347,14 +353,6 @@ private:
             element.error(output.type.place, "an output with 'from' is of type 'image'");
         if (output.value && output.format)
             element.error(output.format.place, "a numeric output has no format");
-    }
-
-    static std::vector<std::string> formatNamesWithSrgb()
-    {
-        std::vector<std::string> names = formatNames();
-        for (const std::string& name : formatNames())
-            names.push_back(name + "-srgb");
-        return names;
     }
 
     void readPreset(pugi::xml_node node, PresetSource& preset)

@@ -99,10 +99,17 @@ std::optional<TypedValue> Scope::value(const std::string& name, ExpressionCompil
             throw ExpressionError(found->second->id.place, "the value '" + name + "' depends on itself");
         return known->second;
     }
+    const auto failure = m_failures.find(name);
+    if (failure != m_failures.end())
+        throw failure->second;
     compiler.memory()[key] = std::nullopt;
-    const TypedValue value = compiler.compile(found->second->expression, *this);
-    compiler.memory()[key] = value;
-    return value;
+    try {
+        compiler.memory()[key] = compiler.compile(found->second->expression, *this);
+    } catch (const ExpressionError& error) {
+        m_failures.emplace(name, error);
+        throw;
+    }
+    return compiler.memory()[key];
 }
 
 std::vector<std::string> Scope::knownInputs() const

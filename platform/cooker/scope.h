@@ -76,7 +76,9 @@ public:
     };
     /// Pictures by "node" or "instance.output", filled while the scope is built.
     std::map<std::string, Result> results;
-    std::set<std::string> failedInstances;
+    /// Nodes that are not built: not yet, or because something is wrong with them, which is told at their
+    /// place.
+    std::set<std::string> pending;
 
 private:
     TypedValue bound(const InputBinding& binding, ExpressionCompiler& compiler) const;
@@ -84,6 +86,8 @@ private:
 
     const CookOptions& m_options;
     std::map<std::string, const ValueSource*> m_values;
+    // Values that are wrong, so that whatever hangs on them fails at once.
+    mutable std::map<std::string, ExpressionError> m_failures;
 };
 
 } // namespace vellor::cooker

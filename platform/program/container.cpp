@@ -6,8 +6,9 @@ namespace vellor::program {
 
 namespace {
 
-constexpr std::size_t kHeaderSize = 32, kEntrySize = 24, kChecksumAt = 12, kChecksumFrom = 16,
-                      kAlignment = 16;
+constexpr std::size_t kHeaderSize = 32, kEntrySize = 24, kAlignment = 16;
+constexpr std::size_t kVersionAt = 8, kChecksumAt = 12, kChecksumFrom = 16, kSizeAt = 16;
+constexpr std::size_t kProgramCountAt = 24, kSectionCountAt = 28;
 constexpr std::size_t kSectionCount = static_cast<std::size_t>(Section::Count);
 
 constexpr std::array<std::uint32_t, 256> makeCrcTable()
@@ -84,6 +85,15 @@ bool hasMagic(ByteView bytes, const Container& container)
     return bytes.size >= kMagicSize && std::memcmp(bytes.data, container.magic, kMagicSize) == 0;
 }
 
+void sealContainer(std::vector<std::uint8_t>& bytes)
+{
+    if (bytes.size() < kHeaderSize)
+        return;
+    store(bytes, kVersionAt, kFileVersion);
+    store(bytes, kSizeAt, static_cast<std::uint64_t>(bytes.size()));
+    store(bytes, kChecksumAt, crc32(ByteView(bytes).part(kChecksumFrom, bytes.size() - kChecksumFrom)));
+}
+
 std::vector<std::uint8_t> writeContainer(const Container& container, const std::vector<Program>& programs)
 {
     const std::size_t sections = programs.size() * kSectionCount;
@@ -101,11 +111,9 @@ std::vector<std::uint8_t> writeContainer(const Container& container, const std::
         store(bytes, entry + 16, static_cast<std::uint64_t>(bytes.size() - start));
     }
     std::vector<std::uint8_t> bytes = std::move(out.bytes());
-    store(bytes, 8, kFileVersion);
-    store(bytes, 16, static_cast<std::uint64_t>(bytes.size()));
-    store(bytes, 24, static_cast<std::uint32_t>(programs.size()));
-    store(bytes, 28, static_cast<std::uint32_t>(sections));
-    store(bytes, kChecksumAt, crc32(ByteView(bytes).part(kChecksumFrom, bytes.size() - kChecksumFrom)));
+    store(bytes, kProgramCountAt, static_cast<std::uint32_t>(programs.size()));
+    store(bytes, kSectionCountAt, static_cast<std::uint32_t>(sections));
+    sealContainer(bytes);
     return bytes;
 }
 

@@ -41,6 +41,9 @@ bool hasMagic(ByteView bytes, const Container& container);
 
 std::vector<std::uint8_t> writeContainer(const Container& container, const std::vector<Program>& programs);
 
+/// Writes version, size and checksum into the header of a file that has at least a header.
+void sealContainer(std::vector<std::uint8_t>& bytes);
+
 /// The programs of a file, not yet checked by programchecker.h. Damage of any kind: nullopt, and error says
 /// what.
 std::optional<std::vector<Program>> readContainer(const Container& container, ByteView bytes,

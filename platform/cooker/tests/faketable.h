@@ -1,0 +1,82 @@
+#pragma once
+
+#include "platform/cooker/cookoptions.h"
+
+namespace vellor::cooker {
+
+/// A few node kinds without kernels, one of each shape that the cooker has to deal with.
+inline const NodeTable& fakeTable()
+{
+    using namespace nodes;
+    using P = ParameterType;
+    static const NodeDeclaration kinds[] = {
+        {"noise",
+         "",
+         "",
+         "",
+         ResultChannels::Grey,
+         {},
+         {{"scale", P::Float, {4}, 0, 10, ""},
+          {"offset", P::Float2, {}, 0, 1, ""},
+          {"octaves", P::Int, {3}, 1, 8, ""},
+          {"ridged", P::Bool, {}, 0, 1, ""},
+          {"kind", P::Choice, {}, 0, 1, "", {"value", "gradient"}}}},
+        {"uniform", "", "", "", ResultChannels::Chosen, {}, {{"colour", P::Float4, {0, 0, 0, 1}, 0, 1, ""}}},
+        {"blend",
+         "",
+         "",
+         "",
+         ResultChannels::FromOperands,
+         {{"source", OperandChannels::Result, true, ""},
+          {"background", OperandChannels::Result, true, ""},
+          {"mask", OperandChannels::Grey, false, ""}},
+         {{"opacity", P::Float, {1}, 0, 1, ""}}},
+        {"normal", "", "", "", ResultChannels::Colour, {{"height", OperandChannels::Grey, true, ""}}, {}},
+        {"curve",
+         "",
+         "",
+         "",
+         ResultChannels::FromOperands,
+         {{"input", OperandChannels::Result, true, ""}},
+         {{"curve", P::Curve, {}, 0, 1, ""}}},
+        {"gradientmap",
+         "",
+         "",
+         "",
+         ResultChannels::Colour,
+         {{"input", OperandChannels::Grey, true, ""}},
+         {{"gradient", P::Gradient, {}, 0, 1, ""}}},
+        {"text", "", "", "", ResultChannels::Grey, {}, {{"text", P::Text, {}, 0, 1, ""}}},
+        {"imageinput", "", "", "", ResultChannels::Chosen, {}, {{"image", P::ImageInput, {}, 0, 1, ""}}},
+        {"pixelprogram",
+         "",
+         "",
+         "",
+         ResultChannels::Chosen,
+         {{"first", OperandChannels::Result, false, ""}, {"second", OperandChannels::Grey, false, ""}},
+         {{"program", P::PixelProgram, {}, 0, 1, ""}}},
+        {"greyconversion",
+         "",
+         "",
+         "",
+         ResultChannels::Grey,
+         {{"input", OperandChannels::Colour, true, ""}},
+         {}},
+        {"colourconversion",
+         "",
+         "",
+         "",
+         ResultChannels::Colour,
+         {{"input", OperandChannels::Grey, true, ""}},
+         {}},
+    };
+    static const NodeTable table = [] {
+        NodeTable list;
+        for (const NodeDeclaration& kind : kinds)
+            list.push_back(&kind);
+        return list;
+    }();
+    return table;
+}
+
+} // namespace vellor::cooker

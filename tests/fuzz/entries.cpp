@@ -1,0 +1,102 @@
+#include "tests/fuzz/entries.h"
+
+#include "platform/cooker/cooker.h"
+#include "platform/cooker/tests/faketable.h"
+#include "platform/linker/linker.h"
+#include "platform/program/assembly.h"
+#include "platform/program/packagearchive.h"
+#include "platform/program/programreader.h"
+#include "platform/program/programwriter.h"
+#include "platform/program/sections.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace vellor::fuzz {
+
+namespace {
+
+void require(bool kept, const char* promise, const std::string& error)
+{
+    if (kept)
+        return;
+    std::fprintf(stderr, "broken promise: %s (%s)\n", promise, error.c_str());
+    std::abort();
+}
+
+void linkAndReadBack(const std::vector<program::Program>& programs, int sizeLimit)
+{
+    std::string error;
+    const auto linked = linker::link(programs, sizeLimit, error);
+    require(linked || programs.size() > 1, "one checked program links", error);
+    if (!linked)
+        return;
+    const auto image = program::writeProgram(*linked);
+    const auto read = program::readProgram(image, error);
+    require(read.has_value(), "a linked program reads back", error);
+    require(program::writeProgram(*read) == image, "what was read is what was written", "");
+}
+
+void readAssemblyAndLink(program::ByteView bytes)
+{
+    std::string error;
+    if (const auto programs = program::readAssembly(bytes, error)) {
+        linkAndReadBack(*programs, 14);
+        linkAndReadBack(*programs, 8);
+    } else {
+        require(!error.empty(), "a failure has words", "");
+    }
+}
+
+/// Mutated files have wrong checksums and would be refused at the door: mend the header to get inside.
+std::vector<std::uint8_t> sealed(const std::uint8_t* data, std::size_t size)
+{
+    std::vector<std::uint8_t> bytes(data, data + size);
+    program::sealContainer(bytes);
+    return bytes;
+}
+
+} // namespace
+
+void authoring(const std::uint8_t* data, std::size_t size)
+{
+    cooker::CookOptions options;
+    options.dynamicRandomSeed = size % 2 != 0;
+    const std::string text(reinterpret_cast<const char*>(data), size);
+    const auto result = cooker::cook({{"fuzz.vlr", text}}, cooker::fakeTable(), options);
+    require(result.end != cooker::CookEnd::BadProgram || result.errors.size() == 1,
+            "one program breaks one rule", "");
+    require((result.end == cooker::CookEnd::Done) == result.errors.empty(), "a failure has words", "");
+    if (result.end != cooker::CookEnd::Done)
+        return;
+    std::string error;
+    const auto programs = program::readAssembly(result.assembly, error);
+    require(programs.has_value(), "a cooked assembly reads back", error);
+    linkAndReadBack(*programs, 10);
+}
+
+void assembly(const std::uint8_t* data, std::size_t size)
+{
+    readAssemblyAndLink({data, size});
+    readAssemblyAndLink(sealed(data, size));
+}
+
+void archive(const std::uint8_t* data, std::size_t size)
+{
+    std::string error;
+    const auto read = program::readArchive({data, size}, error);
+    if (!read)
+        return require(!error.empty(), "a failure has words", "");
+    readAssemblyAndLink(sealed(read->assembly.data(), read->assembly.size()));
+}
+
+void binary(const std::uint8_t* data, std::size_t size)
+{
+    std::string error;
+    if (!program::readProgram({data, size}, error))
+        require(!error.empty(), "a failure has words", "");
+    if (const auto read = program::readProgram(sealed(data, size), error))
+        linkAndReadBack({*read}, 14);
+}
+
+} // namespace vellor::fuzz

@@ -1,0 +1,25 @@
+#pragma once
+
+// What the fuzz targets call, one function for each kind of file. Each takes anything and must come back; a
+// result that breaks a promise (a cooked package that does not link, say) ends the process.
+
+#include <cstddef>
+#include <cstdint>
+
+namespace vellor::fuzz {
+
+void authoring(const std::uint8_t* data, std::size_t size);
+void assembly(const std::uint8_t* data, std::size_t size);
+void archive(const std::uint8_t* data, std::size_t size);
+void binary(const std::uint8_t* data, std::size_t size);
+
+struct Target
+{
+    const char* name; // of the folder with its regression inputs, too
+    void (*run)(const std::uint8_t*, std::size_t);
+};
+
+constexpr Target kTargets[] = {
+    {"authoring", authoring}, {"assembly", assembly}, {"archive", archive}, {"binary", binary}};
+
+} // namespace vellor::fuzz
