@@ -136,7 +136,7 @@ NODES_AREA_KERNEL(occlusionArea)
 /// The copy whose smoothness suits samples at this distance.
 static int copyFor(float distance)
 {
-    return distance < 4.0f ? 0 : distance < 12.0f ? 1 : distance < 40.0f ? 2 : 3;
+    return distance < 7.0f ? 0 : distance < 14.0f ? 1 : distance < 42.0f ? 2 : 3;
 }
 
 static std::unique_ptr<State> prepareOcclusion(const Setup& setup)
