@@ -112,8 +112,9 @@ void EngineDynSwitch::reloadDynamicLibrary()
     const QString path = Switcher::current();
     if (path.isEmpty() || !m_window)
         return;
-    // The engine that runs stays until the new file is whole: a linker is at work on it.
-    if (!Zph::Engine::probe(path)) {
+    // The engine that runs stays until the new file is whole, and until the generation that it is in has
+    // ended.
+    if (m_window->isGenerating() || !Zph::Engine::probe(path)) {
         if (++m_settleTries < kSettleTries)
             m_settleTimer.start();
         return;

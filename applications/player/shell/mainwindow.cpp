@@ -38,6 +38,7 @@
 #include <QMessageBox>
 #include <QMimeData>
 #include <QStatusBar>
+#include <QTimer>
 #include <QToolBar>
 #include <QUrl>
 
@@ -121,6 +122,10 @@ void MainWindow::makePanels()
 void MainWindow::connectPanels()
 {
     connect(m_tweaks, &TweaksList::tweakChangedSignal, this, &MainWindow::tweakChanged);
+    connect(m_timeline, &Timeline::timeChanged, m_tweaks, &TweaksList::setTimeChanged);
+    connect(m_timeline, &Timeline::timeChangeBegun, m_tweaks, &TweaksList::timeChangeBegun);
+    connect(m_timeline, &Timeline::timeChangeEnded, m_tweaks, &TweaksList::timeChangeEnded);
+    connect(m_tweaks, &TweaksList::timeChangedSignal, m_timeline, &Timeline::setCurrentTime);
     connect(&m_loader, &DocumentLoader::reloadRequested, this, &MainWindow::reload);
     connect(&m_loader, &DocumentLoader::documentFileChanged, this,
             [this] { m_actions->reload->setChecked(true); });
@@ -170,7 +175,7 @@ void MainWindow::makeStatusBar()
 
 void MainWindow::restoreLayout()
 {
-    // Neither panel has anything to show yet: they are there on demand.
+    // Neither panel has anything to show as yet; the timeline comes with the first package that moves.
     m_view3D->dockWidget()->hide();
     m_timeline->dockWidget()->hide();
     m_layout->applyAreaSizes();
@@ -197,6 +202,8 @@ void MainWindow::onResetLayoutActionTrigerred(bool)
 
 bool MainWindow::loadFile(const QString& filepath)
 {
+    if (postponed([this, filepath] { loadFile(filepath); }))
+        return false;
     initConsole();
     bool isLoaded = false;
     switch (fileKind(filepath)) {
@@ -245,6 +252,8 @@ void MainWindow::openFile(const QString& path)
 
 void MainWindow::reload()
 {
+    if (postponed([this] { reload(); }))
+        return;
     const QStringList files = m_loader.loadedFiles();
     if (files.size() == 1)
         loadFile(files.first());
@@ -269,7 +278,7 @@ bool MainWindow::loadBinOrAsmFile(const QString& filepath)
 
 bool MainWindow::loadVlrbinRemote()
 {
-    return m_loader.loadVlrbinRemote();
+    return !postponed([this] { loadVlrbinRemote(); }) && m_loader.loadVlrbinRemote();
 }
 
 void MainWindow::remoteVlrbinReceived(const QByteArray& buffer)
@@ -339,8 +348,23 @@ void MainWindow::reset()
 
 void MainWindow::generate()
 {
-    if (m_loadCounter == 0)
-        m_generationStep.run(m_engine.get(), m_cache, *this);
+    if (m_loadCounter != 0 || postponed([this] { generate(); }))
+        return;
+    m_isGenerating = true;
+    m_generationStep.run(m_engine.get(), m_cache, *this);
+    m_isGenerating = false;
+    if (const auto action = std::exchange(m_postponed, {}))
+        QTimer::singleShot(0, this, action);
+}
+
+/// Inside a generation: ends it, keeps the action for afterwards and gives true. The latest action counts.
+bool MainWindow::postponed(std::function<void()> action)
+{
+    if (!m_isGenerating)
+        return false;
+    stopGeneration();
+    m_postponed = std::move(action);
+    return true;
 }
 
 void MainWindow::wantedOutputs(std::set<quint32>& uids)
@@ -359,7 +383,10 @@ void MainWindow::requiredOutputs(std::set<quint32>&)
 
 void MainWindow::updateTimeline()
 {
-    m_timeline->setEnabled(m_tweaks->anyTimeDependent());
+    const bool isMoving = m_tweaks->anyTimeDependent();
+    if (isMoving && !m_timeline->isEnabled())
+        m_timeline->raiseInLayout();
+    m_timeline->setEnabled(isMoving);
 }
 
 void MainWindow::pushInputs(InputSink& engine)

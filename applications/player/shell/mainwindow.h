@@ -10,6 +10,7 @@
 #include <QMainWindow>
 #include <QPointer>
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -49,8 +50,10 @@ public:
     const MainMenus& menus() const { return *m_menus; }
     /// Null when there is none.
     Engine* engine() const { return m_engine.get(); }
-    /// Before an engine library goes: no handle outlives it.
+    /// Before an engine library goes: no handle outlives it. Never while isGenerating().
     void deleteEngine();
+    /// The engine is on the stack: timers and sockets run inside a generation, and must not replace it there.
+    bool isGenerating() const { return m_isGenerating; }
 
 signals:
     void loadVlrbinRemoteSignal();
@@ -119,6 +122,7 @@ private:
     void makeStatusBar();
     void restoreLayout();
     void generate();
+    bool postponed(std::function<void()> action);
     void connectEngine();
     void buildPackage();
     void reset();
@@ -134,6 +138,8 @@ private:
     DocumentLoader m_loader;
     int m_loadCounter = 0; // above 0 while the panel is being built: no generation then
     bool m_isFirstPictureShown = false;
+    bool m_isGenerating = false;
+    std::function<void()> m_postponed; // done once the generation is over
 
     MainActions* m_actions;
     std::unique_ptr<MainMenus> m_menus;
