@@ -1,5 +1,6 @@
 #include "documentloader.h"
 
+#include "applications/player/description/descriptionfile.h"
 #include "applications/player/session/packagecooker.h"
 #include "applications/player/session/packagelinker.h"
 #include "applications/player/session/static.h"
@@ -54,8 +55,7 @@ bool DocumentLoader::loadVlrFile(const QStringList& filepaths)
     PackageCooker cooker(m_host, m_host.cookingOptions());
     if (!cooker.cook(filepaths))
         return false;
-    m_description.clear();
-    m_description.setContent(cooker.description());
+    parseDescription(cooker.description(), m_description);
     clearWatcher();
     Static::instance().remoteMode = false;
     m_loadedFiles = filepaths;
@@ -113,13 +113,11 @@ bool DocumentLoader::readDescription(const QString& filepath)
         return false;
     }
     QString reason;
-    int line = 0, column = 0;
-    if (m_description.setContent(&file, &reason, &line, &column)) {
+    if (parseDescription(file.readAll(), m_description, &reason)) {
         m_host.status(tr("'%1' Loaded.").arg(filepath));
     } else {
-        m_description.clear();
         m_host.message(1, tr("Cannot load Vellor XML description file"));
-        m_host.message(1, QStringLiteral("%1:%2:%3: %4").arg(filepath).arg(line).arg(column).arg(reason));
+        m_host.message(1, filepath + ": " + reason);
     }
     return true;
 }

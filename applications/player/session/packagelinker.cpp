@@ -1,6 +1,7 @@
 #include "applications/player/session/packagelinker.h"
 
 #include "applications/player/session/libraryversion.h"
+#include "applications/player/description/descriptionfile.h"
 #include "applications/player/session/packagelistener.h"
 #include "common/engine/backend.h"
 #include "orncommon/core/debug.h"
@@ -98,7 +99,7 @@ void PackageLinker::takeDescription(QDomDocument& document) const
     for (const QByteArray& xml : m_descriptions) {
         if (!document.isNull())
             Orn::Debug::error("XML Merging NYI");
-        else if (!document.setContent(xml))
+        else if (!parseDescription(xml, document))
             document.clear(); // what was read before the error is not null
     }
     if (document.isNull())
