@@ -1,5 +1,7 @@
 #include "orncommon/gui/style.h"
 
+#include "orncommon/gui/comboboxdelegate.h"
+
 #include <QAbstractSlider>
 #include <QAbstractSpinBox>
 #include <QApplication>
@@ -93,6 +95,9 @@ void Style::polish(QWidget* widget)
             widget->setFocusPolicy(Qt::StrongFocus);
         widget->installEventFilter(this);
     }
+    auto* combo = qobject_cast<QComboBox*>(widget);
+    if (combo && combo->itemDelegate()->inherits("QComboBoxDelegate")) // Qt's, not one of the program
+        combo->setItemDelegate(new ComboBoxDelegate(combo));
 }
 
 void Style::unpolish(QWidget* widget)
