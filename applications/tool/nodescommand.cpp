@@ -85,6 +85,15 @@ std::string rangeOf(const ParameterDeclaration& parameter)
     return text.str();
 }
 
+/// Text for a cell of a table.
+std::string cell(const std::string& text)
+{
+    std::string escaped;
+    for (const char c : text)
+        escaped += c == '|' ? "\\|" : std::string(1, c);
+    return escaped;
+}
+
 void printNode(const NodeDeclaration& node)
 {
     std::printf("#### %s\n\n%s: %s\n\nResult: %s.\n", node.name, node.label, node.text,
@@ -93,12 +102,12 @@ void printNode(const NodeDeclaration& node)
         std::printf("\n| operand | picture | |\n|---|---|---|\n");
     for (const auto& operand : node.operands)
         std::printf("| `%s` | %s%s | %s |\n", operand.name, describe(operand.channels),
-                    operand.required ? ", required" : "", operand.text);
+                    operand.required ? ", required" : "", cell(operand.text).c_str());
     if (!node.parameters.empty())
         std::printf("\n| parameter | type | default | range | |\n|---|---|---|---|---|\n");
     for (const ParameterDeclaration& parameter : node.parameters)
         std::printf("| `%s` | %s | %s | %s | %s |\n", parameter.name, nameOf(parameter.type),
-                    defaultOf(parameter).c_str(), rangeOf(parameter).c_str(), parameter.text);
+                    defaultOf(parameter).c_str(), rangeOf(parameter).c_str(), cell(parameter.text).c_str());
     std::printf("\n");
 }
 
