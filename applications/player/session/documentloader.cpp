@@ -52,7 +52,7 @@ DocumentLoader::DocumentLoader(DocumentHost& host, QObject* parent) : QObject(pa
 
 bool DocumentLoader::loadVlrFile(const QStringList& filepaths)
 {
-    PackageCooker cooker(m_host, m_host.cookingOptions());
+    PackageCooker cooker(m_host, m_host.cookingOptions(filepaths));
     if (!cooker.cook(filepaths))
         return false;
     parseDescription(cooker.description(), m_description);

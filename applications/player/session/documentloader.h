@@ -20,7 +20,8 @@ class DocumentHost : public PackageListener
 public:
     /// The name of the document for the window's title; empty when there is none.
     virtual void setDocumentTitle(const QString& title) = 0;
-    virtual CookingOptions cookingOptions() = 0;
+    /// What the user chose for cooking these authoring files.
+    virtual CookingOptions cookingOptions(const QStringList& filepaths) = 0;
     /// The end of every road: the open device holds a binary package, description() its description. False,
     /// with the document gone, when the engine refuses it.
     virtual bool playBinary(QIODevice& binary) = 0;

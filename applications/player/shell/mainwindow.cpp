@@ -42,6 +42,8 @@
 #include <QToolBar>
 #include <QUrl>
 
+#include <algorithm>
+
 namespace Zph::Applications::Player {
 
 namespace {
@@ -55,6 +57,16 @@ constexpr int kFirstSizeExponent = 3, kLastSizeExponent = 15, kUnsetSizeExponent
 QIcon playerIcon(const char* name)
 {
     return QIcon(QStringLiteral(":/zph/applications/player/images/%1.svg").arg(QLatin1String(name)));
+}
+
+/// Whether one of the authoring files names something of the packages that ship with the authoring
+/// application.
+bool mentionsStudioPackages(const QStringList& filepaths)
+{
+    return std::any_of(filepaths.begin(), filepaths.end(), [](const QString& path) {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) && file.readAll().contains("vlr://");
+    });
 }
 
 } // namespace
@@ -508,12 +520,22 @@ void MainWindow::setDocumentTitle(const QString& title)
     setWindowTitle(title.isEmpty() ? base : base + " - " + title);
 }
 
-CookingOptions MainWindow::cookingOptions()
+CookingOptions MainWindow::cookingOptions(const QStringList& filepaths)
 {
     CookingOptions options;
     options.sizeLimit = Static::instance().sizeLimit();
     options.dynamicState = m_actions->dynamicChoices();
-    options.aliases = m_aliases.get({});
+    // Where the authoring application lies is asked for once, and only when a package draws on what ships
+    // with it.
+    CookingAliases::AskForStudio ask;
+    if (!m_isStudioAskedFor && mentionsStudioPackages(filepaths)) {
+        m_isStudioAskedFor = true;
+        m_aliases.forget();
+        ask = [this] {
+            return QFileDialog::getExistingDirectory(this, tr("Locate Vellor Studio Installation Directory"));
+        };
+    }
+    options.aliases = m_aliases.get(ask);
     return options;
 }
 

@@ -103,7 +103,7 @@ private:
     void stage(const QString& text) override;
     void status(const QString& text) override;
     void setDocumentTitle(const QString& title) override;
-    CookingOptions cookingOptions() override;
+    CookingOptions cookingOptions(const QStringList& filepaths) override;
     bool playBinary(QIODevice& binary) override { return loadVlrbin(binary); }
     void stopGeneration() override;
     bool isAutoReloadOn() const override;
@@ -132,6 +132,7 @@ private:
     Cache m_cache;
     GenerationStep m_generationStep;
     CookingAliases m_aliases;
+    bool m_isStudioAskedFor = false;
     std::unique_ptr<Engine> m_engine;
     std::shared_ptr<const PackageModel> m_package;
     std::vector<ViewOutput*> m_viewers;

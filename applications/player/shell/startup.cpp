@@ -16,6 +16,7 @@
 #include <QDir>
 #include <QDirIterator>
 #include <QFontDatabase>
+#include <QIcon>
 #include <QStandardPaths>
 #include <QSurfaceFormat>
 
@@ -84,6 +85,7 @@ void loadTheme()
 {
     auto theme = QSharedPointer<Orn::Gui::ThemeManager>::create();
     Orn::Core::ComponentsMgr::getInstance().add(theme);
+    QApplication::setWindowIcon(QIcon(":/zph/applications/player/images/appicon.svg"));
     Orn::Gui::setUpTheme(*theme, Orn::Core::ApplicationSettings::getInstance().getApplicationResourceDir());
 }
 
