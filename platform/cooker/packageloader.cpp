@@ -41,7 +41,9 @@ std::optional<std::string> readFile(const std::string& path)
 
 const PackageSource* PackageLoader::load(const std::string& path, std::string bytes)
 {
-    return read(keyOf(path), path, std::move(bytes), 0);
+    const std::string key = keyOf(path);
+    const auto known = m_loaded.find(key); // pushed twice, or included by an earlier one
+    return known != m_loaded.end() ? known->second.package.get() : read(key, path, std::move(bytes), 0);
 }
 
 const PackageSource* PackageLoader::read(const std::string& key, const std::string& path, std::string bytes,

@@ -13,7 +13,6 @@ namespace {
 constexpr const char* kAssemblyName = "package.vlrasm";
 constexpr const char* kDescriptionName = "description.xml";
 constexpr const char* kThumbnailName = "thumbnail.png";
-constexpr std::size_t kMaxUnfolded = std::size_t{1} << 30;
 constexpr int kMaxMembers = 4096;
 
 using Reader = std::unique_ptr<struct archive, int (*)(struct archive*)>;
@@ -102,7 +101,7 @@ std::optional<std::vector<std::uint8_t>> writeArchive(const Archive& archive, st
     return bytes;
 }
 
-std::optional<Archive> readArchive(ByteView bytes, std::string& error)
+std::optional<Archive> readArchive(ByteView bytes, std::string& error, std::size_t maxUnfolded)
 {
     const Reader zip(archive_read_new(), archive_read_free);
     archive_read_support_format_zip(zip.get());
@@ -111,7 +110,7 @@ std::optional<Archive> readArchive(ByteView bytes, std::string& error)
         return std::nullopt;
     }
     Archive archive;
-    std::size_t budget = kMaxUnfolded;
+    std::size_t budget = maxUnfolded;
     struct archive_entry* entry = nullptr;
     int state = ARCHIVE_OK;
     for (int members = 0; (state = archive_read_next_header(zip.get(), &entry)) == ARCHIVE_OK; ++members) {

@@ -24,8 +24,11 @@ bool isArchive(ByteView bytes);
 /// put together.
 std::optional<std::vector<std::uint8_t>> writeArchive(const Archive& archive, std::string& error);
 
+constexpr std::size_t kMaxUnfolded = std::size_t{1} << 30;
+
 /// Reads an archive that any tool may have packed; other members are passed over. Anything may be in bytes:
-/// what isn't a sound ZIP file, or unfolds to more than 1 GiB, gives nullopt and an error.
-std::optional<Archive> readArchive(ByteView bytes, std::string& error);
+/// what isn't a sound ZIP file, or unfolds to more bytes than allowed, gives nullopt and an error.
+std::optional<Archive> readArchive(ByteView bytes, std::string& error,
+                                   std::size_t maxUnfolded = kMaxUnfolded);
 
 } // namespace vellor::program

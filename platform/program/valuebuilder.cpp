@@ -40,6 +40,8 @@ std::optional<std::uint32_t> foldFloat(Op op, float a, float b)
         result = std::ceil(a);
         break;
     case Op::FSqrt:
+        if (!(a > 0.0f))
+            return std::nullopt;
         result = std::sqrt(a);
         break;
     case Op::FLess:

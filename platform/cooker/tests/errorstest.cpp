@@ -137,6 +137,18 @@ TEST(Errors, NameThePlaceAndWhatWasExpected)
     }
 }
 
+TEST(Errors, NameAGraphThatIsGivenTwice)
+{
+    const std::string text = package("");
+    const auto errors = [](std::vector<PackageFile> files) {
+        return cook(std::move(files), fakeTable(), {}).errors;
+    };
+    EXPECT_EQ(errors({{"a.vlr", text}, {"b.vlr", text}}),
+              Errors{"b.vlr:1:47: the graph 'g' is in two packages"});
+    EXPECT_EQ(errors({{"a.vlr", text}, {"a.vlr", text}}),
+              Errors{"a.vlr:1:47: the graph 'g' is in two packages"});
+}
+
 TEST(Errors, KeepDeepAndLargeFilesInBounds)
 {
     std::string deep;

@@ -44,7 +44,7 @@ def main():
         text = current
     failures = check_examples(vellor, text)
     if text != current:
-        print("the node reference is stale: run tests/docs/check_authoring.py VELLOR DOCUMENT --update")
+        print("the node reference is stale: run tests/tool/check_authoring.py VELLOR DOCUMENT --update")
         failures += 1
     return 1 if failures else 0
 
