@@ -1,5 +1,6 @@
 #include "platform/cooker/expressioncompiler.h"
 
+#include "platform/cooker/valuemath.h"
 #include "platform/program/types.h"
 
 #include <algorithm>
@@ -71,7 +72,8 @@ class ExpressionBody
 {
 public:
     ExpressionBody(ExpressionCompiler& compiler, const SourceText& text, const Names& names)
-        : m_compiler(compiler), m_builder(compiler.m_builder), m_text(text), m_names(names)
+        : m_compiler(compiler), m_builder(compiler.m_builder), m_math(compiler.m_builder), m_text(text),
+          m_names(names)
     {
     }
 
@@ -133,7 +135,7 @@ private:
         fail(expression, "unknown expression");
     }
 
-    static TypedValue scalar(Base base, Value value) { return {base, 1, {value, 0, 0, 0}}; }
+    static TypedValue scalar(Base base, Value value) { return ValueMath::scalar(base, value); }
 
     TypedValue reference(const Expression& expression)
     {
@@ -184,9 +186,9 @@ private:
         TypedValue value = evaluate(*expression.parts[0]);
         if (expression.text == "!")
             return scalar(Base::Bool, m_builder.emit(Op::INot, condition(value, *expression.parts[0])));
-        value = numeric(value);
+        value = ValueMath::numeric(value);
         if (expression.text == "-")
-            mapEach(value, [&](Value v) {
+            ValueMath::mapEach(value, [&](Value v) {
                 return m_builder.emit(value.base == Base::Float ? Op::FNeg : Op::INeg, v);
             });
         return value;
@@ -200,41 +202,15 @@ private:
             const Value a = condition(left, *expression.parts[0]), b = condition(right, *expression.parts[1]);
             return scalar(Base::Bool, m_builder.emit(op == "&&" ? Op::IAnd : Op::IOr, a, b));
         }
-        left = numeric(left);
-        right = numeric(right);
+        left = ValueMath::numeric(left);
+        right = ValueMath::numeric(right);
         const bool asFloats = op == "/" || left.base == Base::Float || right.base == Base::Float;
         unify(expression, left, right, asFloats);
         if (op == "+" || op == "-" || op == "*" || op == "/" || op == "%")
-            return arithmetic(op[0], left, right);
-        return comparison(expression, left, right);
-    }
-
-    TypedValue arithmetic(char op, const TypedValue& left, const TypedValue& right)
-    {
-        const bool isFloat = left.base == Base::Float;
-        const Op code = op == '+'   ? (isFloat ? Op::FAdd : Op::IAdd)
-                        : op == '-' ? (isFloat ? Op::FSub : Op::ISub)
-                        : op == '*' ? (isFloat ? Op::FMul : Op::IMul)
-                        : op == '/' ? Op::FDiv
-                                    : (isFloat ? Op::FMod : Op::IMod);
-        return componentwise(code, {left, right});
-    }
-
-    TypedValue comparison(const Expression& expression, const TypedValue& left, const TypedValue& right)
-    {
-        const std::string& op = expression.text;
-        const bool isFloat = left.base == Base::Float, equality = op == "==" || op == "!=";
-        if (left.count > 1 && !equality)
+            return m_math.arithmetic(op[0], left, right);
+        if (left.count > 1 && op != "==" && op != "!=")
             fail(expression, "'" + op + "' compares single numbers, not a " + typeName(left));
-        const bool swapped = op == ">" || op == ">=";
-        const Op code = equality                 ? (isFloat ? Op::FEqual : Op::IEqual)
-                        : op == "<" || op == ">" ? (isFloat ? Op::FLess : Op::ILess)
-                                                 : (isFloat ? Op::FLessEqual : Op::ILessEqual);
-        TypedValue each = componentwise(code, swapped ? std::vector{right, left} : std::vector{left, right});
-        Value all = each.values[0];
-        for (int i = 1; i < each.count; ++i)
-            all = m_builder.emit(Op::IAnd, all, each.values[i]);
-        return scalar(Base::Bool, op == "!=" ? m_builder.emit(Op::INot, all) : all);
+        return m_math.comparison(op, left, right);
     }
 
     TypedValue conditional(const Expression& expression)
@@ -242,8 +218,8 @@ private:
         const Value chosen = condition(evaluate(*expression.parts[0]), *expression.parts[0]);
         TypedValue yes = evaluate(*expression.parts[1]), no = evaluate(*expression.parts[2]);
         if (yes.base != no.base || yes.count != no.count) {
-            yes = numeric(yes);
-            no = numeric(no);
+            yes = ValueMath::numeric(yes);
+            no = ValueMath::numeric(no);
             unify(expression, yes, no, yes.base == Base::Float || no.base == Base::Float);
         }
         for (int i = 0; i < yes.count; ++i)
@@ -263,55 +239,13 @@ private:
                                                        value.values[0], zero));
     }
 
-    static TypedValue numeric(TypedValue value)
-    {
-        if (value.base == Base::Bool)
-            value.base = Base::Int;
-        return value;
-    }
-
-    template<typename Function> void mapEach(TypedValue& value, const Function& function)
-    {
-        for (int i = 0; i < value.count; ++i)
-            value.values[i] = function(value.values[i]);
-    }
-
-    TypedValue floats(TypedValue value)
-    {
-        if (value.base != Base::Float)
-            mapEach(value, [&](Value v) { return m_builder.emit(Op::IToF, v); });
-        value.base = Base::Float;
-        return value;
-    }
-
-    static TypedValue broadcast(TypedValue value, int count)
-    {
-        if (value.count == 1)
-            std::fill(value.values.begin(), value.values.begin() + count, value.values[0]);
-        value.count = count;
-        return value;
-    }
-
     void unify(const Expression& expression, TypedValue& left, TypedValue& right, bool asFloats)
     {
         if (left.count != right.count && left.count != 1 && right.count != 1)
             fail(expression, "a " + typeName(left) + " and a " + typeName(right) + " don't go together");
         const int count = std::max(left.count, right.count);
-        left = broadcast(asFloats ? floats(left) : left, count);
-        right = broadcast(asFloats ? floats(right) : right, count);
-    }
-
-    /// Operands are of one type already.
-    TypedValue componentwise(Op op, const std::vector<TypedValue>& operands)
-    {
-        TypedValue result = operands[0];
-        for (int i = 0; i < result.count; ++i) {
-            const auto at = [&](std::size_t n) {
-                return n < operands.size() ? operands[n].values[i] : Value{0};
-            };
-            result.values[i] = m_builder.emit(op, at(0), at(1), at(2));
-        }
-        return result;
+        left = ValueMath::broadcast(asFloats ? m_math.floats(left) : left, count);
+        right = ValueMath::broadcast(asFloats ? m_math.floats(right) : right, count);
     }
 
     TypedValue call(const Expression& expression)
@@ -344,7 +278,7 @@ private:
         bool whole = function.intOp != Op::Count;
         int count = 1;
         for (TypedValue& argument : arguments) {
-            argument = numeric(argument);
+            argument = ValueMath::numeric(argument);
             whole = whole && argument.base == Base::Int;
             if (argument.count != 1 && count != 1 && argument.count != count)
                 fail(expression,
@@ -352,8 +286,8 @@ private:
             count = std::max(count, argument.count);
         }
         for (TypedValue& argument : arguments)
-            argument = broadcast(whole ? argument : floats(argument), count);
-        return componentwise(whole ? function.intOp : function.floatOp, arguments);
+            argument = ValueMath::broadcast(whole ? argument : m_math.floats(argument), count);
+        return m_math.componentwise(whole ? function.intOp : function.floatOp, arguments);
     }
 
     TypedValue special(const Expression& expression, std::vector<TypedValue>& arguments)
@@ -371,7 +305,8 @@ private:
             return ofTwoInts(expression, arguments);
         if (name == "saturate" || name == "sign") {
             requireArguments(expression, 1);
-            return name == "sign" ? sign(arguments[0]) : saturate(arguments[0]);
+            const TypedValue value = ValueMath::numeric(arguments[0]);
+            return name == "sign" ? m_math.sign(value) : m_math.saturate(value);
         }
         if (name == "dot" || name == "length" || name == "distance" || name == "normalize" || name == "cross")
             return geometric(expression, arguments);
@@ -395,7 +330,7 @@ private:
             }
         }
         if (result.count == 1)
-            return broadcast(result, count);
+            return ValueMath::broadcast(result, count);
         if (result.count != count)
             fail(expression, expression.text + "() needs " + std::to_string(count) + " components, found " +
                                  std::to_string(result.count));
@@ -416,65 +351,24 @@ private:
             m_builder.emit(isRandom ? Op::Random : Op::IDiv, arguments[0].values[0], arguments[1].values[0]));
     }
 
-    TypedValue saturate(TypedValue value)
-    {
-        value = floats(numeric(value));
-        const Value zero = m_builder.constant(0.0f), one = m_builder.constant(1.0f);
-        mapEach(value, [&](Value v) { return m_builder.emit(Op::FClamp, v, zero, one); });
-        return value;
-    }
-
-    TypedValue sign(TypedValue value)
-    {
-        value = floats(numeric(value));
-        const Value zero = m_builder.constant(0.0f);
-        mapEach(value, [&](Value v) {
-            const Value above = m_builder.emit(Op::FLess, zero, v),
-                        below = m_builder.emit(Op::FLess, v, zero);
-            return m_builder.emit(Op::IToF, m_builder.emit(Op::ISub, above, below));
-        });
-        return value;
-    }
-
     TypedValue geometric(const Expression& expression, std::vector<TypedValue>& arguments)
     {
         const std::string& name = expression.text;
         const bool one = name == "length" || name == "normalize";
         requireArguments(expression, one ? 1 : 2);
         for (TypedValue& argument : arguments)
-            argument = floats(numeric(argument));
+            argument = m_math.floats(ValueMath::numeric(argument));
         if (!one)
             unify(expression, arguments[0], arguments[1], true);
+        if (name == "cross" && arguments[0].count != 3)
+            fail(expression, "cross() takes values of type float3, found a " + typeName(arguments[0]));
         if (name == "cross")
-            return cross(expression, arguments[0], arguments[1]);
+            return m_math.cross(arguments[0], arguments[1]);
         if (name == "dot")
-            return scalar(Base::Float, dot(arguments[0], arguments[1]));
-        const TypedValue along = name == "distance" ? componentwise(Op::FSub, arguments) : arguments[0];
-        const Value length = m_builder.emit(Op::FSqrt, dot(along, along));
-        if (name != "normalize")
-            return scalar(Base::Float, length);
-        return componentwise(Op::FDiv, {along, broadcast(scalar(Base::Float, length), along.count)});
-    }
-
-    Value dot(const TypedValue& a, const TypedValue& b)
-    {
-        Value sum = m_builder.emit(Op::FMul, a.values[0], b.values[0]);
-        for (int i = 1; i < a.count; ++i)
-            sum = m_builder.emit(Op::FAdd, sum, m_builder.emit(Op::FMul, a.values[i], b.values[i]));
-        return sum;
-    }
-
-    TypedValue cross(const Expression& expression, const TypedValue& a, const TypedValue& b)
-    {
-        if (a.count != 3)
-            fail(expression, "cross() takes values of type float3, found a " + typeName(a));
-        TypedValue result = a;
-        for (int i = 0; i < 3; ++i) {
-            const int j = (i + 1) % 3, k = (i + 2) % 3;
-            result.values[i] = m_builder.emit(Op::FSub, m_builder.emit(Op::FMul, a.values[j], b.values[k]),
-                                              m_builder.emit(Op::FMul, a.values[k], b.values[j]));
-        }
-        return result;
+            return scalar(Base::Float, m_math.dot(arguments[0], arguments[1]));
+        if (name == "distance")
+            return m_math.length(m_math.arithmetic('-', arguments[0], arguments[1]));
+        return name == "length" ? m_math.length(arguments[0]) : m_math.normalize(arguments[0]);
     }
 
     TypedValue sample(const Expression& expression)
@@ -483,7 +377,7 @@ private:
             fail(expression, "sample() works in pixel programs only");
         requireArguments(expression, 2);
         const std::uint16_t operand = operandOf(*expression.parts[0]);
-        const TypedValue at = floats(numeric(evaluate(*expression.parts[1])));
+        const TypedValue at = m_math.floats(ValueMath::numeric(evaluate(*expression.parts[1])));
         if (at.count != 2)
             fail(*expression.parts[1], "expected a position of type float2, found a " + typeName(at));
         const bool colour = m_compiler.m_operands[operand].channels == 4;
@@ -518,6 +412,7 @@ private:
 
     ExpressionCompiler& m_compiler;
     program::ValueBuilder& m_builder;
+    ValueMath m_math;
     const SourceText& m_text;
     const Names& m_names;
     std::map<std::string, TypedValue> m_lets;
