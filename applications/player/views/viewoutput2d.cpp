@@ -86,7 +86,7 @@ void ViewOutput2D::makeToolbar()
     m_outputTabs->setDrawBase(false);
     m_outputTabs->setExpanding(false);
     m_outputTabs->setUsesScrollButtons(true);
-    m_outputTabs->setElideMode(Qt::ElideRight);
+    m_outputTabs->setElideMode(Qt::ElideNone); // the tabs scroll: cut names say nothing
     m_outputTabs->setAccessibleName(tr("Outputs"));
 
     m_zoomCombo = new QComboBox(m_toolbar);
