@@ -1,0 +1,107 @@
+// The engine by itself: everything that a package has to give, and a chain of point nodes beside the memory
+// traffic that no engine of whole pictures could do without.
+
+#include "applications/player/description/inputvalue.h"
+#include "benchmarks/comparison.h"
+#include "benchmarks/enginealone.h"
+#include "benchmarks/packages.h"
+
+#include <QtGlobal>
+
+#include <cmath>
+#include <cstring>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using Zph::Applications::Player::InputValue;
+
+constexpr int kTurns = 9;
+constexpr quint32 kNoFusion = 1; // the engine's flag: every point node writes a whole picture
+
+// Indexes of inputs: the order of the authoring file.
+constexpr int kOutputSize = 0;
+constexpr int kChainSlider = 1;
+
+void setSize(EngineAlone& engine, std::int64_t pixels)
+{
+    const int exponent = std::ilogb(pixels);
+    engine.push(kOutputSize, VELLOR_TYPE_INTEGER2, InputValue::fromInts(exponent, exponent));
+}
+
+/// Every picture of the bricks, nothing cached; beside it the same on one thread.
+void allBricks(benchmark::State& state)
+{
+    const Packages::Linked linked(Packages::path("bricks"));
+    EngineAlone one(linked.binary(), 1), several(linked.binary(), quint32(state.range(1)));
+    const auto compute = [&](EngineAlone& engine) {
+        engine.restart();
+        setSize(engine, state.range(0));
+        const EngineAlone::Uids outputs = engine.pictures();
+        return Comparison::time([&] { engine.generate(outputs); });
+    };
+    compute(one);
+    compute(several);
+    Comparison comparison(state, "one thread");
+    for (auto turn : state) {
+        const Span rival = compute(one);
+        comparison.add(compute(several), rival);
+    }
+}
+
+/// Copies as much as `threads` threads can at once, a share each.
+Span copyTime(std::vector<quint8>& to, const std::vector<quint8>& from, int threads)
+{
+    const std::size_t share = from.size() / std::size_t(threads);
+    const auto copy = [&](int thread) {
+        std::memcpy(to.data() + share * std::size_t(thread), from.data() + share * std::size_t(thread),
+                    share);
+    };
+    return Comparison::time([&] {
+        std::vector<std::thread> others;
+        for (int thread = 1; thread < threads; ++thread)
+            others.emplace_back(copy, thread);
+        copy(0);
+        for (std::thread& other : others)
+            other.join();
+        benchmark::ClobberMemory();
+    });
+}
+
+/// Eight point nodes over a picture that is cached. What must move: the cached picture in, the result out and
+/// in again, and 8-bit pixels out: 4 + 4 + 4 + 1 bytes a pixel, where a copy of n bytes moves 2n.
+void pointChain(benchmark::State& state)
+{
+    const int threads = int(state.range(1));
+    const Packages::Linked linked(Packages::path("pointchain"));
+    EngineAlone engine(linked.binary(), quint32(threads), state.range(2) ? 0 : kNoFusion);
+    setSize(engine, state.range(0));
+    const EngineAlone::Uids outputs = engine.pictures();
+    engine.generate(outputs);
+    const std::size_t copied = std::size_t(state.range(0) * state.range(0)) * 13 / 2;
+    const std::vector<quint8> from(copied, 1);
+    std::vector<quint8> to(copied);
+    Comparison comparison(state, "memcpy of the bytes that must move");
+    float value = 0.1f;
+    for (auto turn : state) {
+        engine.push(kChainSlider, VELLOR_TYPE_FLOAT, InputValue::fromFloats(value += 0.001f));
+        const Span chain = Comparison::time([&] { engine.generate(outputs); });
+        comparison.add(chain, copyTime(to, from, threads));
+    }
+}
+
+BENCHMARK(allBricks)
+    ->Name("engine, all bricks outputs")
+    ->ArgNames({"", "threads"})
+    ->ArgsProduct({{512, 1024, 2048}, {1, 2}})
+    ->Iterations(kTurns)
+    ->UseManualTime();
+BENCHMARK(pointChain)
+    ->Name("engine, chain of 8 point nodes")
+    ->ArgNames({"", "threads", "fused"})
+    ->ArgsProduct({{2048}, {1, 2}, {1, 0}})
+    ->Iterations(3 * kTurns)
+    ->UseManualTime();
+
+} // namespace
