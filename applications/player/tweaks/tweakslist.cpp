@@ -158,6 +158,7 @@ void TweaksList::build(const PackageModel& package, bool remote)
     dropTree();
     setEnabled(true);
     m_description = package.description();
+    m_outputs = package.outputs();
     TweaksTreeBuilder builder(package, context(), m_tweaksLayout, m_content,
                               [this](TweakBase* tweak) { connectTweak(tweak); });
     m_tree = builder.build();
@@ -185,6 +186,8 @@ void TweaksList::dropTree()
     }
     m_tree = TweaksTree();
     m_description = DescriptionIndex();
+    m_outputs.clear();
+    m_hiddenOutputs.clear();
     m_pendingChanges.clear();
     while (QLayoutItem* item = m_tweaksLayout->takeAt(0)) {
         retire(item->widget());
@@ -237,6 +240,11 @@ bool TweaksList::anyImage() const
 void TweaksList::updateVisibility()
 {
     evaluateVisibility(m_tree.tweaks);
+    std::set<quint32> hidden = Player::hiddenOutputs(m_outputs, m_tree);
+    if (hidden == m_hiddenOutputs)
+        return;
+    m_hiddenOutputs = std::move(hidden);
+    emit hiddenOutputsChanged();
 }
 
 void TweaksList::tweakChanged(int index)

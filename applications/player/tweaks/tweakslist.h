@@ -5,10 +5,10 @@
 #include "orncommon/gui/layoutwidget.h"
 
 #include <list>
+#include <set>
 #include <vector>
 
 class QFrame;
-class QMenu;
 class QSignalMapper;
 class QToolButton;
 class QVBoxLayout;
@@ -58,13 +58,16 @@ public:
     const std::map<quint32, TweakBase*>& tweaks() const { return m_tree.tweaks; }
     bool isFrozen() const { return m_frozen; }
 
-    // Evaluates the conditions of all rows anew.
+    // Evaluates the conditions of all rows and outputs anew.
     void updateVisibility();
+    // The uids of the outputs that their conditions hide now.
+    const std::set<quint32>& hiddenOutputs() const { return m_hiddenOutputs; }
 
     QSize minimumSizeHint() const override { return {350, 200}; }
 
 signals:
     void tweakChangedSignal(std::vector<int> indexes);
+    void hiddenOutputsChanged();
     // Asks the pinned rows to append their indexes.
     void getActiveTweaksBridge(std::list<size_t>& indexList);
     // The user typed a time into a row.
@@ -111,6 +114,8 @@ private:
     QWidget* m_content = nullptr;
     TweaksTree m_tree;
     DescriptionIndex m_description;
+    QVector<PackageOutput> m_outputs;
+    std::set<quint32> m_hiddenOutputs;
     std::vector<int> m_pendingChanges;
     bool m_frozen = false;
     bool m_frozenByButton = false; // and not by a batch

@@ -56,15 +56,11 @@ void TweaksTreeBuilder::addInput(const PackageInput& input)
     const WidgetCode code = widgetCodeOfInput(input.element);
     if (tweakKindFor(input.type, code) == TweakKind::None || m_tree.tweaks.count(input.uid) != 0)
         return;
-    QVBoxLayout* layout = m_top;
-    QWidget* parent = m_parent;
-    if (input.graphKey != DescriptionIndex::globalKey()) {
-        const QDomElement gui = input.element.firstChildElement(QStringLiteral("inputgui"));
-        RollBase* roll =
-            groupRoll(graphRoll(input.graphKey), input.graphKey, gui.attribute(QStringLiteral("group")));
-        layout = roll->bodyLayout();
-        parent = roll->bodyFrame();
-    }
+    const QDomElement gui = input.element.firstChildElement(QStringLiteral("inputgui"));
+    RollBase* graph = input.graphKey == DescriptionIndex::globalKey() ? nullptr : graphRoll(input.graphKey);
+    RollBase* roll = groupRoll(graph, input.graphKey, gui.attribute(QStringLiteral("group")));
+    QVBoxLayout* layout = roll ? roll->bodyLayout() : m_top;
+    QWidget* parent = roll ? roll->bodyFrame() : m_parent;
     TweakBase* tweak = makeTweak(input.type, code, m_context, parent);
     m_tree.tweaks.emplace(input.uid, tweak);
     m_tree.graphOfTweak.insert(tweak, input.graphKey);
@@ -110,10 +106,11 @@ RollBase* TweaksTreeBuilder::groupRoll(RollBase* graph, const QString& graphKey,
 RollBase* TweaksTreeBuilder::makeGroupRoll(RollBase* parent, const QString& name, const QString& groupKey)
 {
     const QDomElement group = m_package.description().group(groupKey);
-    auto* roll = new RollGroup(name, group.attribute(QStringLiteral("description")), parent->bodyFrame());
-    roll->setIndent(parent->indent() + groupIndent);
+    auto* roll = new RollGroup(name, group.attribute(QStringLiteral("description")),
+                               parent ? parent->bodyFrame() : m_parent);
+    roll->setIndent((parent ? parent->indent() : 0) + groupIndent);
     roll->unfold(group.attribute(QStringLiteral("defaultstate")) == QLatin1String("unfolded"));
-    parent->bodyLayout()->addWidget(roll);
+    (parent ? parent->bodyLayout() : m_top)->addWidget(roll);
     return roll;
 }
 

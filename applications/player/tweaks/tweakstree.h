@@ -42,6 +42,7 @@ public:
 private:
     void addInput(const PackageInput& input);
     RollGraph* graphRoll(const QString& graphKey);
+    // The innermost roll of a path; `graph` where the path is empty. No graph is the panel itself.
     RollBase* groupRoll(RollBase* graph, const QString& graphKey, const QString& path);
     RollBase* makeGroupRoll(RollBase* parent, const QString& name, const QString& groupKey);
 

@@ -7,11 +7,20 @@
 #include <QHash>
 #include <QVBoxLayout>
 
-#include <set>
-
 namespace Zph::Applications::Player {
 
 namespace {
+
+template<class Predicate>
+EvaluationContext makeContext(const std::map<quint32, TweakBase*>& tweaks, Predicate belongs)
+{
+    QVariantHash inputs;
+    inputs.reserve(int(tweaks.size()));
+    for (const auto& entry : tweaks)
+        if (belongs(entry.second))
+            enterInput(inputs, *entry.second, entry.second->widgetKind() == WidgetCode::Toggle);
+    return visibilityContext(inputs);
+}
 
 // The contexts of the graphs, each made when the first condition of its graph is met.
 class GraphContexts
@@ -23,21 +32,13 @@ public:
     {
         auto found = m_contexts.find(pkgurl);
         if (found == m_contexts.end())
-            found = m_contexts.insert(pkgurl, make(pkgurl));
+            found = m_contexts.insert(pkgurl, makeContext(m_tweaks, [&](const TweakBase* tweak) {
+                                          return tweak->pkgurl() == pkgurl;
+                                      }));
         return *found;
     }
 
 private:
-    EvaluationContext make(const QString& pkgurl) const
-    {
-        QVariantHash inputs;
-        inputs.reserve(int(m_tweaks.size()));
-        for (const auto& entry : m_tweaks)
-            if (entry.second->pkgurl() == pkgurl)
-                enterInput(inputs, *entry.second, entry.second->widgetKind() == WidgetCode::Toggle);
-        return visibilityContext(inputs);
-    }
-
     const std::map<quint32, TweakBase*>& m_tweaks;
     QHash<QString, EvaluationContext> m_contexts;
 };
@@ -89,12 +90,36 @@ void evaluateVisibility(const std::map<quint32, TweakBase*>& tweaks)
         RollBase* roll = *rolls.begin();
         rolls.erase(rolls.begin());
         const bool shown = updateRows(roll);
-        if (shown == !roll->isHidden())
-            continue;
+        const bool changed = shown == roll->isHidden();
+        // Said even where nothing changes: a roll that is new in a panel on screen is hidden, and would be
+        // shown by its layout.
         roll->setVisible(shown);
-        if (RollBase* parent = rollAround(roll))
+        RollBase* parent = changed ? rollAround(roll) : nullptr;
+        if (parent)
             rolls.insert(parent);
     }
+}
+
+std::set<quint32> hiddenOutputs(const QVector<PackageOutput>& outputs, const TweaksTree& tree)
+{
+    std::map<QString, EvaluationContext> contexts;
+    std::set<quint32> hidden;
+    for (const PackageOutput& output : outputs) {
+        if (output.visibleIf.isEmpty())
+            continue;
+        auto context = contexts.find(output.graphKey);
+        if (context == contexts.end())
+            context = contexts
+                          .emplace(output.graphKey, makeContext(tree.tweaks,
+                                                                [&](const TweakBase* tweak) {
+                                                                    return tree.graphOfTweak.value(tweak) ==
+                                                                           output.graphKey;
+                                                                }))
+                          .first;
+        if (!isVisible(context->second, output.visibleIf))
+            hidden.insert(output.uid);
+    }
+    return hidden;
 }
 
 } // namespace Zph::Applications::Player

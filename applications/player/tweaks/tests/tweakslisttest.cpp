@@ -134,6 +134,20 @@ TEST_F(Panel, graphsAndGroups)
     EXPECT_TRUE(a->bodyFrame()->isHidden());
 }
 
+TEST_F(Panel, groupsOfNoGraphStandInThePanelItself)
+{
+    list.build(
+        package({{1, 4, nullptr}},
+                "<p><global><guigroups><guigroup identifier='s' description='S'/></guigroups>"
+                "<inputs><input uid='1'><inputgui group='s'/></input></inputs></global><graphs/></p>"));
+    EXPECT_TRUE(list.findChildren<RollGraph*>().isEmpty());
+    const auto groups = list.findChildren<RollGroup*>();
+    ASSERT_EQ(groups.size(), 1);
+    EXPECT_EQ(groups[0]->headerFrame()->toolTip(), "S");
+    EXPECT_EQ(groups[0]->indent(), 20);
+    EXPECT_EQ(uidsInside(groups[0]->bodyLayout()), std::vector<quint32>{1});
+}
+
 TEST_F(Panel, freezeHoldsChangesInTheirOrder)
 {
     list.build(package(threeInts, ""));
@@ -264,6 +278,40 @@ TEST_F(Panel, conditionsHideRowsAndRolls)
     EXPECT_FALSE(tweak(2)->isHidden()) << "held back with the change";
     button("Freeze")->click();
     EXPECT_TRUE(tweak(2)->isHidden());
+}
+
+TEST_F(Panel, rollsWithoutAnythingToShowStayHiddenOnScreen)
+{
+    list.show();
+    list.build(package({{1, 4, nullptr}}, graph("<inputs><input uid='1' identifier='x'>"
+                                                "<inputgui visibleif='false'/></input></inputs>")));
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(rolls()[0]->isHidden());
+}
+
+TEST_F(Panel, conditionsHideOutputs)
+{
+    const QByteArray xml = graph("<inputs><input uid='1' identifier='on'/></inputs><outputs>"
+                                 "<output uid='7'><outputgui visibleif='input.on == 0'/></output>"
+                                 "<output uid='8'><outputgui visibleif='input.on == 1'/></output>"
+                                 "<output uid='9'><outputgui visibleif='input.none == 1'/></output>"
+                                 "<output uid='10'/></outputs>");
+    std::vector<VellorOutputDesc> outputs;
+    for (quint32 uid = 7; uid <= 10; ++uid) {
+        outputs.push_back({});
+        outputs.back().uid = uid;
+    }
+    int told = 0;
+    QObject::connect(&list, &TweaksList::hiddenOutputsChanged, [&] { ++told; });
+    list.build(PackageModel({{1, 4, nullptr}}, outputs, parsed(xml)));
+    EXPECT_EQ(list.hiddenOutputs(), std::set<quint32>{8});
+    told = 0;
+    change(1, 1);
+    EXPECT_EQ(list.hiddenOutputs(), std::set<quint32>{7});
+    change(1, 2);
+    EXPECT_EQ(list.hiddenOutputs(), (std::set<quint32>{7, 8}));
+    change(1, 3);
+    EXPECT_EQ(told, 2);
 }
 
 TEST_F(Panel, conditionsSeeTheirOwnGraphOnly)
