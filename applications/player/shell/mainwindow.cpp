@@ -134,6 +134,7 @@ void MainWindow::makePanels()
 void MainWindow::connectPanels()
 {
     connect(m_tweaks, &TweaksList::tweakChangedSignal, this, &MainWindow::tweakChanged);
+    connect(m_tweaks, &TweaksList::hiddenOutputsChanged, this, &MainWindow::hiddenOutputsChanged);
     connect(m_timeline, &Timeline::timeChanged, m_tweaks, &TweaksList::setTimeChanged);
     connect(m_timeline, &Timeline::timeChangeBegun, m_tweaks, &TweaksList::timeChangeBegun);
     connect(m_timeline, &Timeline::timeChangeEnded, m_tweaks, &TweaksList::timeChangeEnded);
@@ -336,8 +337,10 @@ void MainWindow::buildPackage()
         std::make_shared<const PackageModel>(records.inputs, records.outputs, m_loader.description(), origin);
     m_cache.setDescription(m_package);
     m_tweaks->build(*m_package, Static::instance().remoteMode);
-    for (ViewOutput* view : m_viewers)
+    for (ViewOutput* view : m_viewers) {
         view->setPackage(m_package);
+        view->outputsChanged(m_tweaks->hiddenOutputs());
+    }
 }
 
 void MainWindow::deleteEngine()
@@ -449,6 +452,14 @@ void MainWindow::viewOutputChanged(ORNUInt32 uid)
         generate();
 }
 
+void MainWindow::hiddenOutputsChanged()
+{
+    if (m_loadCounter != 0)
+        return; // the views still have the package of before
+    for (ViewOutput* view : m_viewers)
+        view->outputsChanged(m_tweaks->hiddenOutputs());
+}
+
 void MainWindow::errorMsg(const QString& text)
 {
     status(tr("Error: %1.").arg(text));
@@ -472,8 +483,10 @@ void MainWindow::registerViewer(ViewOutput* view)
 {
     m_viewers.push_back(view);
     connect(view, &ViewOutput::currentOutputChanged, this, &MainWindow::viewOutputChanged);
-    if (m_engine && m_package)
-        view->setPackage(m_package);
+    if (!m_engine || !m_package)
+        return;
+    view->setPackage(m_package);
+    view->outputsChanged(m_tweaks->hiddenOutputs());
 }
 
 void MainWindow::unregisterViewer(ViewOutput* view)

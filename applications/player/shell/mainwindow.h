@@ -65,6 +65,7 @@ public slots:
     void reload();
     void outputComplete(ORNUInt32 index, Zph::Applications::Player::ValueOrSurfacePlayer result);
     void viewOutputChanged(ORNUInt32 uid);
+    void hiddenOutputsChanged();
     void tweakChanged(std::vector<int> indexes);
     void errorMsg(const QString& message);
     void progressMsg(int percent);

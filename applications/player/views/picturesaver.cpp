@@ -32,15 +32,20 @@ QString suffixOfFilter(const QString& filter)
 
 void saveAs(QWidget* parent, const QSharedPointer<Orn::Surfaces::Surface>& surface)
 {
-    QString filter = ViewSettings::saveImageFilter.read();
-    QString path = QFileDialog::getSaveFileName(parent, QObject::tr("Save as bitmap"),
-                                                ViewSettings::saveImagePath.read(), filters(), &filter);
-    if (path.isEmpty())
+    // A dialog of our own: it appends the filter's suffix before it asks whether to write over a file.
+    QFileDialog dialog(parent, QObject::tr("Save as bitmap"), ViewSettings::saveImagePath.read(), filters());
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    const auto useSuffixOf = [&dialog](const QString& filter) {
+        dialog.setDefaultSuffix(suffixOfFilter(filter));
+    };
+    QObject::connect(&dialog, &QFileDialog::filterSelected, useSuffixOf);
+    dialog.selectNameFilter(ViewSettings::saveImageFilter.read());
+    useSuffixOf(dialog.selectedNameFilter());
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
         return;
-    if (QFileInfo(path).suffix().isEmpty())
-        path += '.' + suffixOfFilter(filter);
+    const QString path = dialog.selectedFiles().first();
     ViewSettings::saveImagePath.write(QFileInfo(path).absolutePath());
-    ViewSettings::saveImageFilter.write(filter);
+    ViewSettings::saveImageFilter.write(dialog.selectedNameFilter());
     if (!Orn::Image::Codec::SurfaceCodecManager::instance().saveFile(surface, path))
         QMessageBox::warning(
             parent, QObject::tr("Bitmap I/O Error"),

@@ -16,6 +16,7 @@ public:
     std::vector<quint32> currentOutputs() const override { return {}; }
     void setDisplay(const ValueOrSurfacePlayer&, quint32) override {}
     void outputComplete(const VellorOutputDesc&, const ValueOrSurfacePlayer&) override {}
+    void outputsChanged(const std::set<quint32>&) override {}
     void clearView() override;
 
 public slots:

@@ -6,6 +6,7 @@
 #include <vellor/engine.h>
 
 #include <memory>
+#include <set>
 #include <vector>
 
 namespace Zph::Applications::Player {
@@ -47,6 +48,8 @@ public:
     virtual void setDisplay(const ValueOrSurfacePlayer& display, quint32 uid) = 0;
     /// An output was computed; the view takes it if it is its current one and the view isn't frozen.
     virtual void outputComplete(const VellorOutputDesc& desc, const ValueOrSurfacePlayer& result) = 0;
+    /// Which outputs of the package the description's conditions hide now.
+    virtual void outputsChanged(const std::set<quint32>& hidden) = 0;
     /// No package any more.
     virtual void clearView() = 0;
 

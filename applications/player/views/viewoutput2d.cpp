@@ -1,11 +1,12 @@
 #include "viewoutput2d.h"
 
 #include "applications/player/description/packagemodel.h"
+#include "applications/player/views/displayimage.h"
+#include "applications/player/views/picturearea.h"
 #include "applications/player/views/picturelabel.h"
 #include "applications/player/views/picturesaver.h"
 #include "applications/player/views/valuetext.h"
 #include "applications/player/views/zoom.h"
-#include "orncommon/image/qimageconversion.h"
 #include "orncommon/image/surfaceoperations.h"
 
 #include <QApplication>
@@ -14,9 +15,6 @@
 #include <QHBoxLayout>
 #include <QLineEdit>
 #include <QMenu>
-#include <QMouseEvent>
-#include <QScrollArea>
-#include <QScrollBar>
 #include <QSignalBlocker>
 #include <QSplitter>
 #include <QTabBar>
@@ -24,33 +22,14 @@
 #include <QToolTip>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <cmath>
 
 namespace Zph::Applications::Player {
 
 namespace {
 
-/// The 8-bit form of a surface for display. Where the surface is such already its pixels are used in place;
-/// the image keeps the surface alive.
-QImage displayImage(const QSharedPointer<Orn::Surfaces::Surface>& surface)
-{
-    using namespace Orn::Surfaces;
-    if (!surface || surface->isEmpty())
-        return {};
-    const SurfaceDescription& description = surface->description();
-    QImage::Format format = QImage::Format_Invalid;
-    if (description.format == RGBA8)
-        format = QImage::Format_RGBA8888;
-    else if (description.format == L8)
-        format = QImage::Format_Grayscale8;
-    if (format == QImage::Format_Invalid)
-        return Orn::Image::Core::surfaceToQImage(surface);
-    auto* keeper = new QSharedPointer<Surface>(surface);
-    return QImage(
-        static_cast<const uchar*>(surface->data()), int(description.width), int(description.height),
-        int(description.pitch), format,
-        [](void* kept) { delete static_cast<QSharedPointer<Surface>*>(kept); }, keeper);
-}
+constexpr int kViewsToClose = 3; // with fewer a view stays
 
 } // namespace
 
@@ -89,19 +68,7 @@ void ViewOutput2D::makeToolbar()
     m_outputTabs->setElideMode(Qt::ElideNone); // the tabs scroll: cut names say nothing
     m_outputTabs->setAccessibleName(tr("Outputs"));
 
-    m_zoomCombo = new QComboBox(m_toolbar);
-    m_zoomCombo->setMinimumWidth(40);
-    m_zoomCombo->setEditable(true);
-    m_zoomCombo->setInsertPolicy(QComboBox::NoInsert);
-    m_zoomCombo->setSizeAdjustPolicy(QComboBox::AdjustToContentsOnFirstShow);
-    m_zoomCombo->setAccessibleName(tr("Zoom"));
-    m_zoomCombo->setToolTip(tr("Zoom. Shortcut: [Ctrl+Wheel]."));
-    m_zoomCombo->addItem(tr("1:1"), 0);
-    m_zoomCombo->addItem(tr("Fit."), Zoom::kFit);
-    m_zoomCombo->insertSeparator(m_zoomCombo->count());
-    for (int exponent = Zoom::kFirstExponent; exponent <= Zoom::kLastExponent; ++exponent)
-        m_zoomCombo->addItem(Zoom::text(Zoom::factorOfItem(exponent)), exponent);
-
+    makeZoomCombo();
     auto* viewButton = new QToolButton(m_toolbar);
     viewButton->setText(tr("View"));
     viewButton->setIcon(QIcon(":/zph/applications/player/images/viewopt.svg"));
@@ -118,22 +85,38 @@ void ViewOutput2D::makeToolbar()
     connect(m_graphCombo, QOverload<int>::of(&QComboBox::currentIndexChanged), this,
             &ViewOutput2D::onGraphChanged);
     connect(m_outputTabs, &QTabBar::currentChanged, this, &ViewOutput2D::outputChanged);
-    connect(m_zoomCombo, QOverload<int>::of(&QComboBox::activated), this, &ViewOutput2D::zoomChanged);
-    connect(m_zoomCombo->lineEdit(), &QLineEdit::editingFinished, this, &ViewOutput2D::zoomEdit);
     connect(viewButton, &QToolButton::clicked, this, &ViewOutput2D::showMenuFromButton);
     viewButton->setObjectName("viewButton");
+}
+
+void ViewOutput2D::makeZoomCombo()
+{
+    m_zoomCombo = new QComboBox(m_toolbar);
+    m_zoomCombo->setMinimumWidth(40);
+    m_zoomCombo->setEditable(true);
+    m_zoomCombo->setInsertPolicy(QComboBox::NoInsert);
+    m_zoomCombo->setSizeAdjustPolicy(QComboBox::AdjustToContentsOnFirstShow);
+    m_zoomCombo->setAccessibleName(tr("Zoom"));
+    m_zoomCombo->setToolTip(tr("Zoom. Shortcut: [Ctrl+Wheel]."));
+    m_zoomCombo->addItem(tr("1:1"), 0);
+    m_zoomCombo->addItem(tr("Fit."), Zoom::kFit);
+    m_zoomCombo->insertSeparator(m_zoomCombo->count());
+    for (int exponent = Zoom::kFirstExponent; exponent <= Zoom::kLastExponent; ++exponent)
+        m_zoomCombo->addItem(Zoom::text(Zoom::factorOfItem(exponent)), exponent);
+    m_zoomText = m_zoomCombo->currentText();
+    connect(m_zoomCombo, QOverload<int>::of(&QComboBox::activated), this, &ViewOutput2D::zoomChanged);
+    connect(m_zoomCombo->lineEdit(), &QLineEdit::editingFinished, this, &ViewOutput2D::zoomEdit);
 }
 
 void ViewOutput2D::makePictureArea()
 {
     m_imageLabel = new PictureLabel;
     m_imageLabel->setAccessibleName(tr("Output"));
-    m_scrollArea = new QScrollArea(this);
+    m_scrollArea = new PictureArea(this);
     m_scrollArea->setAlignment(Qt::AlignCenter);
     m_scrollArea->setFrameShape(QFrame::NoFrame);
     m_scrollArea->setWidget(m_imageLabel);
-    m_scrollArea->viewport()->installEventFilter(this);
-    m_imageLabel->installEventFilter(this);
+    connect(m_scrollArea, &PictureArea::zoomAsked, this, &ViewOutput2D::zoomByWheel);
     connect(m_imageLabel, &PictureLabel::pointPicked, this, &ViewOutput2D::pickColor);
 
     m_outputInfoLabel = new QLabel(this);
@@ -156,14 +139,22 @@ void ViewOutput2D::makeMenu()
     addToggle(tr("Freeze view"), false, &ViewOutput2D::toggleFreeze)
         ->setIcon(QIcon(":/zph/applications/player/images/locker.svg"));
     addToggle(tr("HQ zoom"), false, &ViewOutput2D::toggleHQ);
-    m_viewMenu->addAction(tr("Save as bitmap..."), this, &ViewOutput2D::saveImage);
-    m_viewMenu->addAction(tr("Copy to clipboard"), this, &ViewOutput2D::copyToClipboard);
+    m_saveAction = m_viewMenu->addAction(tr("Save as bitmap..."), this, &ViewOutput2D::saveImage);
+    m_copyAction = m_viewMenu->addAction(tr("Copy to clipboard"), this, &ViewOutput2D::copyToClipboard);
     m_viewMenu->addAction(tr("Split vertically"), this, &ViewOutput2D::splitVert);
     m_viewMenu->addAction(tr("Split horizontally"), this, &ViewOutput2D::splitHorz);
-    m_viewMenu->addAction(QIcon(":/zph/applications/player/images/viewclose.svg"), tr("Close view"), this,
-                          &ViewOutput2D::closeView);
+    m_closeAction = m_viewMenu->addAction(QIcon(":/zph/applications/player/images/viewclose.svg"),
+                                          tr("Close view"), this, &ViewOutput2D::closeView);
+    connect(m_viewMenu, &QMenu::aboutToShow, this, &ViewOutput2D::updateMenu);
     m_scrollArea->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(m_scrollArea, &QWidget::customContextMenuRequested, this, &ViewOutput2D::showMenu);
+}
+
+void ViewOutput2D::updateMenu()
+{
+    m_saveAction->setEnabled(m_display.isSurface());
+    m_copyAction->setEnabled(m_display.isSurface());
+    m_closeAction->setEnabled(host().viewerCount() >= kViewsToClose);
 }
 
 void ViewOutput2D::showMenu(const QPoint& position)
@@ -179,23 +170,21 @@ void ViewOutput2D::showMenuFromButton()
 
 void ViewOutput2D::setPackage(std::shared_ptr<const PackageModel> package)
 {
+    const QSignalBlocker comboBlocker(m_graphCombo);
+    clearContent();
     m_package = std::move(package);
-    m_outputs.clear();
-    const QSignalBlocker comboBlocker(m_graphCombo), tabsBlocker(m_outputTabs);
-    m_graphCombo->clear();
     for (const PackageGraph& graph : m_package->graphs()) {
         const QVector<PackageOutput> outputs = m_package->outputsOfGraph(graph.key);
         if (outputs.isEmpty())
             continue;
         m_graphCombo->addItem(graph.label.isEmpty() ? tr("(no graph)") : graph.label, graph.key);
         for (const PackageOutput& output : outputs)
-            m_outputs[output.uid] = {output.label, output.listText, output.description,
-                                     {},           output.boolean,  true};
+            m_outputs[output.uid] = {output.label, output.listText, output.description, output.boolean, true};
     }
     const int remembered = m_graphCombo->findText(m_graphName);
     m_graphCombo->setCurrentIndex(remembered >= 0 ? remembered : 0);
     setEnabled(true);
-    m_display = {};
+    redisplay();
     onGraphChanged(m_graphCombo->currentIndex());
 }
 
@@ -205,18 +194,23 @@ void ViewOutput2D::onGraphChanged(int index)
         return;
     m_graphName = m_graphCombo->itemText(index);
     rebuildTabs(bestDefaultOutput(m_graphCombo->itemData(index).toString()));
+    outputChanged(m_outputTabs->currentIndex());
 }
 
 quint32 ViewOutput2D::bestDefaultOutput(const QString& graphKey) const
 {
     // A reload comes back to the same output; otherwise the colour of the material says most about it.
     static const char* const byWorth[] = {"basecolor", "diffuse", "albedo", "color"};
-    const QVector<PackageOutput> outputs = m_package->outputsOfGraph(graphKey);
-    for (const PackageOutput& output : outputs)
+    QVector<PackageOutput> outputs = m_package->outputsOfGraph(graphKey);
+    outputs.erase(
+        std::remove_if(outputs.begin(), outputs.end(),
+                       [this](const PackageOutput& output) { return !m_outputs.at(output.uid).shown; }),
+        outputs.end());
+    for (const PackageOutput& output : qAsConst(outputs))
         if (!m_outputName.isEmpty() && output.label == m_outputName)
             return output.uid;
     for (const char* usage : byWorth)
-        for (const PackageOutput& output : outputs)
+        for (const PackageOutput& output : qAsConst(outputs))
             if (output.usages.contains(QLatin1String(usage), Qt::CaseInsensitive))
                 return output.uid;
     return outputs.isEmpty() ? 0 : outputs.first().uid;
@@ -224,23 +218,28 @@ quint32 ViewOutput2D::bestDefaultOutput(const QString& graphKey) const
 
 void ViewOutput2D::rebuildTabs(quint32 preferred)
 {
-    const QString graphKey = m_graphCombo->currentData().toString();
-    {
-        const QSignalBlocker blocker(m_outputTabs);
-        while (m_outputTabs->count() > 0)
-            m_outputTabs->removeTab(m_outputTabs->count() - 1);
-        for (const PackageOutput& output : m_package->outputsOfGraph(graphKey)) {
-            const OutputRecord& record = m_outputs.at(output.uid);
-            if (!record.shown)
-                continue;
-            const int tab = m_outputTabs->addTab(record.tabLabel);
-            m_outputTabs->setTabData(tab, output.uid);
-            m_outputTabs->setTabToolTip(tab, record.toolTip);
-            if (output.uid == preferred)
-                m_outputTabs->setCurrentIndex(tab);
-        }
+    const QSignalBlocker blocker(m_outputTabs);
+    while (m_outputTabs->count() > 0)
+        m_outputTabs->removeTab(m_outputTabs->count() - 1);
+    for (const PackageOutput& output : m_package->outputsOfGraph(m_graphCombo->currentData().toString())) {
+        const OutputRecord& record = m_outputs.at(output.uid);
+        if (!record.shown)
+            continue;
+        const int tab = m_outputTabs->addTab(record.tabLabel);
+        m_outputTabs->setTabData(tab, output.uid);
+        m_outputTabs->setTabToolTip(tab, record.toolTip);
+        if (output.uid == preferred)
+            m_outputTabs->setCurrentIndex(tab);
     }
-    outputChanged(m_outputTabs->currentIndex());
+}
+
+void ViewOutput2D::outputsChanged(const std::set<quint32>& hidden)
+{
+    std::vector<quint32> uids;
+    for (const auto& entry : m_outputs)
+        uids.push_back(entry.first);
+    for (const quint32 uid : uids)
+        setOutputShown(uid, hidden.count(uid) == 0);
 }
 
 void ViewOutput2D::setOutputShown(quint32 uid, bool shown)
@@ -249,7 +248,17 @@ void ViewOutput2D::setOutputShown(quint32 uid, bool shown)
     if (found == m_outputs.end() || found->second.shown == shown)
         return;
     found->second.shown = shown;
-    rebuildTabs(currentUid());
+    const bool hadTab = m_outputTabs->currentIndex() >= 0;
+    const quint32 before = currentUid();
+    const bool stays = hadTab && (shown || uid != before);
+    rebuildTabs(stays ? before : bestDefaultOutput(m_graphCombo->currentData().toString()));
+    if (stays)
+        return;
+    if (m_outputTabs->currentIndex() < 0) {
+        m_outputInfoLabel->clear();
+        setDisplay({}, 0);
+    }
+    outputChanged(m_outputTabs->currentIndex());
 }
 
 quint32 ViewOutput2D::currentUid() const
@@ -290,7 +299,7 @@ void ViewOutput2D::outputComplete(const VellorOutputDesc& desc, const ValueOrSur
 void ViewOutput2D::setDisplay(const ValueOrSurfacePlayer& display, quint32 uid)
 {
     m_display = display;
-    m_outputs[uid].lastValue = display;
+    m_displayUid = uid;
     redisplay();
 }
 
@@ -301,14 +310,15 @@ void ViewOutput2D::redisplay()
     else if (m_display.isValue())
         showNumbers();
     else {
-        m_imageLabel->setMessage(isFrozen() ? tr("Frozen.") : !m_package ? QString() : tr("Computing..."));
+        const bool isAwaited = m_outputTabs->currentIndex() >= 0;
+        m_imageLabel->setMessage(isFrozen() ? tr("Frozen.") : isAwaited ? tr("Computing...") : QString());
         m_imageLabel->resize(m_scrollArea->viewport()->size());
     }
 }
 
 void ViewOutput2D::showNumbers()
 {
-    const auto found = m_outputs.find(currentUid());
+    const auto found = m_outputs.find(m_displayUid);
     const bool isBoolean = found != m_outputs.end() && found->second.isBoolean;
     m_imageLabel->setMessage(valueText(*m_display.value(), isBoolean), 18);
     m_imageLabel->resize(128, 128);
@@ -320,17 +330,12 @@ void ViewOutput2D::showPicture()
     if (picture.isNull())
         return;
     if (m_fits)
-        m_zoomFactor = float(Zoom::fitFactor(picture.size(), m_scrollArea->viewport()->size()));
+        m_zoomFactor = float(Zoom::fitFactor(picture.size(), m_scrollArea->maximumViewportSize()));
     const QSize size = Zoom::scaled(picture.size(), m_zoomFactor);
-    // Shrinking first and dropping alpha then is the same picture, and touches far fewer pixels.
-    const bool isShrunk = size.width() < picture.width() && size.height() < picture.height();
-    if (isShrunk)
-        picture = picture.scaled(size, Qt::KeepAspectRatio,
-                                 m_hqZoom ? Qt::SmoothTransformation : Qt::FastTransformation);
+    // Ahead of any scaling, which weighs colours by alpha.
     if (m_hideAlpha && picture.hasAlphaChannel())
         picture = picture.convertToFormat(QImage::Format_RGB32);
-    m_imageLabel->setPicture(picture, isShrunk ? picture.size() : size, m_hqZoom,
-                             isFrozen() ? tr("Frozen.") : QString());
+    m_imageLabel->setPicture(picture, size, m_hqZoom, isFrozen() ? tr("Frozen.") : QString());
 }
 
 void ViewOutput2D::toggleAlpha(bool displayed)
@@ -356,27 +361,38 @@ void ViewOutput2D::toggleFreeze(bool frozen)
 void ViewOutput2D::zoomChanged(int index)
 {
     const int data = m_zoomCombo->itemData(index).toInt();
-    m_fits = data >= Zoom::kFit;
-    if (!m_fits)
+    const bool fits = data >= Zoom::kFit;
+    if (fits && !m_display.isSurface()) {
+        m_zoomCombo->setEditText(m_zoomText);
+        return;
+    }
+    m_fits = fits;
+    if (!fits)
         m_zoomFactor = float(Zoom::factorOfItem(data));
+    m_zoomText = m_zoomCombo->itemText(index);
     redisplay();
 }
 
 void ViewOutput2D::zoomEdit()
 {
-    if (m_zoomCombo->findText(m_zoomCombo->currentText()) >= 0)
-        return; // one of the items, chosen by zoomChanged
-    if (const auto factor = Zoom::parse(m_zoomCombo->currentText()))
+    const QString typed = m_zoomCombo->currentText();
+    if (typed == m_zoomText)
+        return;
+    const int item = m_zoomCombo->findText(typed);
+    if (item >= 0)
+        zoomChanged(item);
+    else if (const auto factor = Zoom::parse(typed))
         setZoom(*factor);
     else
-        m_zoomCombo->setEditText(m_fits ? tr("Fit.") : Zoom::text(m_zoomFactor));
+        m_zoomCombo->setEditText(m_zoomText);
 }
 
 void ViewOutput2D::setZoom(double factor)
 {
     m_fits = false;
     m_zoomFactor = float(factor);
-    m_zoomCombo->setEditText(Zoom::text(factor));
+    m_zoomText = Zoom::text(factor);
+    m_zoomCombo->setEditText(m_zoomText);
     redisplay();
 }
 
@@ -389,42 +405,7 @@ void ViewOutput2D::zoomByWheel(int steps, const QPoint& anchor)
     setZoom(qBound(0.01, old * std::pow(2.0, 0.25 * steps), 20.0));
     // The pixel under the pointer stays there.
     const QPointF shift = before * (m_zoomFactor / old) - before;
-    m_scrollArea->horizontalScrollBar()->setValue(m_scrollArea->horizontalScrollBar()->value() +
-                                                  qRound(shift.x()));
-    m_scrollArea->verticalScrollBar()->setValue(m_scrollArea->verticalScrollBar()->value() +
-                                                qRound(shift.y()));
-}
-
-void ViewOutput2D::panTo(const QPoint& position)
-{
-    const QPoint origin = m_panOrigin - (position - m_panStart);
-    m_scrollArea->horizontalScrollBar()->setValue(origin.x());
-    m_scrollArea->verticalScrollBar()->setValue(origin.y());
-}
-
-bool ViewOutput2D::eventFilter(QObject* watched, QEvent* event)
-{
-    if (event->type() == QEvent::Wheel) {
-        auto* wheel = static_cast<QWheelEvent*>(event);
-        if (wheel->modifiers() & Qt::ControlModifier) {
-            const QPoint anchor = m_scrollArea->viewport()->mapFromGlobal(wheel->globalPosition().toPoint());
-            zoomByWheel(wheel->angleDelta().y() / 120, anchor);
-            return true;
-        }
-    } else if (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseMove) {
-        auto* mouse = static_cast<QMouseEvent*>(event);
-        if (event->type() == QEvent::MouseButtonPress && mouse->button() == Qt::MiddleButton) {
-            m_panStart = mouse->globalPos();
-            m_panOrigin = {m_scrollArea->horizontalScrollBar()->value(),
-                           m_scrollArea->verticalScrollBar()->value()};
-            return true;
-        }
-        if (mouse->buttons() & Qt::MiddleButton) {
-            panTo(mouse->globalPos());
-            return true;
-        }
-    }
-    return ViewOutput::eventFilter(watched, event);
+    m_scrollArea->scrollBy(QPoint(qRound(shift.x()), qRound(shift.y())));
 }
 
 void ViewOutput2D::resizeEvent(QResizeEvent* event)
@@ -503,13 +484,28 @@ void ViewOutput2D::split(Qt::Orientation orientation)
 
 void ViewOutput2D::closeView()
 {
-    if (host().viewerCount() < 3)
+    if (host().viewerCount() < kViewsToClose)
         return;
     host().unregisterViewer(this);
     close();
+    // A nested splitter goes with its last view, or it would hold an empty place.
+    auto* splitter = qobject_cast<QSplitter*>(parentWidget());
+    while (splitter && splitter->count() == 1) {
+        auto* outer = qobject_cast<QSplitter*>(splitter->parentWidget());
+        if (outer)
+            splitter->deleteLater();
+        splitter = outer;
+    }
 }
 
 void ViewOutput2D::clearView()
+{
+    clearContent();
+    setEnabled(false);
+    redisplay();
+}
+
+void ViewOutput2D::clearContent()
 {
     const QSignalBlocker comboBlocker(m_graphCombo), tabsBlocker(m_outputTabs);
     m_display = {};
@@ -519,8 +515,6 @@ void ViewOutput2D::clearView()
     while (m_outputTabs->count() > 0)
         m_outputTabs->removeTab(m_outputTabs->count() - 1);
     m_outputInfoLabel->clear();
-    setEnabled(false);
-    redisplay();
 }
 
 } // namespace Zph::Applications::Player

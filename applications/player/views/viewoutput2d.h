@@ -10,11 +10,11 @@ class QFrame;
 class QHBoxLayout;
 class QLabel;
 class QMenu;
-class QScrollArea;
 class QTabBar;
 
 namespace Zph::Applications::Player {
 
+class PictureArea;
 class PictureLabel;
 
 /// Shows one output of the current graph: a picture at a zoom, or the numbers of a numeric output as text.
@@ -29,6 +29,7 @@ public:
     std::vector<quint32> currentOutputs() const override;
     void setDisplay(const ValueOrSurfacePlayer& display, quint32 uid) override;
     void outputComplete(const VellorOutputDesc& desc, const ValueOrSurfacePlayer& result) override;
+    void outputsChanged(const std::set<quint32>& hidden) override;
     void clearView() override;
 
     /// Shows or hides the tab of an output.
@@ -53,22 +54,23 @@ public slots:
     void copyToClipboard();
 
 protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
 private:
     struct OutputRecord
     {
         QString tabLabel, text, toolTip;
-        ValueOrSurfacePlayer lastValue;
         bool isBoolean = false;
         bool shown = true;
     };
 
     void makeToolbar();
+    void makeZoomCombo();
     void makeMenu();
     void makePictureArea();
+    void updateMenu();
     void split(Qt::Orientation orientation);
+    void clearContent();
     void rebuildTabs(quint32 preferred);
     quint32 bestDefaultOutput(const QString& graphKey) const;
     quint32 currentUid() const;
@@ -77,7 +79,6 @@ private:
     void showNumbers();
     void setZoom(double factor);
     void zoomByWheel(int steps, const QPoint& anchor);
-    void panTo(const QPoint& position);
 
     QFrame* m_toolbar = nullptr;
     QHBoxLayout* m_toolbarLayout = nullptr;
@@ -87,19 +88,23 @@ private:
     QLabel* m_outputInfoLabel = nullptr;
     QComboBox* m_zoomCombo = nullptr;
     QMenu* m_viewMenu = nullptr;
-    QScrollArea* m_scrollArea = nullptr;
+    QAction* m_saveAction = nullptr;
+    QAction* m_copyAction = nullptr;
+    QAction* m_closeAction = nullptr;
+    PictureArea* m_scrollArea = nullptr;
     PictureLabel* m_imageLabel = nullptr;
 
     bool m_hqZoom = false;
     bool m_hideAlpha = false;
     bool m_fits = false; // the zoom follows the size of the view
     float m_zoomFactor = 1.0f;
+    QString m_zoomText; // of the zoom in force
     ValueOrSurfacePlayer m_display;
+    quint32 m_displayUid = 0; // whose result that is
     std::shared_ptr<const PackageModel> m_package;
     std::map<quint32, OutputRecord> m_outputs;
     QString m_graphName;
     QString m_outputName; // label of the tab last chosen, so that a reload comes back to it
-    QPoint m_panStart, m_panOrigin;
 };
 
 } // namespace Zph::Applications::Player

@@ -1,14 +1,20 @@
+#include "applications/player/description/descriptionfile.h"
+#include "applications/player/description/packagemodel.h"
 #include "applications/player/views/picturelabel.h"
 #include "applications/player/views/picturesaver.h"
 #include "applications/player/views/valuetext.h"
 #include "applications/player/views/viewoutput2d.h"
 #include "applications/player/views/zoom.h"
+#include "orncommon/surfaces/operations.h"
 
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QComboBox>
 #include <QPainter>
+#include <QPointer>
 #include <QSplitter>
+#include <QTabBar>
 
 #include <algorithm>
 
@@ -124,6 +130,101 @@ TEST(ViewOutput2D, ZoomFreezeAndEmptyStates)
     view.clearView();
     view.zoomChanged(1); // fit with nothing to fit changes nothing
     EXPECT_FLOAT_EQ(view.zoomFactor(), 0.5f);
+    view.setDisplay(ValueOrSurfacePlayer(picture(64, 32)), 7);
+    EXPECT_EQ(label->size(), QSize(32, 16));
+}
+
+TEST(ViewOutput2D, TypedZoom)
+{
+    FakeHost host;
+    ViewOutput2D view(host);
+    QComboBox* combo = nullptr;
+    for (QComboBox* candidate : view.findChildren<QComboBox*>())
+        if (candidate->isEditable())
+            combo = candidate;
+    ASSERT_NE(combo, nullptr);
+    struct Row
+    {
+        const char* typed;
+        float factor;
+        const char* shown;
+    };
+    const Row rows[] = {{"0", 0.01f, "1%"},     {"5000", 20.0f, "2000%"}, {"12%", 0.125f, "12%"},
+                        {"33 %", 0.33f, "33%"}, {"broad", 0.33f, "33%"},  {"12%", 0.125f, "12%"},
+                        {"50%", 0.5f, "50%"},   {"Fit.", 0.5f, "50%"},    {"1:1", 1.0f, "1:1"}};
+    for (const Row& row : rows) {
+        combo->setEditText(row.typed);
+        view.zoomEdit();
+        view.zoomEdit(); // the focus goes, too
+        EXPECT_FLOAT_EQ(view.zoomFactor(), row.factor) << row.typed;
+        EXPECT_EQ(combo->currentText().toStdString(), row.shown) << row.typed;
+    }
+}
+
+TEST(ViewOutput2D, ColoursUnderNoAlphaShowWhenItIsNotDisplayed)
+{
+    using namespace Orn::Surfaces;
+    auto surface = QSharedPointer<Surface>::create(SurfaceDescription(64, 64, RGBA8));
+    fill(*surface, 1.0f, 0.0f, 0.0f, 0.0f);
+    FakeHost host;
+    ViewOutput2D view(host);
+    view.setDisplay(ValueOrSurfacePlayer(surface), 7);
+    view.zoomChanged(4); // 25%
+    view.toggleAlpha(false);
+    for (const bool smooth : {false, true}) {
+        view.toggleHQ(smooth);
+        const QImage shown = view.findChild<PictureLabel*>()->grab().toImage();
+        EXPECT_EQ(QColor(shown.pixel(8, 8)), QColor(255, 0, 0)) << smooth;
+    }
+}
+
+std::shared_ptr<const PackageModel> packageOf(const std::vector<quint32>& uids)
+{
+    std::vector<VellorOutputDesc> outputs;
+    QByteArray xml = "<p><graphs><graph pkgurl='g' label='G'><outputs>";
+    for (const quint32 uid : uids) {
+        VellorOutputDesc output = {};
+        output.uid = uid;
+        outputs.push_back(output);
+        xml += "<output uid='" + QByteArray::number(uid) + "' identifier='o" + QByteArray::number(uid) +
+               (uid == 2 ? "' usage='baseColor'/>" : "'/>");
+    }
+    QDomDocument document;
+    EXPECT_TRUE(parseDescription(xml + "</outputs></graph></graphs></p>", document));
+    return std::make_shared<const PackageModel>(std::vector<VellorInputDesc>(), outputs, document);
+}
+
+TEST(ViewOutput2D, TabsOfThePackageAndOfItsConditions)
+{
+    FakeHost host;
+    ViewOutput2D view(host);
+    std::vector<quint32> asked;
+    QObject::connect(&view, &ViewOutput::currentOutputChanged, [&](ORNUInt32 uid) { asked.push_back(uid); });
+    const auto* tabs = view.findChild<QTabBar*>("outputTabs");
+    const auto* label = view.findChild<PictureLabel*>();
+    view.setPackage(packageOf({1, 2, 3}));
+    EXPECT_EQ(view.currentOutputs(), std::vector<quint32>{2}) << "the colour of the material";
+    EXPECT_EQ(label->text().toStdString(), "Computing...");
+    view.outputsChanged({1});
+    EXPECT_EQ(tabs->count(), 2);
+    EXPECT_EQ(asked, std::vector<quint32>{2}) << "the one shown stays and isn't asked for anew";
+    view.outputsChanged({2});
+    EXPECT_EQ(tabs->count(), 2);
+    EXPECT_EQ(asked, (std::vector<quint32>{2, 1}));
+    view.outputsChanged({1, 2, 3});
+    EXPECT_TRUE(view.currentOutputs().empty());
+    EXPECT_EQ(label->text().toStdString(), "");
+    view.outputsChanged({1});
+    EXPECT_EQ(asked.back(), 2u);
+
+    view.setPackage(packageOf({1, 3}));
+    view.outputChanged(1);
+    view.setPackage(packageOf({3, 1, 2}));
+    EXPECT_EQ(view.currentOutputs(), std::vector<quint32>{3}) << "a reload comes back to the output";
+    view.setPackage(packageOf({}));
+    EXPECT_EQ(tabs->count(), 0);
+    view.clearView();
+    EXPECT_FALSE(view.isEnabled());
 }
 
 TEST(ViewOutput2D, SplitsAndClosesDownToTheLastTwo)
@@ -148,8 +249,18 @@ TEST(ViewOutput2D, SplitsAndClosesDownToTheLastTwo)
     EXPECT_EQ(nested->count(), 2);
     EXPECT_EQ(host.viewerCount(), 3);
 
+    const QPointer<QSplitter> inner = const_cast<QSplitter*>(nested);
     first->closeView();
     EXPECT_EQ(host.viewerCount(), 2);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    ASSERT_TRUE(inner) << "it still holds a view";
+    auto* added = new ViewOutput2D(host);
+    splitter.addWidget(added);
+    host.registerViewer(added);
+    inner->findChild<ViewOutput2D*>()->closeView();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_FALSE(inner) << "no empty place is left";
+    EXPECT_EQ(splitter.count(), 2);
     host.views.front()->closeView();
     EXPECT_EQ(host.viewerCount(), 2);
 }
