@@ -10,6 +10,8 @@ namespace {
 
 /// Parked blocks take at most this many budgets of the host's disk.
 constexpr std::uint64_t kParkedBudgets = 4;
+/// Superseded results take at most one of so many parts of the budget.
+constexpr std::uint64_t kSupersededPart = 8;
 
 Key contentOf(const Image& image)
 {
@@ -55,14 +57,42 @@ std::shared_ptr<Image> ImageStore::make(int width, int height, int channels)
     return image;
 }
 
-void ImageStore::put(const Key& key, std::shared_ptr<const Image> image)
+void ImageStore::put(const Key& key, std::shared_ptr<const Image> image, int origin)
 {
     Entry& entry = entries_[key];
+    entry.origin = origin;
     entry.width = image->width();
     entry.height = image->height();
     entry.channels = image->channels();
     entry.image = std::move(image);
     entry.lastUse = ++clock_;
+}
+
+void ImageStore::beginGeneration()
+{
+    forgetSuperseded();
+    ++generation_;
+    lastGeneration_ = clock_;
+}
+
+void ImageStore::forgetSuperseded()
+{
+    std::unordered_map<int, std::uint64_t> newest; // by origin
+    for (const auto& [key, entry] : entries_)
+        newest[entry.origin] = std::max(newest[entry.origin], entry.lastUse);
+    std::vector<std::pair<std::uint64_t, Key>> superseded;
+    for (const auto& [key, entry] : entries_)
+        if (entry.origin >= 0 && entry.lastUse < newest[entry.origin] && entry.lastUse <= lastGeneration_)
+            superseded.emplace_back(entry.lastUse, key);
+    std::sort(superseded.begin(), superseded.end(),
+              [](const auto& a, const auto& b) { return a.first > b.first; });
+    std::uint64_t bytes = 0;
+    for (const auto& candidate : superseded) {
+        const auto found = entries_.find(candidate.second);
+        bytes += Image::byteSize(found->second.width, found->second.height, found->second.channels);
+        if (bytes > budget_ / kSupersededPart)
+            drop(found);
+    }
 }
 
 void ImageStore::need(const Key& key, int uses)
@@ -180,7 +210,7 @@ void ImageStore::takeFrom(ImageStore& other)
         if (!entry.image || holds(key))
             continue;
         entry.image->charge(live_);
-        put(key, std::move(entry.image));
+        put(key, std::move(entry.image), entry.origin);
     }
     other.clear();
     makeRoom(0);

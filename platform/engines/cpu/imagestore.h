@@ -2,6 +2,11 @@
 
 // The results that a handle keeps, by key.
 //
+// A result is superseded when its node has a newer one: the values that it was made with are gone. Somebody
+// may go back to them, so superseded results are kept, but no more than a share of the budget of them. Beyond
+// that the oldest are forgotten ahead of each generation, and the next results take their memory over: a
+// slider that is dragged goes round in the same memory instead of touching all of the budget.
+//
 // Pictures in memory, kept or just being worked on, stay within the budget as long as something can give way.
 // What gives way, in this order: results of former generations, the ones used longest ago first; results just
 // upstream of inputs that the host hinted; results that the running generation will read again. They are
@@ -37,10 +42,11 @@ public:
     std::shared_ptr<const Image> get(const Key& key);
     /// A picture to write to, after making room for it. Throws std::bad_alloc.
     std::shared_ptr<Image> make(int width, int height, int channels);
-    void put(const Key& key, std::shared_ptr<const Image> image);
+    /// `origin` is the number of the node that made it; negative: of none that could make another.
+    void put(const Key& key, std::shared_ptr<const Image> image, int origin = -1);
 
-    /// Forgets the marks that the next two functions set.
-    void beginGeneration() { ++generation_; }
+    /// Forgets the marks that the next functions set, and superseded results beyond their share.
+    void beginGeneration();
     /// The running generation will read the result `uses` times more, each of which ends with used().
     void need(const Key& key, int uses);
     void used(const Key& key);
@@ -59,6 +65,7 @@ private:
     {
         std::shared_ptr<const Image> image; // null: parked only
         int width = 0, height = 0, channels = 0;
+        int origin = -1;
         std::uint64_t lastUse = 0;
         std::uint64_t neededIn = 0, hintedIn = 0; // generations
         int uses = 0;
@@ -68,6 +75,7 @@ private:
     using Entries = std::unordered_map<Key, Entry, KeyHash>;
 
     int rank(const Entry& entry) const;
+    void forgetSuperseded();
     void makeRoom(std::uint64_t bytes);
     bool evict(Entries::iterator entry);
     bool park(Entry& entry);
@@ -80,6 +88,7 @@ private:
     Entries entries_;
     Account live_;
     std::uint64_t budget_ = 0, parkedBytes_ = 0, clock_ = 0, generation_ = 1;
+    std::uint64_t lastGeneration_ = 0; // the clock when it began
 };
 
 } // namespace vellor::cpu

@@ -19,6 +19,7 @@ constexpr int kNoNode = -1;
 struct PlanNode
 {
     const nodes::NodeDeclaration* kind = nullptr;
+    int origin = kNoNode;                    // node of the package; kNoNode for one of the engine's own
     int width = 1, height = 1, channels = 1; // of the result
     std::int32_t seed = 0;
     std::vector<nodes::ParameterValue> parameters; // by the kind's declaration

@@ -178,7 +178,6 @@ void Planner::addPictures(const std::vector<bool>& needed, const PictureSource& 
         size = {std::max(size.width, sizes_[node].width), std::max(size.height, sizes_[node].height)};
     }
     pictures_.clear();
-    origin_.clear();
     for (const auto& [input, size] : wanted) {
         std::shared_ptr<const HostImage> image = pictures(input, size.width, size.height);
         if (!image)
@@ -194,7 +193,6 @@ void Planner::addPictures(const std::vector<bool>& needed, const PictureSource& 
         planned.source = std::move(image);
         pictures_[input] = static_cast<int>(plan_.nodes.size());
         plan_.nodes.push_back(std::move(planned));
-        origin_.push_back(kNoNode);
     }
 }
 
@@ -203,6 +201,7 @@ void Planner::addNode(int node)
     const program::Node& source = package_.program().nodes[node];
     PlanNode planned;
     planned.kind = &package_.kind(node);
+    planned.origin = node;
     planned.width = sizes_[node].width;
     planned.height = sizes_[node].height;
     planned.channels = source.channels;
@@ -216,7 +215,6 @@ void Planner::addNode(int node)
     planned.key = keyOf(node, planned);
     planned_[node] = static_cast<int>(plan_.nodes.size());
     plan_.nodes.push_back(std::move(planned));
-    origin_.push_back(node);
 }
 
 void Planner::addParameters(int node, PlanNode& planned)
@@ -288,7 +286,6 @@ int Planner::resampled(int planNode, int width, int height)
     hasher.add(std::uint64_t(width) << 32 | std::uint64_t(height));
     planned.key = hasher.key();
     plan_.nodes.push_back(std::move(planned));
-    origin_.push_back(kNoNode);
     return found->second;
 }
 
@@ -360,7 +357,7 @@ void Planner::markKept(const PlanRequest& request)
     std::vector<bool> touched(plan_.nodes.size(), false);
     for (std::size_t i = 0; i < plan_.nodes.size(); ++i) {
         const PlanNode& node = plan_.nodes[i];
-        touched[i] = origin_[i] != kNoNode && touches(origin_[i], request.changing);
+        touched[i] = plan_.nodes[i].origin != kNoNode && touches(plan_.nodes[i].origin, request.changing);
         for (const int operand : node.operands)
             touched[i] = touched[i] || (operand != kNoNode && touched[operand]);
         for (const int operand : node.operands)

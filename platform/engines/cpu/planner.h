@@ -72,7 +72,6 @@ private:
     std::vector<int> planned_;                    // by node of the package: node of the plan
     std::map<std::uint32_t, int> pictures_;       // by input: node of the plan
     std::map<std::array<int, 3>, int> resampled_; // by node of the plan and size
-    std::vector<int> origin_;                     // by node of the plan: node of the package or kNoNode
 };
 
 } // namespace vellor::cpu

@@ -31,8 +31,10 @@ public:
         const PlanNode& first = context_.plan.nodes[stage_.nodes.front()];
         if (!(first.isPoint() ? runChain(first) : runArea(first)))
             return StageResult::Stopped;
-        for (const int node : stage_.writes)
-            context_.store.put(context_.plan.nodes[node].key, results_[node]);
+        for (const int node : stage_.writes) {
+            const PlanNode& planned = context_.plan.nodes[node];
+            context_.store.put(planned.key, results_[node], planned.origin);
+        }
         return StageResult::Done;
     }
 

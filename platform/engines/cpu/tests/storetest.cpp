@@ -113,6 +113,30 @@ TEST(Store, WorksWithABudgetThatHoldsNothing)
         EXPECT_EQ(host.floats(i)[257], expected(static_cast<int>(i)));
 }
 
+TEST(Store, ADraggedSliderGoesRoundInAShareOfTheBudget)
+{
+    ProgramBuilder build;
+    const int slider = build.input(program::ValueType::Float);
+    const int size = build.sizeValue(8, 8);
+    const int add = build.node("add", size, {build.node("ramp", size)});
+    build.parameter(add, "amount", program::ParameterSource::Program, {}, build.inputValue(slider));
+    build.output(build.node("spread", size, {add}), kGreyFloat);
+    TestHost host(build.program, withBudget(64));
+    for (int i = 0; i < 60; ++i) {
+        host.setFloat(0, static_cast<float>(i));
+        host.compute({200});
+        EXPECT_EQ(host.floats(0)[257], expected(i));
+    }
+    // An eighth of the budget for what is superseded, two pictures each of the last two values, and the ramp.
+    EXPECT_LE(host.handle()->liveBytes(), (8 + 2 * 2 + 1) * kPicture);
+    EXPECT_EQ(host.parked, 0);
+    counters().clear();
+    host.setFloat(0, 57.0f);
+    host.compute({200});
+    EXPECT_EQ(host.floats(0)[257], expected(57));
+    EXPECT_EQ(counters().spread, 0) << "the way back costs nothing";
+}
+
 TEST(Store, MovesToAnotherHandle)
 {
     TestHost host(eightPictures().program);
