@@ -90,7 +90,8 @@ const std::map<std::string, std::vector<std::pair<const char*, std::vector<doubl
     {"woven_fabric",
      {{"depth", {1.6}}, {"threads", {17}}, {"pattern", {0}}, {"pattern", {3}}, {"checked", {1}}}},
     {"water", {{"$time", {0}}, {"$time", {3.21}}, {"wind", {0.33}}, {"weather", {1}}}},
-    {"stylised_photo", {{"style", {0}}, {"style", {1}}, {"style", {2}}, {"style", {3}}, {"screen", {37}}}},
+    {"stylised_photo",
+     {{"style", {0}}, {"style", {1}}, {"style", {2}}, {"style", {3}}, {"screen", {37}}, {"style", {4}}}},
 };
 
 TEST_P(EverySample, PicturesGoAroundWithoutASeam)
