@@ -48,6 +48,11 @@ QUrl documentationSite()
     return QUrl("https://docs.vellor.example/player/");
 }
 
+QUrl feedbackSite()
+{
+    return QUrl("https://vellor.example/feedback/");
+}
+
 qint64 processAge()
 {
     QFile file("/proc/self/stat");

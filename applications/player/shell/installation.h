@@ -14,6 +14,7 @@ QString openFolder();
 
 QUrl makerSite();
 QUrl documentationSite();
+QUrl feedbackSite();
 
 /// Wall-clock time since the process began, in milliseconds; 0 where the system doesn't tell.
 qint64 processAge();

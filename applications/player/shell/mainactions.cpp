@@ -2,7 +2,6 @@
 
 #include <QAction>
 #include <QFileInfo>
-#include <QIcon>
 #include <QMainWindow>
 #include <QMenu>
 #include <QMenuBar>
@@ -11,11 +10,6 @@
 namespace Zph::Applications::Player {
 
 namespace {
-
-QIcon playerIcon(const char* name)
-{
-    return QIcon(QStringLiteral(":/zph/applications/player/images/%1.svg").arg(QLatin1String(name)));
-}
 
 QAction* checkable(QAction* action)
 {
@@ -45,6 +39,11 @@ void fillStockPackages(QMenu& menu, const QStringList& files)
 }
 
 } // namespace
+
+QIcon playerIcon(const char* name)
+{
+    return QIcon(QStringLiteral(":/zph/applications/player/images/%1.svg").arg(QLatin1String(name)));
+}
 
 MainActions::MainActions(QObject* parent)
     : QObject(parent), open(new QAction(playerIcon("open"), tr("Open..."), this)),
@@ -103,6 +102,7 @@ MainMenus::MainMenus(QMainWindow& window, MainActions& actions, const QStringLis
 
     QMenuBar& bar = *window.menuBar();
     QMenu* file = bar.addMenu(QObject::tr("File"));
+    file->setToolTipsVisible(true);
     if (stockPackages.isEmpty()) {
         file->addAction(actions.open);
     } else {
@@ -116,7 +116,9 @@ MainMenus::MainMenus(QMainWindow& window, MainActions& actions, const QStringLis
     file->addSeparator();
     file->addAction(actions.quit);
 
-    bar.addMenu(QObject::tr("Export"))->addActions({actions.exportBitmap, actions.reExport});
+    QMenu* exports = bar.addMenu(QObject::tr("Export"));
+    exports->setToolTipsVisible(true);
+    exports->addActions({actions.exportBitmap, actions.reExport});
 
     options = bar.addMenu(QObject::tr("Options"));
     options->setToolTipsVisible(true);

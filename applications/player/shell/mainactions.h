@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QIcon>
 #include <QObject>
 
 class QAction;
@@ -8,6 +9,9 @@ class QMenu;
 class QToolBar;
 
 namespace Zph::Applications::Player {
+
+/// An icon of the player by its bare file name.
+QIcon playerIcon(const char* name);
 
 /// Every action of the window's menus and tool bar, with text, shortcut, tooltip and start state. The window
 /// connects them; actions of features that the program does not have yet are disabled and stay so.

@@ -30,6 +30,7 @@
 #include <QCloseEvent>
 #include <QDesktopServices>
 #include <QDir>
+#include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QInputDialog>
@@ -54,9 +55,9 @@ constexpr int kStatusBarHeight = 16;
 constexpr int kParametersWidth = 440;
 constexpr int kFirstSizeExponent = 3, kLastSizeExponent = 15, kUnsetSizeExponent = 11;
 
-QIcon playerIcon(const char* name)
+bool isDroppable(const QUrl& url)
 {
-    return QIcon(QStringLiteral(":/zph/applications/player/images/%1.svg").arg(QLatin1String(name)));
+    return url.isLocalFile() && droppableSuffixes().contains(QFileInfo(url.toLocalFile()).suffix().toLower());
 }
 
 /// Whether one of the authoring files names something of the packages that ship with the authoring
@@ -259,8 +260,16 @@ void MainWindow::openFile(const QString& path)
         status(tr("Load Failed!"));
         return;
     }
+    loadTogether(files);
+}
+
+/// Several authoring files as one document.
+void MainWindow::loadTogether(const QStringList& filepaths)
+{
+    if (postponed([this, filepaths] { loadTogether(filepaths); }))
+        return;
     initConsole();
-    status(loadVlrFile(files) ? tr("Load Done.") : tr("Load Failed!"));
+    status(loadVlrFile(filepaths) ? tr("Load Done.") : tr("Load Failed!"));
 }
 
 void MainWindow::reload()
@@ -271,7 +280,7 @@ void MainWindow::reload()
     if (files.size() == 1)
         loadFile(files.first());
     else if (!files.isEmpty())
-        status(loadVlrFile(files) ? tr("Load Done.") : tr("Load Failed!"));
+        loadTogether(files);
 }
 
 bool MainWindow::loadVlrFile(const QStringList& filepaths)
@@ -336,6 +345,7 @@ void MainWindow::buildPackage()
     m_package =
         std::make_shared<const PackageModel>(records.inputs, records.outputs, m_loader.description(), origin);
     m_cache.setDescription(m_package);
+    m_timeline->setEnabled(false); // so that it is shown anew for a package that moves
     m_tweaks->build(*m_package, Static::instance().remoteMode);
     for (ViewOutput* view : m_viewers) {
         view->setPackage(m_package);
@@ -353,6 +363,7 @@ void MainWindow::reset()
     setDocumentTitle({});
     deleteEngine();
     m_cache.clear();
+    m_cache.setDescription(nullptr);
     m_package.reset();
     m_tweaks->clear();
     for (ViewOutput* view : m_viewers)
@@ -363,13 +374,27 @@ void MainWindow::reset()
 
 void MainWindow::generate()
 {
-    if (m_loadCounter != 0 || postponed([this] { generate(); }))
+    // A generation follows whatever is postponed.
+    if (m_loadCounter != 0 || (m_isGenerating && m_postponed) || postponed([] {}))
         return;
     m_isGenerating = true;
-    m_generationStep.run(m_engine.get(), m_cache, *this);
+    const GenerationStep::Report report = m_generationStep.run(m_engine.get(), m_cache, *this);
     m_isGenerating = false;
-    if (const auto action = std::exchange(m_postponed, {}))
-        QTimer::singleShot(0, this, action);
+    if (const auto action = std::exchange(m_postponed, {})) {
+        dropUnfinished(report.uids);
+        QTimer::singleShot(0, this, [this, action] {
+            action();
+            generate();
+        });
+    }
+}
+
+/// After a generation that was stopped: what it did not get to is asked for again.
+void MainWindow::dropUnfinished(const std::vector<quint32>& uids)
+{
+    for (const quint32 uid : uids)
+        if (m_cache.get(uid).surface() == m_generationStep.placeholder().surface())
+            m_cache.invalidateOutput(uid);
 }
 
 /// Inside a generation: ends it, keeps the action for afterwards and gives true. The latest action counts.
@@ -570,7 +595,7 @@ void MainWindow::fillMenuMRU()
     QMenu& menu = *m_menus->recentFiles;
     menu.clear();
     for (const QString& file : Static::instance().recentFiles())
-        menu.addAction(QDir::toNativeSeparators(file))->setData(file);
+        menu.addAction(QDir::toNativeSeparators(file).replace('&', "&&"))->setData(file);
     if (menu.isEmpty())
         menu.addAction(tr("No recent files"))->setEnabled(false);
 }
@@ -639,6 +664,11 @@ void MainWindow::onAboutOrnexClicked()
     QDesktopServices::openUrl(Installation::makerSite());
 }
 
+void MainWindow::onGiveFeedbackClicked()
+{
+    QDesktopServices::openUrl(Installation::feedbackSite());
+}
+
 void MainWindow::displayOnlineDocumentation()
 {
     QDesktopServices::openUrl(Installation::documentationSite());
@@ -658,10 +688,9 @@ void MainWindow::onSamplesCalled()
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event)
 {
-    for (const QUrl& url : event->mimeData()->urls())
-        if (url.isLocalFile() &&
-            droppableSuffixes().contains(QFileInfo(url.toLocalFile()).suffix().toLower()))
-            event->acceptProposedAction();
+    const QList<QUrl> urls = event->mimeData()->urls();
+    if (std::any_of(urls.begin(), urls.end(), isDroppable))
+        event->acceptProposedAction();
 }
 
 void MainWindow::dropEvent(QDropEvent* event)
@@ -669,7 +698,7 @@ void MainWindow::dropEvent(QDropEvent* event)
     QStringList authoringFiles;
     for (const QUrl& url : event->mimeData()->urls()) {
         const QString path = url.toLocalFile();
-        if (path.isEmpty())
+        if (!isDroppable(url))
             continue;
         if (fileKind(path) == FileKind::Authoring) {
             authoringFiles << path;
@@ -678,12 +707,10 @@ void MainWindow::dropEvent(QDropEvent* event)
         loadFile(path);
         break;
     }
-    if (authoringFiles.isEmpty()) {
+    if (authoringFiles.isEmpty())
         QMainWindow::dropEvent(event);
-        return;
-    }
-    initConsole();
-    status(loadVlrFile(authoringFiles) ? tr("Load Done.") : tr("Load Failed!"));
+    else
+        loadTogether(authoringFiles);
 }
 
 } // namespace Zph::Applications::Player

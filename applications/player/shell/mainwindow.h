@@ -81,6 +81,7 @@ public slots:
     void openAboutDialog();
     void onAboutOrnexClicked();
     void displayOnlineDocumentation();
+    void onGiveFeedbackClicked();
     void onSamplesCalled();
     void initConsole();
     void dynCommonChanged();
@@ -122,7 +123,9 @@ private:
     void connectActions();
     void makeStatusBar();
     void restoreLayout();
+    void loadTogether(const QStringList& filepaths);
     void generate();
+    void dropUnfinished(const std::vector<quint32>& uids);
     bool postponed(std::function<void()> action);
     void connectEngine();
     void buildPackage();
