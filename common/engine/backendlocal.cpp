@@ -1,5 +1,7 @@
 #include "common/engine/backendlocal.h"
 
+#include "common/engine/libraryfile.h"
+
 namespace Zph::Engine::DynLoad {
 
 namespace {
@@ -14,7 +16,7 @@ template<typename Function> bool resolve(QLibrary& library, const char* symbol, 
 
 BackEndLocal::BackEndLocal(const QString& path) : m_path(path), m_library(path)
 {
-    if (!m_library.load() || !resolveAll())
+    if (!isWholeLibrary(path) || !m_library.load() || !resolveAll())
         return;
     VellorVersion version = {};
     m_entries.getCurrentVersion(&version, VELLOR_API_VERSION);

@@ -40,8 +40,8 @@ struct EntryPoints
 class BackEndLocal : public BackEndBase
 {
 public:
-    /// Loads the library and resolves all 24 entry points. Valid if none is missing and the engine's version
-    /// record has the status 0.
+    /// Loads the library, if the file is whole, and resolves all 24 entry points. Valid if none is missing
+    /// and the engine's version record has the status 0.
     explicit BackEndLocal(const QString& path);
     ~BackEndLocal() override;
     BackEndLocal(const BackEndLocal&) = delete;

@@ -5,12 +5,12 @@
 #include "applications/player/shell/mainwindow.h"
 #include "common/engine/backend.h"
 #include "common/engine/engineswitcher.h"
+#include "common/engine/libraryfile.h"
 #include "common/gui/engineselectionwidget.h"
 
 #include <QAction>
 #include <QFileInfo>
 #include <QMenu>
-#include <QMessageBox>
 #include <QToolBar>
 
 namespace Zph::Applications::Player {
@@ -47,8 +47,7 @@ EngineDynSwitch::~EngineDynSwitch()
 
 void EngineDynSwitch::addActions()
 {
-    auto* action =
-        new QAction(QIcon(":/zph/applications/player/images/switchdyn.svg"), tr("&Switch engine..."), this);
+    auto* action = new QAction(playerIcon("switchdyn"), tr("&Switch engine..."), this);
     action->setPriority(QAction::LowPriority);
     action->setShortcut(Qt::Key_F9);
     action->setToolTip(tr("Switch Vellor Engine... Shortcut: [F9]."));
@@ -79,8 +78,7 @@ bool EngineDynSwitch::switchEngineDialog()
         const QString path = dialog.selectedPath();
         if (Switcher::load(path) && QFileInfo(Switcher::current()) == QFileInfo(path))
             return true;
-        QMessageBox::critical(m_window, tr("Invalid Engine Library"),
-                              tr("File '%1' is an invalid vellor engine library.").arg(path));
+        Zph::Gui::EngineSelectionWidget::showInvalidEngine(path, m_window);
     }
 }
 
@@ -114,9 +112,11 @@ void EngineDynSwitch::reloadDynamicLibrary()
         return;
     // The engine that runs stays until the new file is whole, and until the generation that it is in has
     // ended.
-    if (m_window->isGenerating() || !Zph::Engine::probe(path)) {
+    if (m_window->isGenerating() || !Zph::Engine::isWholeLibrary(path)) {
         if (++m_settleTries < kSettleTries)
             m_settleTimer.start();
+        else
+            watchCurrent(); // a file that was replaced is no longer watched
         return;
     }
     m_window->deleteEngine();

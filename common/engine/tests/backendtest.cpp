@@ -43,6 +43,17 @@ TEST_F(BackEnd, AFileThatIsNoLibraryIsNoEngine)
     }
 }
 
+TEST_F(BackEnd, ALibraryThatWasCutShortIsNoEngine)
+{
+    QTemporaryDir folder;
+    const qint64 size = QFileInfo(testEngine()).size();
+    for (const qint64 length : {qint64(63), qint64(1000), size / 4, size / 2, size * 3 / 4, size - 1}) {
+        const QString path = folder.filePath(QString("cut%1.so").arg(length));
+        ASSERT_TRUE(QFile::copy(testEngine(), path) && QFile::resize(path, length));
+        EXPECT_FALSE(probe(path)) << length;
+    }
+}
+
 TEST_F(BackEnd, TextsOfAVersionOutliveTheLibrary)
 {
     VellorVersion version;
