@@ -59,7 +59,7 @@ AboutDialog::AboutDialog(QWidget* parent) : QDialog(parent)
     auto* versions = new QLabel(versionText(), this);
     versions->setTextInteractionFlags(Qt::TextSelectableByMouse);
     const int year = ApplicationVersion::getCurrent().getBuildDate().year();
-    auto* copyright = new QLabel(QStringLiteral("<strong>© %1 Ornex</strong>").arg(year), this);
+    auto* copyright = new QLabel(tr("<strong>© %1 Ornex</strong>").arg(year), this);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok, this);
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
 

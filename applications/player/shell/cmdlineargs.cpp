@@ -44,7 +44,7 @@ void CmdLineArgs::parse(const QStringList& arguments)
 
 bool CmdLineArgs::isHelpSet() const
 {
-    return m_parser.isSet(m_help);
+    return m_parser.isSet(m_help) || m_parser.isSet("help-all"); // the help text offers both
 }
 
 bool CmdLineArgs::isDeveloperSet() const

@@ -16,7 +16,7 @@ public:
     explicit ErrorConsole(QWidget* parent);
 
     void clear();
-    /// Level 0 is a note, 1 a warning, others errors.
+    /// Levels as PackageListener tells them.
     void message(int level, const QString& text);
     /// A line that tells how far the work has come.
     void stage(const QString& text);

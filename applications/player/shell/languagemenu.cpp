@@ -15,12 +15,16 @@ namespace {
 const QString kBase = QStringLiteral("vellor");
 const QString kSeparator = QStringLiteral("_");
 
-Orn::Core::Translations translations()
+/// The folders are looked for and logged once.
+const Orn::Core::Translations& translations()
 {
-    const QString folder = QCoreApplication::applicationDirPath();
-    return {"ORN_VELLOR_LOCALE",
-            Orn::Core::languageSetting,
-            {folder + "/translations", QDir::cleanPath(folder + "/../translations")}};
+    static const Orn::Core::Translations found = [] {
+        const QString folder = QCoreApplication::applicationDirPath();
+        return Orn::Core::Translations(
+            "ORN_VELLOR_LOCALE", Orn::Core::languageSetting,
+            {folder + "/translations", QDir::cleanPath(folder + "/../translations")});
+    }();
+    return found;
 }
 
 void install(const QString& base)
@@ -44,7 +48,9 @@ void installTranslators()
 void fillLanguageMenu(QMenu& menu)
 {
     auto* group = new QActionGroup(&menu);
-    const QString chosen = Orn::Core::languageSetting.read();
+    // What an installer or a person wrote may be short: "zh" stands for the locale "zh_CN".
+    const QString stored = Orn::Core::languageSetting.read();
+    const QString chosen = stored.isEmpty() ? QString() : QLocale(stored).name();
     const auto add = [&](const QString& text, const QString& name) {
         QAction* action = menu.addAction(text);
         action->setData(name);

@@ -104,13 +104,7 @@ void logEnvironment()
     environmentLogger.info(
         QStringLiteral("ApplicationInstallDir: %1").arg(application.getApplicationInstallDir()));
     environmentLogger.info(QStringLiteral("UserDataDir: %1").arg(application.getApplicationDataDir()));
-    environmentLogger.info("Settings:");
-    const auto settings = application.getSettingsSessions();
-    for (const QString& key : settings->allKeys()) {
-        const QVariant value = settings->value(key, {});
-        environmentLogger.info(QStringLiteral("   %1=%2")
-                                   .arg(key, value.isValid() ? value.toString() : QStringLiteral("INVALID")));
-    }
+    Orn::Core::logSettings(*application.getSettingsSessions(), environmentLogger);
 }
 
 } // namespace Zph::Applications::Player::Startup

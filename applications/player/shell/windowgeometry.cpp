@@ -54,7 +54,8 @@ void save(const QWidget& window)
 
 void restore(QWidget& window)
 {
-    const QSize size = ShellSettings::size.isStored() ? ShellSettings::size.read() : initialSize();
+    const QSize stored = ShellSettings::size.read();
+    const QSize size = stored.isValid() ? stored : initialSize();
     const QPoint position =
         ShellSettings::position.isStored() ? ShellSettings::position.read() : screensArea().topLeft();
     const QRect frame = clamped(QRect(position, size), screensArea());

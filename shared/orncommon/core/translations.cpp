@@ -19,7 +19,7 @@ constexpr uint chinesePrc = 0x804;
 
 void adoptInstallLanguage()
 {
-    if (languageSetting.read().isNull() && installLanguageSetting.read() == chinesePrc)
+    if (!languageSetting.isStored() && installLanguageSetting.read() == chinesePrc)
         languageSetting.write(QStringLiteral("zh"));
 }
 

@@ -58,6 +58,9 @@ TEST(Translations, TheInstallersLanguageCountsUntilOneIsChosen)
     languageSetting.write("de");
     adoptInstallLanguage();
     EXPECT_EQ(languageSetting.read(), "de");
+    languageSetting.write(QString()); // the system's, chosen
+    adoptInstallLanguage();
+    EXPECT_EQ(languageSetting.read(), "");
     languageSetting.remove();
     installLanguageSetting.remove();
 }
