@@ -15,8 +15,6 @@ public:
     /// The cache-store callback (<vellor/engine.h>): `flags` of VellorCacheFlags, `size` bytes at `buffer`.
     void access(quint32 flags, quint32 entry, char* buffer, quint64 size);
 
-    std::size_t entriesCount() const { return m_files.size(); }
-
 private:
     QTemporaryFile& file(quint32 entry);
 

@@ -3,10 +3,11 @@
 #include "applications/player/session/sessionsettings.h"
 #include "applications/player/session/static.h"
 #include "orncommon/core/applicationsettings.h"
+#include "orncommon/core/defaultsettings.h"
+#include "orncommon/core/urlaliases.h"
 
 #include <QCoreApplication>
 #include <QDir>
-#include <QSettings>
 #include <QStandardPaths>
 
 #include <algorithm>
@@ -18,24 +19,13 @@ namespace {
 const QString packagesAlias = QStringLiteral("vlr");
 const QString packagesFolder = QStringLiteral("/resources/packages");
 
-/// The aliases in an open array of either kind of settings.
-template<typename Settings> QVector<CookingAlias> readArray(Settings& settings, const QString& name)
+QVector<CookingAlias> storedAliases(Orn::Core::ISettings& settings)
 {
+    const auto stored = Orn::Core::UrlAliases::load(settings);
     QVector<CookingAlias> aliases;
-    const int size = settings.beginReadArray(name);
-    for (int i = 0; i < size; ++i) {
-        settings.setArrayIndex(i);
-        aliases.append({settings.value(QStringLiteral("name")).toString(),
-                        settings.value(QStringLiteral("path")).toString()});
-    }
-    settings.endArray();
+    for (const auto& name : stored.getAliases())
+        aliases.append({name.toString(), stored.getPath(name)});
     return aliases;
-}
-
-QVector<CookingAlias> storedAliases()
-{
-    const auto settings = Orn::Core::ApplicationSettings::getInstance().getSettingsUserPreferences();
-    return readArray(*settings, QStringLiteral("preferences/resources/urlAliases"));
 }
 
 void setAlias(QVector<CookingAlias>& aliases, const QString& name, const QString& path)
@@ -65,8 +55,8 @@ QString studioFolder(const CookingAliases::AskForStudio& ask)
 
 QVector<CookingAlias> studioAliases(const CookingAliases::AskForStudio& ask)
 {
-    QSettings settings(QStringLiteral("Ornex"), QStringLiteral("Vellor"));
-    QVector<CookingAlias> aliases = readArray(settings, QStringLiteral("/preferences/resources/urlAliases"));
+    Orn::Core::DefaultSettings settings(QStringLiteral("Ornex"), QStringLiteral("Vellor"));
+    QVector<CookingAlias> aliases = storedAliases(settings);
     const QString studio = studioFolder(ask);
     if (!studio.isEmpty())
         setAlias(aliases, packagesAlias, studio + packagesFolder);
@@ -90,7 +80,8 @@ QVector<CookingAlias> find(const CookingAliases::AskForStudio& ask)
     const QString presetsPath = Static::instance().presetsPath;
     if (!presetsPath.isEmpty())
         return {{packagesAlias, presetsPath}};
-    const QVector<CookingAlias> stored = storedAliases();
+    const QVector<CookingAlias> stored =
+        storedAliases(*Orn::Core::ApplicationSettings::getInstance().getSettingsUserPreferences());
     return stored.isEmpty() ? studioAliases(ask) : stored;
 }
 

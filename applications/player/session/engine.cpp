@@ -19,8 +19,8 @@ constexpr quint64 memoryBudget = 0x100000000ull; // bytes
 constexpr std::size_t dataAlignment = 16;
 constexpr std::size_t minimalAlignment = 8;
 
-/// Engines are found by their handle in the callbacks that get nothing else. Entries stay: a handle that is
-/// made at the place of an old one takes its entry over.
+/// Engines are found by their handle in the callbacks that get nothing else. Entries stay, empty once the
+/// engine is gone: a handle that is made at the place of an old one takes its entry over.
 std::map<VellorHandle*, Engine*>& engines()
 {
     static std::map<VellorHandle*, Engine*> map;
@@ -71,7 +71,10 @@ Engine::Engine(QObject* parent, QIODevice& data) : QThread(parent)
 Engine::~Engine()
 {
     stopThread();
+    VellorHandle* const handle = m_handle;
     releaseHandle();
+    if (const auto entry = engines().find(handle); entry != engines().end() && entry->second == this)
+        entry->second = nullptr;
     if (m_flags & ContextMade)
         Zph::Engine::contextRelease(m_context);
 }

@@ -99,8 +99,8 @@ void PackageLinker::takeDescription(QDomDocument& document) const
     for (const QByteArray& xml : m_descriptions) {
         if (!document.isNull())
             Orn::Debug::error("XML Merging NYI");
-        else if (!parseDescription(xml, document))
-            document.clear(); // what was read before the error is not null
+        else
+            parseDescription(xml, document);
     }
     if (document.isNull())
         m_listener.message(2, tr("Missing Vellor XML description file"));

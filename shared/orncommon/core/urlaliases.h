@@ -39,7 +39,6 @@ public:
     /// Replaces or adds.
     void setAlias(const Name& name, const Path& path);
     void removeAlias(const Name& name);
-    bool hasAlias(const Name& name) const { return m_paths.contains(name); }
     /// Empty if there is no such alias.
     Path getPath(const Name& name) const { return m_paths.value(name); }
     /// In the order of the names.
