@@ -54,8 +54,8 @@ void redisplay(benchmark::State& state, PixelFormat format, int zoomItem)
     view.show();
     const auto surface = largePicture(format);
     const ValueOrSurfacePlayer picture(surface);
-    choose(view, zoomItem);
     view.setDisplay(picture, 0);
+    choose(view, zoomItem); // Fit needs a picture
     PaintWatch watch({view.findChild<PictureLabel*>()});
     const std::size_t bytes = surface->lineSize() * kSide;
     std::vector<quint8> copy(bytes);
