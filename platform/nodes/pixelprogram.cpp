@@ -1,8 +1,8 @@
 #include "platform/nodes/dispatch.h"
 #include "platform/nodes/kinds.h"
 #include "platform/nodes/rows.h"
-#include "platform/nodes/valueevaluator.h"
 #include "platform/nodes/valueoperations.h"
+#include "platform/program/types.h"
 
 #include <algorithm>
 
@@ -237,7 +237,7 @@ void pixelProgramArea(const AreaJob& job)
 {
     const auto& state = static_cast<const PixelProgramState&>(*job.state);
     Machine machine(state, job);
-    const int given = componentCount(state.program.type);
+    const int given = program::componentCount(state.program.type);
     for (int y = job.y0; y < job.y1; ++y) {
         for (int x = 0; x < job.result.width; x += kProgramChunk) {
             const int count = std::min(kProgramChunk, job.result.width - x);

@@ -2,6 +2,7 @@
 
 #include "platform/nodes/scalar.h"
 #include "platform/nodes/valueoperations.h"
+#include "platform/program/types.h"
 
 #include <array>
 #include <vector>
@@ -162,29 +163,6 @@ std::uint32_t applyOperation(Op op, std::uint32_t a, std::uint32_t b, std::uint3
     return applyInteger(op, a, b, c);
 }
 
-int componentCount(program::ValueType type)
-{
-    using program::ValueType;
-    switch (type) {
-    case ValueType::Float:
-    case ValueType::Int:
-        return 1;
-    case ValueType::Float2:
-    case ValueType::Int2:
-        return 2;
-    case ValueType::Float3:
-    case ValueType::Int3:
-        return 3;
-    case ValueType::Float4:
-    case ValueType::Int4:
-        return 4;
-    case ValueType::Image:
-    case ValueType::String:
-        break;
-    }
-    return 0;
-}
-
 void evaluateValue(const program::ValueProgram& program, const std::uint32_t* inputWords,
                    program::Words& result)
 {
@@ -208,7 +186,7 @@ void evaluateValue(const program::ValueProgram& program, const std::uint32_t* in
             registers[i.dst] = applyOperation(i.op, read(i.a), read(i.b), read(i.c));
     }
     result = {};
-    for (int c = 0; c < componentCount(program.type); ++c)
+    for (int c = 0; c < program::componentCount(program.type); ++c)
         result[c] = registers[program.result + c];
 }
 

@@ -18,7 +18,4 @@ namespace vellor::nodes {
 void evaluateValue(const program::ValueProgram& program, const std::uint32_t* inputWords,
                    program::Words& result);
 
-/// Components of a numeric type: 1 to 4. Images and strings have none: 0.
-int componentCount(program::ValueType type);
-
 } // namespace vellor::nodes

@@ -2,35 +2,13 @@
 
 #include "platform/engines/cpu/outputconverter.h"
 #include "platform/engines/cpu/rowloop.h"
+#include "platform/program/types.h"
 
 #include <algorithm>
 #include <cstring>
 #include <utility>
 
 namespace vellor::cpu {
-namespace {
-
-int componentCount(program::ValueType type)
-{
-    switch (type) {
-    case program::ValueType::Float:
-    case program::ValueType::Int:
-        return 1;
-    case program::ValueType::Float2:
-    case program::ValueType::Int2:
-        return 2;
-    case program::ValueType::Float3:
-    case program::ValueType::Int3:
-        return 3;
-    case program::ValueType::Float4:
-    case program::ValueType::Int4:
-        return 4;
-    default:
-        return 0;
-    }
-}
-
-} // namespace
 
 Handle::Handle(std::shared_ptr<VellorContext> context, std::unique_ptr<Package> package,
                const Resources& resources)
@@ -166,8 +144,8 @@ std::uint32_t Handle::makeValue(std::uint32_t input, const void* value, void* us
         if (!value)
             return VELLOR_ERROR_INVALID_ARGUMENT;
         std::memcpy(into.words.data(), value,
-                    sizeof(std::uint32_t) *
-                        static_cast<std::size_t>(componentCount(package_->program().inputs[input].type)));
+                    sizeof(std::uint32_t) * static_cast<std::size_t>(program::componentCount(
+                                                package_->program().inputs[input].type)));
         return VELLOR_OK;
     }
 }
@@ -315,7 +293,7 @@ std::uint32_t Handle::outputs(std::uint32_t flags, std::uint32_t output, std::ui
     if (!numeric)
         return fetchImage(static_cast<int>(output), *static_cast<VellorTexture*>(out));
     std::memcpy(out, result.words.data(),
-                sizeof(std::uint32_t) * static_cast<std::size_t>(componentCount(type)));
+                sizeof(std::uint32_t) * static_cast<std::size_t>(program::componentCount(type)));
     return VELLOR_OK;
 }
 
