@@ -7,10 +7,7 @@
 #include <vellor/linker.h>
 
 #include <QCoreApplication>
-#include <QDialogButtonBox>
-#include <QLabel>
 #include <QPixmap>
-#include <QVBoxLayout>
 
 namespace Zph::Applications::Player {
 
@@ -34,6 +31,23 @@ QString engineLine()
     return versionLine(AboutDialog::tr("Engine Version"), version);
 }
 
+QPixmap picture()
+{
+    QPixmap pixmap(":/zph/applications/player/images/aboutimage.png");
+    pixmap.setDevicePixelRatio(4);
+    return pixmap;
+}
+
+AboutDialog::Texts texts()
+{
+    const int year = ApplicationVersion::getCurrent().getBuildDate().year();
+    AboutDialog::Texts texts;
+    texts.title = QCoreApplication::applicationName();
+    texts.details = AboutDialog::versionText();
+    texts.disclaimer = AboutDialog::tr("<strong>© %1 Ornex</strong>").arg(year);
+    return texts;
+}
+
 } // namespace
 
 QString AboutDialog::versionText()
@@ -48,28 +62,9 @@ QString AboutDialog::versionText()
              versionLine(tr("Cooker Version"), cooker), versionLine(tr("Linker Version"), linker));
 }
 
-AboutDialog::AboutDialog(QWidget* parent) : QDialog(parent)
+AboutDialog::AboutDialog(QWidget* parent) : Orn::Gui::AboutDialog(picture(), texts(), parent)
 {
     setWindowTitle(tr("About %1").arg(QCoreApplication::applicationName()));
-    auto* picture = new QLabel(this);
-    QPixmap pixmap(":/zph/applications/player/images/aboutimage.png");
-    pixmap.setDevicePixelRatio(4);
-    picture->setPixmap(pixmap);
-    picture->setAlignment(Qt::AlignCenter);
-    auto* versions = new QLabel(versionText(), this);
-    versions->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    const int year = ApplicationVersion::getCurrent().getBuildDate().year();
-    auto* copyright = new QLabel(tr("<strong>© %1 Ornex</strong>").arg(year), this);
-    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok, this);
-    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
-
-    auto* layout = new QVBoxLayout(this);
-    layout->setSizeConstraint(QLayout::SetFixedSize);
-    layout->setSpacing(12);
-    layout->addWidget(picture);
-    layout->addWidget(versions);
-    layout->addWidget(copyright);
-    layout->addWidget(buttons);
 }
 
 } // namespace Zph::Applications::Player

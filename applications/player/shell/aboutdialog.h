@@ -1,13 +1,12 @@
 #pragma once
 
-#include <QDialog>
-#include <QString>
+#include "orncommon/gui/aboutdialog.h"
 
 namespace Zph::Applications::Player {
 
 /// The About box: a picture, the versions of the program, its engine, cooker and linker, and the copyright
 /// line.
-class AboutDialog : public QDialog
+class AboutDialog : public Orn::Gui::AboutDialog
 {
     Q_OBJECT
 
