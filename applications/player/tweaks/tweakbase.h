@@ -50,7 +50,6 @@ public:
     // Writes a value as the user would, and tells of it if it is another one.
     void applyValue(const InputValue& value);
 
-    bool isPinned() const { return m_pinned; }
     void setPinned(bool pinned);
     void setPinVisible(bool visible);
 
