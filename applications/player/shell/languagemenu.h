@@ -1,7 +1,5 @@
 #pragma once
 
-#include <QObject>
-
 class QAction;
 class QMenu;
 

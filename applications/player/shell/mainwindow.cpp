@@ -31,7 +31,6 @@
 #include <QMessageBox>
 #include <QStatusBar>
 #include <QTimer>
-#include <QToolBar>
 #include <QUrl>
 
 #include <algorithm>

@@ -4,7 +4,6 @@
 #include "common/engine/tests/testinstallation.h"
 
 #include <QFile>
-#include <QSettings>
 
 #include <gtest/gtest.h>
 

@@ -9,7 +9,6 @@
 
 #include <QDir>
 #include <QSettings>
-#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QUrl>
 
