@@ -31,11 +31,12 @@ const char* keep(const char* text)
 bool load(const QString& path)
 {
     auto& current = backEnd();
-    // The system loader takes a path that is loaded already for the same library, also when another file lies
-    // there by now. Letting go of it first is what makes a rebuilt engine come in.
+    // Where no copy can be made, the system loader takes a path that is loaded already for the same library,
+    // also when another file lies there by now. Letting go of it first is what makes a rebuilt engine come
+    // in.
     if (current && current->path() == path)
         current.reset();
-    current = std::make_unique<DynLoad::BackEndLocal>(path);
+    current = std::make_unique<DynLoad::BackEndLocal>(path, DynLoad::BackEndLocal::Use::Keep);
     if (!current->isValid())
         current.reset();
     return isLoaded();
@@ -53,14 +54,14 @@ bool isLoaded()
 
 bool probe(const QString& path)
 {
-    return DynLoad::BackEndLocal(path).isValid();
+    return DynLoad::BackEndLocal(path, DynLoad::BackEndLocal::Use::Look).isValid();
 }
 
 bool engineInfo(const QString& path, VellorVersion& version)
 {
     if (!QLibrary::isLibrary(path))
         return false;
-    const DynLoad::BackEndLocal library(path);
+    const DynLoad::BackEndLocal library(path, DynLoad::BackEndLocal::Use::Look);
     if (!library.isValid())
         return false;
     version = {};

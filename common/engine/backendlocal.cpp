@@ -14,9 +14,11 @@ template<typename Function> bool resolve(QLibrary& library, const char* symbol, 
 
 } // namespace
 
-BackEndLocal::BackEndLocal(const QString& path) : m_path(path), m_library(path)
+BackEndLocal::BackEndLocal(const QString& path, Use use) : m_path(path)
 {
-    if (!isWholeLibrary(path) || !m_library.load() || !resolveAll())
+    if (isWholeLibrary(path))
+        loadLibrary(use);
+    if (!m_library.isLoaded() || !resolveAll())
         return;
     VellorVersion version = {};
     m_entries.getCurrentVersion(&version, VELLOR_API_VERSION);
@@ -26,6 +28,17 @@ BackEndLocal::BackEndLocal(const QString& path) : m_path(path), m_library(path)
 BackEndLocal::~BackEndLocal()
 {
     m_library.unload();
+}
+
+void BackEndLocal::loadLibrary(Use use)
+{
+    if (const auto copy = use == Use::Keep ? hiddenCopy(m_path) : nullptr) {
+        m_library.setFileName(copy->fileName());
+        if (m_library.load())
+            return;
+    }
+    m_library.setFileName(m_path);
+    m_library.load();
 }
 
 bool BackEndLocal::resolveAll()

@@ -40,9 +40,16 @@ struct EntryPoints
 class BackEndLocal : public BackEndBase
 {
 public:
+    /// To be asked who it is, or to be kept while its file may change: then it is loaded from a hidden copy.
+    enum class Use
+    {
+        Look,
+        Keep
+    };
+
     /// Loads the library, if the file is whole, and resolves all 24 entry points. Valid if none is missing
     /// and the engine's version record has the status 0.
-    explicit BackEndLocal(const QString& path);
+    BackEndLocal(const QString& path, Use use);
     ~BackEndLocal() override;
     BackEndLocal(const BackEndLocal&) = delete;
     BackEndLocal& operator=(const BackEndLocal&) = delete;
@@ -150,6 +157,7 @@ public:
     }
 
 private:
+    void loadLibrary(Use use);
     bool resolveAll();
 
     QString m_path;

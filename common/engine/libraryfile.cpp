@@ -1,6 +1,6 @@
 #include "common/engine/libraryfile.h"
 
-#include <QFile>
+#include <QFileInfo>
 
 #include <cstring>
 
@@ -40,6 +40,19 @@ bool isWholeLibrary(const QString& path)
             return false;
     }
     return true;
+}
+
+std::unique_ptr<QTemporaryFile> hiddenCopy(const QString& path)
+{
+    const QFileInfo original(path);
+    auto copy = std::make_unique<QTemporaryFile>(original.absolutePath() + "/.XXXXXX-" + original.fileName());
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly) || !copy->open())
+        return nullptr;
+    const QByteArray bytes = file.readAll();
+    if (copy->write(bytes) != bytes.size() || !copy->flush())
+        return nullptr;
+    return copy;
 }
 
 } // namespace Zph::Engine

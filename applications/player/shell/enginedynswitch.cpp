@@ -113,7 +113,8 @@ void EngineDynSwitch::reloadDynamicLibrary()
     // The engine that runs stays until the new file is whole, and until the generation that it is in has
     // ended.
     if (m_window->isGenerating() || !Zph::Engine::isWholeLibrary(path)) {
-        if (++m_settleTries < kSettleTries)
+        // A file that is away comes back when the build is done, however long that takes.
+        if (!QFileInfo::exists(path) || ++m_settleTries < kSettleTries)
             m_settleTimer.start();
         else
             watchCurrent(); // a file that was replaced is no longer watched

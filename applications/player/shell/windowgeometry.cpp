@@ -49,6 +49,7 @@ void save(const QWidget& window)
 {
     ShellSettings::position.write(window.pos());
     ShellSettings::size.write(window.frameGeometry().size());
+    ShellSettings::frame.write(window.frameGeometry().size() - window.size());
     ShellSettings::state.write(int(window.windowState()));
 }
 
@@ -59,7 +60,8 @@ void restore(QWidget& window)
     const QPoint position =
         ShellSettings::position.isStored() ? ShellSettings::position.read() : screensArea().topLeft();
     const QRect frame = clamped(QRect(position, size), screensArea());
-    window.resize(frame.size());
+    // There is no frame before the window is shown: the one that it had is what it will have.
+    window.resize(frame.size() - ShellSettings::frame.read());
     window.move(frame.topLeft());
     const int state = ShellSettings::state.read();
     window.setWindowState(state == Qt::WindowMinimized ? Qt::WindowMaximized : Qt::WindowStates(state));

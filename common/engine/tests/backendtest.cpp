@@ -54,6 +54,21 @@ TEST_F(BackEnd, ALibraryThatWasCutShortIsNoEngine)
     }
 }
 
+TEST_F(BackEnd, AnEngineThatRunsMindsNobodyWritingIntoItsFile)
+{
+    QTemporaryDir folder;
+    const QString path = folder.filePath("engine.so");
+    ASSERT_TRUE(QFile::copy(testEngine(), path));
+    ASSERT_TRUE(load(path));
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden), QStringList("engine.so"));
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    VellorVersion version = {};
+    getCurrentVersion(&version, VELLOR_API_VERSION);
+    EXPECT_STREQ(version.name, "Test Engine");
+    EXPECT_FALSE(probe(path));
+}
+
 TEST_F(BackEnd, TextsOfAVersionOutliveTheLibrary)
 {
     VellorVersion version;
