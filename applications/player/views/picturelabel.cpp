@@ -17,22 +17,17 @@ void PictureLabel::setPicture(const QImage& picture, const QSize& size, bool smo
     clear();
     m_smooth = smooth;
     m_overlay = overlay;
-    const bool isEnlarged = size.width() > picture.width() || size.height() > picture.height();
-    m_enlarged = isEnlarged ? picture : QImage();
-    if (isEnlarged) {
-        m_shrunk = {};
-    } else {
-        const auto mode = smooth ? Qt::SmoothTransformation : Qt::FastTransformation;
-        m_shrunk = QPixmap::fromImage(
-            size == picture.size() ? picture : picture.scaled(size, Qt::KeepAspectRatio, mode));
-    }
+    const bool isKept = size.width() >= picture.width() || size.height() >= picture.height();
+    const auto mode = smooth ? Qt::SmoothTransformation : Qt::FastTransformation;
+    m_kept = isKept ? picture : QImage();
+    m_shrunk = isKept ? QPixmap() : QPixmap::fromImage(picture.scaled(size, Qt::KeepAspectRatio, mode));
     resize(size);
     update();
 }
 
 void PictureLabel::setMessage(const QString& text, int pixelSize)
 {
-    m_enlarged = {};
+    m_kept = {};
     m_shrunk = {};
     QFont messageFont;
     if (pixelSize > 0)
@@ -44,7 +39,7 @@ void PictureLabel::setMessage(const QString& text, int pixelSize)
 
 void PictureLabel::paintEvent(QPaintEvent* event)
 {
-    if (m_enlarged.isNull() && m_shrunk.isNull()) {
+    if (m_kept.isNull() && m_shrunk.isNull()) {
         QLabel::paintEvent(event);
         return;
     }
@@ -62,16 +57,15 @@ void PictureLabel::paintEvent(QPaintEvent* event)
 
 void PictureLabel::paintPicture(QPainter& painter, const QRect& exposed) const
 {
-    if (m_enlarged.isNull()) {
+    if (m_kept.isNull()) {
         painter.drawPixmap(exposed, m_shrunk, exposed);
         return;
     }
     painter.setRenderHint(QPainter::SmoothPixmapTransform, m_smooth);
-    const double scaleX = double(m_enlarged.width()) / width(),
-                 scaleY = double(m_enlarged.height()) / height();
+    const double scaleX = double(m_kept.width()) / width(), scaleY = double(m_kept.height()) / height();
     const QRectF source(exposed.x() * scaleX, exposed.y() * scaleY, exposed.width() * scaleX,
                         exposed.height() * scaleY);
-    painter.drawImage(QRectF(exposed), m_enlarged, source);
+    painter.drawImage(QRectF(exposed), m_kept, source);
 }
 
 void PictureLabel::mousePressEvent(QMouseEvent* event)

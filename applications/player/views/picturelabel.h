@@ -8,9 +8,8 @@ namespace Zph::Applications::Player {
 
 /// The label that shows a picture at a zoom, or a text in its place.
 ///
-/// A picture that is shrunk is scaled once, when it is set. One that is enlarged is kept as it is and only
-/// the part that a paint asks for is drawn, so that a big picture at 1600 percent costs no more than the
-/// window.
+/// A picture that is shrunk is scaled once, when it is set. Any other is kept as it is and only the part that
+/// a paint asks for is drawn, so that a big picture at 100 or 1600 percent costs no more than the window.
 class PictureLabel : public QLabel
 {
     Q_OBJECT
@@ -35,7 +34,7 @@ protected:
 private:
     void paintPicture(QPainter& painter, const QRect& exposed) const;
 
-    QImage m_enlarged; // null unless the picture is shown larger than it is
+    QImage m_kept; // null where the picture is shown smaller than it is
     QPixmap m_shrunk;
     bool m_smooth = false;
     QString m_overlay;

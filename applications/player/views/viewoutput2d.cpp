@@ -326,12 +326,17 @@ void ViewOutput2D::showNumbers()
 
 void ViewOutput2D::showPicture()
 {
-    QImage picture = displayImage(m_display.surface());
+    const auto surface = m_display.surface();
+    if (!surface || surface->isEmpty())
+        return;
+    const QSize whole(int(surface->width()), int(surface->height()));
+    if (m_fits)
+        m_zoomFactor = float(Zoom::fitFactor(whole, m_scrollArea->maximumViewportSize()));
+    const QSize size = Zoom::scaled(whole, m_zoomFactor);
+    const bool isShrunk = size.width() < whole.width() && size.height() < whole.height();
+    QImage picture = isShrunk && !m_hqZoom ? sampledImage(surface, size) : displayImage(surface);
     if (picture.isNull())
         return;
-    if (m_fits)
-        m_zoomFactor = float(Zoom::fitFactor(picture.size(), m_scrollArea->maximumViewportSize()));
-    const QSize size = Zoom::scaled(picture.size(), m_zoomFactor);
     // Ahead of any scaling, which weighs colours by alpha.
     if (m_hideAlpha && picture.hasAlphaChannel())
         picture = picture.convertToFormat(QImage::Format_RGB32);

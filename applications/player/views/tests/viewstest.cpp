@@ -1,5 +1,6 @@
 #include "applications/player/description/descriptionfile.h"
 #include "applications/player/description/packagemodel.h"
+#include "applications/player/views/displayimage.h"
 #include "applications/player/views/picturelabel.h"
 #include "applications/player/views/picturesaver.h"
 #include "applications/player/views/valuetext.h"
@@ -93,6 +94,26 @@ TEST(PictureLabel, EnlargedPicturesArePaintedInPlace)
     // A picture of the size that 1600 percent of 4096 squared would have costs no memory of that size.
     label.setPicture(QImage(4096, 4096, QImage::Format_RGB32), {65536, 65536}, true, "Frozen.");
     EXPECT_EQ(label.width(), 65536);
+}
+
+TEST(DisplayImage, SamplesTheNearestPixelsInAnyFormat)
+{
+    using namespace Orn::Surfaces;
+    Surface ramp(SurfaceDescription(8, 12, L8)); // column + 16 * row
+    for (unsigned y = 0; y < 12; ++y)
+        for (unsigned x = 0; x < 8; ++x)
+            ramp.row(y)[x] = std::uint8_t(x + 16 * y);
+    for (const PixelFormat format : {L8, L16, L16F, L32F, RGB8, RGBA8, RGBA16, RGBA16F, RGBA32F}) {
+        auto surface = QSharedPointer<Surface>::create(SurfaceDescription(8, 12, format));
+        ASSERT_TRUE(convertTo(ramp, *surface, ConversionParameters{255})) << format;
+        const QImage image = sampledImage(surface, QSize(2, 3));
+        ASSERT_EQ(image.size(), QSize(2, 3)) << format;
+        // Centres of 4 x 4 pixels: columns 2 and 6, rows 2, 6 and 10.
+        for (int y = 0; y < 3; ++y)
+            for (int x = 0; x < 2; ++x)
+                EXPECT_EQ(qRed(image.pixel(x, y)), 2 + 4 * x + 16 * (2 + 4 * y)) << format;
+    }
+    EXPECT_TRUE(sampledImage({}, QSize(2, 3)).isNull());
 }
 
 TEST(PictureSaver, SuffixOfAFilter)
