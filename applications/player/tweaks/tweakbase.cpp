@@ -177,8 +177,6 @@ void TweakBase::endUserInteract()
 void TweakBase::adopt(QWidget* widget)
 {
     widget->installEventFilter(this);
-    if (widget->focusPolicy() & Qt::WheelFocus)
-        widget->setFocusPolicy(Qt::StrongFocus);
     auto* slider = qobject_cast<QAbstractSlider*>(widget);
     if (!slider)
         return;
@@ -189,11 +187,6 @@ void TweakBase::adopt(QWidget* widget)
 
 bool TweakBase::eventFilter(QObject* watched, QEvent* event)
 {
-    const auto* widget = qobject_cast<QWidget*>(watched);
-    if (widget && event->type() == QEvent::Wheel && !widget->hasFocus()) {
-        event->ignore(); // and let the panel scroll
-        return true;
-    }
     if (event->type() == QEvent::MouseButtonDblClick && qobject_cast<QAbstractSlider*>(watched)) {
         resetToDefault();
         return true;

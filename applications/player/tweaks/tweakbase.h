@@ -26,9 +26,8 @@ namespace Zph::Applications::Player {
 // Input and raises tweakChangedSignal(); the program writes through applyValue(). While the program writes to
 // the widgets their own signals count for nothing, so a change is told exactly once.
 //
-// The row also gives every kind the manners of the panel: a wheel turned over a widget without focus scrolls
-// the panel, a double click on a slider and an entry of the context menu go back to the default, and every
-// widget is named by the caption for assistive technology.
+// The row also gives every kind the manners of the panel: a double click on a slider and an entry of the
+// context menu go back to the default, and every widget is named by the caption for assistive technology.
 //
 // Owned by its Qt parent. Main thread.
 class TweakBase : public QFrame, public Input

@@ -2,7 +2,6 @@
 
 #include <QApplication>
 #include <QTest>
-#include <QWheelEvent>
 #include <gtest/gtest.h>
 
 #include <limits>
@@ -88,25 +87,6 @@ TEST(TweakRow, dragPinsForItsLength)
     emit row.find<QSlider>()->sliderPressed();
     emit row.find<QSlider>()->sliderReleased();
     EXPECT_TRUE(pinned()) << "a pin of the user outlives a drag";
-}
-
-TEST(TweakRow, wheelMovesOnlyWhatHasTheFocus)
-{
-    Row row(4, "<input/>", InputValue::fromInts(5));
-    row.tweak->show();
-    QSlider* slider = row.find<QSlider>();
-    const auto turn = [&] {
-        QWheelEvent event(slider->rect().center(), slider->mapToGlobal(slider->rect().center()), QPoint(),
-                          QPoint(0, 120), Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
-        QApplication::sendEvent(slider, &event);
-    };
-    turn();
-    EXPECT_EQ(row.integer(), 5);
-    QApplication::setActiveWindow(row.tweak.get());
-    slider->setFocus();
-    ASSERT_TRUE(slider->hasFocus());
-    turn();
-    EXPECT_NE(row.integer(), 5);
 }
 
 TEST(TweakRow, doubleClickOnASliderResets)
