@@ -33,13 +33,6 @@ QVector<PackageOutput> PackageModel::outputsOfGraph(const QString& key) const
     return outputs;
 }
 
-const PackageOutput* PackageModel::findOutput(quint32 uid) const
-{
-    const auto found = std::find_if(m_outputs.cbegin(), m_outputs.cend(),
-                                    [uid](const PackageOutput& output) { return output.uid == uid; });
-    return found == m_outputs.cend() ? nullptr : &*found;
-}
-
 void PackageModel::readGraphs()
 {
     for (const DescribedItem& graph : m_description.graphs()) {

@@ -77,7 +77,6 @@ public:
     const DescriptionIndex& description() const { return m_description; }
 
     QVector<PackageOutput> outputsOfGraph(const QString& key) const;
-    const PackageOutput* findOutput(quint32 uid) const; // null when unknown; valid as long as the model
 
 private:
     PackageInput makeInput(const VellorInputDesc& record, int index) const;

@@ -52,21 +52,20 @@ TEST(PackageModel, joinsEngineAndDescription)
     EXPECT_EQ(model.graphs()[2].key, "") << "for the output that nothing describes";
 
     ASSERT_EQ(model.outputs().size(), 3) << "an output that the engine lacks isn't there";
-    const PackageOutput& color = *model.findOutput(10);
+    const PackageOutput& color = model.outputs()[0];
     EXPECT_EQ(color.listText.toStdString(),
               "Bricks^512x512 [RGBA-8bits] - index:0 uid:10 - tag:'t' - usage:rgb:basecolor|opacity"
               " - 'Base %1 Color' (id:color) - description:'D'");
     EXPECT_EQ(color.usages, (QStringList{"basecolor", "opacity"}));
     EXPECT_EQ(color.label, "Base %1 Color");
-    const PackageOutput& dry = *model.findOutput(11);
+    const PackageOutput& dry = model.outputs()[1];
     EXPECT_EQ(dry.listText.toStdString(), "Bricks^<Numeric> [Int] - index:1 uid:11 - usage:|Mask - dry");
     EXPECT_TRUE(dry.boolean);
     EXPECT_EQ(dry.label, "dry");
     EXPECT_EQ(dry.visibleIf, "1");
-    const PackageOutput& unknown = *model.findOutput(99);
+    const PackageOutput& unknown = model.outputs()[2];
     EXPECT_EQ(unknown.listText.toStdString(), "^<Dynamic size> [Grayscale-16bits] - index:2 uid:99");
     EXPECT_EQ(unknown.label, "index:2 uid:99");
-    EXPECT_EQ(model.findOutput(50), nullptr);
     EXPECT_EQ(model.outputsOfGraph("pkg://a").size(), 2);
     ASSERT_EQ(model.alterationLinks().size(), 1u);
     EXPECT_EQ(model.alterationLinks()[0], std::set<quint32>{10});
