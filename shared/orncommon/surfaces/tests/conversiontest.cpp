@@ -217,6 +217,21 @@ TEST(Operations, PremultiplyAndDecode)
     EXPECT_EQ(pixelsOf(linear), (Bytes{128, 0, 255, 188})); // ((0.7373 + 0.055) / 1.055) ^ 2.4 = 0.5029
 }
 
+TEST(Operations, ConvertsToTheSameChannelsIn8Bits)
+{
+    Surface wide(SurfaceDescription(1, 1, RGB32F));
+    ASSERT_TRUE(fill(wide, 2.0f, 0.5f, -1.0f, 1.0f));
+    Surface narrow;
+    ASSERT_TRUE(convertTo8Bits(wide, narrow, ConversionParameters()));
+    EXPECT_EQ(narrow.format(), RGB8);
+    EXPECT_EQ(pixelsOf(narrow), (Bytes{255, 128, 0}));
+    Bytes in = {1, 2, 3};
+    Surface kept;
+    ASSERT_TRUE(convertTo8Bits(rowOver(in, BGR8), kept, ConversionParameters()));
+    EXPECT_EQ(kept.format(), BGR8);
+    EXPECT_EQ(pixelsOf(kept), in);
+}
+
 TEST(Operations, EmbedClipsAtEveryEdgeAndConverts)
 {
     Bytes in = {1, 2, 3, 4};
