@@ -11,7 +11,7 @@ namespace {
 /// Parked blocks take at most this many budgets of the host's disk.
 constexpr std::uint64_t kParkedBudgets = 4;
 /// Superseded results take at most one of so many parts of the budget.
-constexpr std::uint64_t kSupersededPart = 8;
+constexpr std::uint64_t kSupersededPart = 16;
 
 Key contentOf(const Image& image)
 {

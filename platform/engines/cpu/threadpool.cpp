@@ -18,7 +18,9 @@ ThreadPool::~ThreadPool()
 
 int ThreadPool::processors()
 {
-    return std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
+    // Asking opens a file of the system, and loops ask for every chunk.
+    static const int count = std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
+    return count;
 }
 
 void ThreadPool::grow(int threads)

@@ -121,13 +121,13 @@ TEST(Store, ADraggedSliderGoesRoundInAShareOfTheBudget)
     const int add = build.node("add", size, {build.node("ramp", size)});
     build.parameter(add, "amount", program::ParameterSource::Program, {}, build.inputValue(slider));
     build.output(build.node("spread", size, {add}), kGreyFloat);
-    TestHost host(build.program, withBudget(64));
+    TestHost host(build.program, withBudget(128));
     for (int i = 0; i < 60; ++i) {
         host.setFloat(0, static_cast<float>(i));
         host.compute({200});
         EXPECT_EQ(host.floats(0)[257], expected(i));
     }
-    // An eighth of the budget for what is superseded, two pictures each of the last two values, and the ramp.
+    // A sixteenth of the budget for what is superseded, two pictures each of the last two values, and the ramp.
     EXPECT_LE(host.handle()->liveBytes(), (8 + 2 * 2 + 1) * kPicture);
     EXPECT_EQ(host.parked, 0);
     counters().clear();
