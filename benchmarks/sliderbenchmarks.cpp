@@ -7,6 +7,7 @@
 #include "benchmarks/packages.h"
 
 #include <cmath>
+#include <utility>
 
 namespace {
 
@@ -15,6 +16,12 @@ using Zph::Applications::Player::TweakBase;
 
 constexpr int kTurns = 15;
 const QStringList kEveryOutput = {"Base Color", "Normal", "Roughness", "Height", "Ambient Occlusion"};
+
+/// A slider that is dragged is past the first turns, in which the engine's cache fills up.
+int warmUps(std::int64_t size)
+{
+    return size > 1024 ? 5 : 80;
+}
 
 /// Two hosts of one engine, the window and the bare one, with the same values in both.
 class Pair
@@ -26,12 +33,13 @@ public:
 
     OpenWindow& window() { return m_window; }
 
-    void change(Comparison& comparison, TweakBase& tweak, const InputValue& value)
+    /// What the window took, and the engine alone.
+    std::pair<Span, Span> change(TweakBase& tweak, const InputValue& value)
     {
         const Span window = m_window.change(tweak, value);
         m_alone.push(tweak.index(), tweak.type(), value);
-        const Span alone = Comparison::time([this] { m_alone.generate(m_window.shownOutputs()); });
-        comparison.add(window, alone);
+        const EngineAlone::Uids outputs = m_window.shownOutputs();
+        return {window, Comparison::time([&] { m_alone.generate(outputs); })};
     }
 
     void setSize(int exponent)
@@ -56,10 +64,13 @@ void sliderToPicture(benchmark::State& state, const QString& input, float from, 
     pair.window().showOutputs(outputs);
     pair.setSize(std::ilogb(state.range(0)));
     TweakBase& tweak = pair.window().tweak(input);
+    const auto next = [&] { return InputValue::fromFloats(from += step); }; // in no cache yet
+    for (int turn = 0; turn < warmUps(state.range(0)); ++turn)
+        pair.change(tweak, next());
     Comparison comparison(state, "the engine alone");
     for (auto turn : state) {
-        from += step; // a value that is in no cache yet
-        pair.change(comparison, tweak, InputValue::fromFloats(from));
+        const auto [window, alone] = pair.change(tweak, next());
+        comparison.add(window, alone);
     }
 }
 
