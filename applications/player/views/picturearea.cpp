@@ -18,6 +18,12 @@ void PictureArea::scrollBy(const QPoint& distance)
     verticalScrollBar()->setValue(verticalScrollBar()->value() + distance.y());
 }
 
+void PictureArea::resizeEvent(QResizeEvent* event)
+{
+    QScrollArea::resizeEvent(event);
+    emit resized();
+}
+
 void PictureArea::wheelEvent(QWheelEvent* event)
 {
     if (!(event->modifiers() & Qt::ControlModifier)) {

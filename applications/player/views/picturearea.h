@@ -19,8 +19,11 @@ signals:
     /// The wheel was turned by `steps` notches, away from the user being positive, over this point of the
     /// viewport.
     void zoomAsked(int steps, const QPoint& anchor);
+    /// The viewport has its new size.
+    void resized();
 
 protected:
+    void resizeEvent(QResizeEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;

@@ -92,9 +92,11 @@ void ViewOutput2D::makeToolbar()
 void ViewOutput2D::makeZoomCombo()
 {
     m_zoomCombo = new QComboBox(m_toolbar);
+    m_zoomCombo->setObjectName("zoom");
     m_zoomCombo->setMinimumWidth(40);
     m_zoomCombo->setEditable(true);
     m_zoomCombo->setInsertPolicy(QComboBox::NoInsert);
+    m_zoomCombo->setMaxVisibleItems(20);
     m_zoomCombo->setSizeAdjustPolicy(QComboBox::AdjustToContentsOnFirstShow);
     m_zoomCombo->setAccessibleName(tr("Zoom"));
     m_zoomCombo->setToolTip(tr("Zoom. Shortcut: [Ctrl+Wheel]."));
@@ -117,6 +119,10 @@ void ViewOutput2D::makePictureArea()
     m_scrollArea->setFrameShape(QFrame::NoFrame);
     m_scrollArea->setWidget(m_imageLabel);
     connect(m_scrollArea, &PictureArea::zoomAsked, this, &ViewOutput2D::zoomByWheel);
+    connect(m_scrollArea, &PictureArea::resized, this, [this] {
+        if (m_fits || m_display.isEmpty())
+            redisplay();
+    });
     connect(m_imageLabel, &PictureLabel::pointPicked, this, &ViewOutput2D::pickColor);
 
     m_outputInfoLabel = new QLabel(this);
@@ -311,7 +317,10 @@ void ViewOutput2D::redisplay()
         showNumbers();
     else {
         const bool isAwaited = m_outputTabs->currentIndex() >= 0;
-        m_imageLabel->setMessage(isFrozen() ? tr("Frozen.") : isAwaited ? tr("Computing...") : QString());
+        m_imageLabel->setMessage(isFrozen()  ? tr("Frozen.")
+                                 : isAwaited ? tr("Computing...")
+                                 : m_package ? QString()
+                                             : tr("Open a package, or drop one here."));
         m_imageLabel->resize(m_scrollArea->viewport()->size());
     }
 }
@@ -411,13 +420,6 @@ void ViewOutput2D::zoomByWheel(int steps, const QPoint& anchor)
     // The pixel under the pointer stays there.
     const QPointF shift = before * (m_zoomFactor / old) - before;
     m_scrollArea->scrollBy(QPoint(qRound(shift.x()), qRound(shift.y())));
-}
-
-void ViewOutput2D::resizeEvent(QResizeEvent* event)
-{
-    ViewOutput::resizeEvent(event);
-    if (m_fits || m_display.isEmpty())
-        redisplay();
 }
 
 void ViewOutput2D::pickColor(const QPoint& point)

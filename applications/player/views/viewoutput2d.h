@@ -53,9 +53,6 @@ public slots:
     void showMenuFromButton();
     void copyToClipboard();
 
-protected:
-    void resizeEvent(QResizeEvent* event) override;
-
 private:
     struct OutputRecord
     {
