@@ -41,7 +41,8 @@ TweakAngle::TweakAngle(quint32 type, const TweakContext& context, QWidget* paren
     : TweakBase(type, context, parent), m_spinBox(makeDoubleSpinBox(this, isFloatType(type) ? 3 : 0)),
       m_unitLabel(new QLabel(this)), m_dial(new QDial(this))
 {
-    m_spinBox->setMinimumWidth(30);
+    m_spinBox->setMinimumWidth(92);   // shows 359.999 whole
+    m_unitLabel->setMinimumWidth(62); // shows any unit, so that the dials of a panel stand in line
     m_dial->setRange(0, degrees - 1);
     m_dial->setWrapping(true);
     m_dial->setMinimumSize(36, 36);
