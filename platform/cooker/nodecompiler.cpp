@@ -440,8 +440,9 @@ std::int32_t NodeCompiler::resolve(const Scope& scope, const SourceText& from)
     const std::string owner = from.text.substr(0, from.text.find('.'));
     if (scope.pending.count(owner))
         return kNone;
-    m_diagnostics.error(from.place, "there is no picture '" + from.text + "'; expected " +
-                                        listOrNone(similarPictures(scope, owner)));
+    const std::vector<std::string> similar = similarPictures(scope, owner);
+    m_diagnostics.error(from.place, "there is no picture '" + from.text + "'" +
+                                        (similar.empty() ? "" : "; expected " + quotedList(similar)));
     return kNone;
 }
 
