@@ -259,7 +259,7 @@ void MainWindow::pinnedInputs(std::list<std::size_t>& indexes)
 void MainWindow::generationStarts(std::size_t outputs)
 {
     if (!Static::instance().timelineBusy)
-        status(tr("Generating %1 textures...").arg(outputs));
+        generationStatus(tr("Generating %1 textures...").arg(outputs));
 }
 
 void MainWindow::tweakChanged(std::vector<int> indexes)
@@ -310,13 +310,22 @@ void MainWindow::errorMsg(const QString& text)
 
 void MainWindow::progressMsg(int percent)
 {
-    status(tr("Generating %1%...").arg(percent));
+    generationStatus(tr("Generating %1%...").arg(percent));
     QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+}
+
+/// Tells of a generation for as long as it goes on, or until there is something else to tell.
+void MainWindow::generationStatus(const QString& text)
+{
+    m_generationText = text;
+    status(text);
 }
 
 void MainWindow::generationFinished(float seconds)
 {
     m_timeLabel->setText(tr("%1 ms").arg(int(seconds * 1000.0f)));
+    if (statusBar()->currentMessage() == m_generationText)
+        statusBar()->clearMessage();
 }
 
 // ---- The views

@@ -122,6 +122,7 @@ private:
     void connectPanels();
     void connectActions();
     void makeStatusBar();
+    void generationStatus(const QString& text);
     void restoreLayout();
     void loadTogether(const QStringList& filepaths);
     void generate();
@@ -155,6 +156,7 @@ private:
     TweaksList* m_tweaks = nullptr;
     QPointer<ErrorConsole> m_console;
     QLabel* m_timeLabel = nullptr;
+    QString m_generationText;
 };
 
 } // namespace Zph::Applications::Player
