@@ -92,6 +92,7 @@ TEST_F(Generation, AChangeComputesWhatItAltersAndSomebodyLooksAt)
     for (const Row& row : rows) {
         change(row.tweak, 0.75f);
         EXPECT_EQ(computed(), row.expected) << row.tweak;
+        EXPECT_FALSE(status().startsWith("Generating")) << row.tweak << ": it is over";
         change(row.tweak, 0.75f);
         EXPECT_EQ(computed(), QStringList()) << row.tweak << " as it was";
     }

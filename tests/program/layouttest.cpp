@@ -1,14 +1,17 @@
 // What survives a restart of the window, and what does not.
 
 #include "applications/player/shell/mainactions.h"
+#include "applications/player/views/picturelabel.h"
 #include "tests/program/programfixture.h"
 
 #include <QAction>
 #include <QApplication>
+#include <QComboBox>
 #include <QDockWidget>
 #include <QMenu>
 #include <QMenuBar>
 #include <QScreen>
+#include <QScrollArea>
 
 namespace Zph::Applications::Player::Tests {
 
@@ -68,6 +71,29 @@ TEST_F(Layout, StoredGeometryThatCannotBe)
     EXPECT_TRUE(window->isMaximized()) << "nobody finds a window that begins minimised";
     EXPECT_TRUE(screen.intersects(window->geometry()));
     EXPECT_FALSE(dock("areaParameters_0")->isHidden());
+}
+
+TEST_F(Layout, WhatAViewShowsFollowsItsSize)
+{
+    openWindow();
+    window->showNormal();
+    const auto& label = *views().first()->findChild<PictureLabel*>();
+    const auto& area = *views().first()->findChild<QScrollArea*>();
+    auto* zoom = views().first()->findChild<QComboBox*>("zoom");
+    ASSERT_NE(zoom, nullptr);
+    for (const bool hasPicture : {false, true}) {
+        if (hasPicture) {
+            ASSERT_TRUE(window->loadFile(putPackage("walls", "vlrar")));
+            zoom->setCurrentText("Fit.");
+            emit zoom->activated(zoom->findText("Fit."));
+        }
+        for (const QSize size : {QSize(780, 400), QSize(790, 600), QSize(770, 300)}) {
+            window->resize(size);
+            QApplication::processEvents();
+            const int side = std::min(area.viewport()->width(), area.viewport()->height()) - 6;
+            EXPECT_EQ(label.size(), hasPicture ? QSize(side, side) : area.viewport()->size()) << hasPicture;
+        }
+    }
 }
 
 TEST_F(Layout, EveryActionIsReachableAndNoShortcutServesTwo)
