@@ -7,8 +7,11 @@
 #include "tests/program/programfixture.h"
 
 #include <QApplication>
+#include <QDropEvent>
+#include <QMimeData>
 #include <QStatusBar>
 #include <QToolButton>
+#include <QUrl>
 
 namespace Zph::Applications::Player::Tests {
 
@@ -234,6 +237,49 @@ TEST_F(Generation, ClosingInsideAGenerationEndsInGoodOrder)
     EXPECT_EQ(window->windowTitle().toStdString(), "Vellor Player - script.vlrbin");
     ASSERT_TRUE(waitFor([this] { return window->windowTitle() == "Vellor Player - Remote file"; }));
     EXPECT_NE(window->engine(), nullptr);
+}
+
+TEST_F(Generation, AnythingOpenedInsideAGenerationWaitsForItsEnd)
+{
+    // A drop is no user input to the event loop and comes through. What it brings may be good or not.
+    struct Row
+    {
+        QStringList files;
+        const char* title;
+        bool isComputedAgain; // what the document of before did not get to
+    };
+    const Row rows[] = {
+        {{putPackage("floor", "vlr"), putPackage("walls", "vlr")}, "Vellor Player - floor.vlr [...]", false},
+        {{put("broken.vlr", "no package")}, "Vellor Player - script.vlrbin", true},
+    };
+    for (const Row& row : rows) {
+        QMimeData data;
+        QList<QUrl> urls;
+        for (const QString& file : row.files)
+            urls << QUrl::fromLocalFile(file);
+        data.setUrls(urls);
+        QStringList titles;
+        QObject context;
+        QObject::connect(
+            window->statusBar(), &QStatusBar::messageChanged, &context, [&](const QString& text) {
+                if (!titles.isEmpty() || !text.startsWith("Generating ") || !text.endsWith("%..."))
+                    return;
+                QDragEnterEvent enter(QPoint(), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+                QApplication::sendEvent(window.get(), &enter);
+                QDropEvent drop(QPointF(), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+                QApplication::sendEvent(window.get(), &drop);
+                titles << window->windowTitle();
+            });
+        openScript("progress 4 300\n");
+        ASSERT_EQ(titles, QStringList("Vellor Player - script.vlrbin"));
+        EXPECT_TRUE(engineLog.take().contains("Stop mode=1"));
+        ASSERT_TRUE(waitFor([&] { return status().startsWith("Load "); }));
+        EXPECT_TRUE(waitFor([&] { return window->windowTitle() == row.title; }));
+        QStringList again;
+        if (row.isComputedAgain)
+            EXPECT_TRUE(waitFor([&] { return (again << computed()).contains("21"); }));
+        EXPECT_FALSE(picture(*views().first()).isNull()) << row.title;
+    }
 }
 
 TEST_F(Generation, ViewsAreSplitAndClosed)

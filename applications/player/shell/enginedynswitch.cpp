@@ -5,7 +5,6 @@
 #include "applications/player/shell/mainwindow.h"
 #include "common/engine/backend.h"
 #include "common/engine/engineswitcher.h"
-#include "common/engine/libraryfile.h"
 #include "common/gui/engineselectionwidget.h"
 
 #include <QAction>
@@ -110,9 +109,9 @@ void EngineDynSwitch::reloadDynamicLibrary()
     const QString path = Switcher::current();
     if (path.isEmpty() || !m_window)
         return;
-    // The engine that runs stays until the new file is whole, and until the generation that it is in has
-    // ended.
-    if (m_window->isGenerating() || !Zph::Engine::isWholeLibrary(path)) {
+    // The engine that runs stays until the file is an engine again, and until the generation that it is in
+    // has ended.
+    if (m_window->isGenerating() || !Zph::Engine::probe(path)) {
         // A file that is away comes back when the build is done, however long that takes.
         if (!QFileInfo::exists(path) || ++m_settleTries < kSettleTries)
             m_settleTimer.start();
