@@ -60,12 +60,29 @@ void openFirstDocument(MainWindow& window)
         window.loadFile(files.first());
 }
 
+/// Help and version are for scripts too: where there is no display, they make do with a platform that draws
+/// nowhere.
+void allowMissingDisplay(int argc, char** argv)
+{
+    for (const char* variable : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
+        if (qEnvironmentVariableIsSet(variable))
+            return;
+    QStringList texts;
+    for (int i = 0; i < argc; ++i)
+        texts << QString::fromLocal8Bit(argv[i]);
+    CmdLineArgs arguments;
+    arguments.parse(texts);
+    if (arguments.isHelpSet() || arguments.isVersionSet())
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
     initResources();
     Startup::setApplicationAttributes();
+    allowMissingDisplay(argc, argv);
     auto application = std::make_unique<QApplication>(argc, argv);
     Startup::setIdentity();
     Startup::startLogging();
