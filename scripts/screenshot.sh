@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Under an X display: starts the player on a package, waits for its pictures, saves the screen as a PNG, ends the player.
+# Under an X display: starts the player on a package, waits for its pictures, saves the window as a PNG, ends the player.
 #   screenshot.sh PLAYER PACKAGE OUT.png
 set -euo pipefail
 "$1" "$2" &
@@ -13,5 +13,5 @@ for _ in $(seq 100); do
 done
 [[ -n $window ]] || { echo "The window did not open its package." >&2; exit 1; }
 sleep 2 # the first generation and the paint after it
-xwd -silent -root | convert xwd:- "png:$3"
+xwd -silent -id "$window" | convert xwd:- "png:$3"
 echo "Saved $3"
