@@ -276,8 +276,9 @@ TEST_F(Generation, AnythingOpenedInsideAGenerationWaitsForItsEnd)
         ASSERT_TRUE(waitFor([&] { return status().startsWith("Load "); }));
         EXPECT_TRUE(waitFor([&] { return window->windowTitle() == row.title; }));
         QStringList again;
-        if (row.isComputedAgain)
+        if (row.isComputedAgain) {
             EXPECT_TRUE(waitFor([&] { return (again << computed()).contains("21"); }));
+        }
         EXPECT_FALSE(picture(*views().first()).isNull()) << row.title;
     }
 }

@@ -12,7 +12,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <cstring>
 #include <limits>
 #include <memory>
 
@@ -110,11 +109,15 @@ BlockKind blockKind(quint8 format)
 
 constexpr int ddsHeaderBytes = 128;
 
-void writeDdsHeader(char* header, const VellorTexture& texture, quint32 dataBytes, const char* fourCC)
+QByteArray ddsHeader(const VellorTexture& texture, quint32 dataBytes, const char* fourCC)
 {
-    const auto put = [header](int offset, quint32 value) { qToLittleEndian(value, header + offset); };
-    std::memset(header, 0, ddsHeaderBytes);
-    std::memcpy(header, "DDS ", 4);
+    QByteArray header(ddsHeaderBytes, 0);
+    const auto put = [&header](int offset, quint32 value) {
+        const quint32 stored = qToLittleEndian(value);
+        header.replace(offset, int(sizeof stored), reinterpret_cast<const char*>(&stored),
+                       int(sizeof stored));
+    };
+    header.replace(0, 4, "DDS ", 4);
     put(4, 124);     // header size
     put(8, 0x81007); // caps, height, width, pixel format and linear size are there
     put(12, texture.height);
@@ -122,8 +125,9 @@ void writeDdsHeader(char* header, const VellorTexture& texture, quint32 dataByte
     put(20, dataBytes);
     put(76, 32); // pixel format size
     put(80, 4);  // it is a fourCC
-    std::memcpy(header + 84, fourCC, 4);
+    header.replace(84, 4, fourCC, 4);
     put(108, 0x1000); // a texture
+    return header;
 }
 
 /// Goes through the "dds" reader of the image library, behind a header made for it.
@@ -139,9 +143,8 @@ SurfacePtr fromBlocks(const VellorTexture& texture, Buffer buffer)
         bytes *= texture.height >> 2;
     if (bytes > quint64(std::numeric_limits<int>::max() - ddsHeaderBytes))
         return {};
-    QByteArray file(ddsHeaderBytes + int(bytes), Qt::Uninitialized);
-    writeDdsHeader(file.data(), texture, quint32(bytes), kind.fourCC);
-    std::memcpy(file.data() + ddsHeaderBytes, buffer.get(), bytes);
+    QByteArray file = ddsHeader(texture, quint32(bytes), kind.fourCC);
+    file.append(static_cast<const char*>(buffer.get()), int(bytes));
 
     QBuffer device(&file);
     device.open(QIODevice::ReadOnly);
