@@ -1,5 +1,6 @@
 #include "platform/program/valuebuilder.h"
 
+#include "platform/program/integeroperations.h"
 #include "platform/program/opinfo.h"
 #include "platform/program/types.h"
 
@@ -64,36 +65,9 @@ std::optional<std::uint32_t> foldFloat(Op op, float a, float b)
 
 std::optional<std::uint32_t> foldInteger(Op op, std::uint32_t a, std::uint32_t b)
 {
-    const auto x = static_cast<std::int32_t>(a), y = static_cast<std::int32_t>(b);
     switch (op) {
-    case Op::IAdd:
-        return a + b;
-    case Op::ISub:
-        return a - b;
-    case Op::IMul:
-        return a * b;
-    case Op::INeg:
-        return 0u - a;
-    case Op::IMin:
-        return x < y ? a : b;
-    case Op::IMax:
-        return x > y ? a : b;
-    case Op::IAnd:
-        return a & b;
-    case Op::IOr:
-        return a | b;
-    case Op::IXor:
-        return a ^ b;
-    case Op::ILess:
-        return x < y;
-    case Op::ILessEqual:
-        return x <= y;
-    case Op::IEqual:
-        return x == y;
-    case Op::INot:
-        return a == 0;
     case Op::IToF:
-        return floatBits(static_cast<float>(x));
+        return floatBits(static_cast<float>(static_cast<std::int32_t>(a)));
     case Op::FToI: {
         const float value = bitsFloat(a);
         if (!(std::fabs(value) < 2147483648.0f))
@@ -101,7 +75,7 @@ std::optional<std::uint32_t> foldInteger(Op op, std::uint32_t a, std::uint32_t b
         return static_cast<std::uint32_t>(static_cast<std::int32_t>(value));
     }
     default:
-        return std::nullopt;
+        return op >= Op::IAdd && op <= Op::INot ? std::optional(applyInteger(op, a, b, 0)) : std::nullopt;
     }
 }
 
