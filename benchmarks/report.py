@@ -53,9 +53,9 @@ def startup_rows(build, runs):
              "note": f"{min(times)} to {max(times)}"}]
 
 
-def benchmark_rows(build, pattern):
+def benchmark_rows(program, pattern):
     with tempfile.NamedTemporaryFile(suffix=".json") as result:
-        command = [f"{build}/benchmarks/vellor_benchmarks", f"--benchmark_out={result.name}",
+        command = [program, f"--benchmark_out={result.name}",
                    "--benchmark_out_format=json"]
         if pattern:
             command.append(f"--benchmark_filter={pattern}")
@@ -69,7 +69,7 @@ def rows_of(run):
         sys.exit(f"{run['name']}: {run['error_message']}")
     name = re.sub(r"/(iterations:\d+|manual_time)", "", run["name"])
     yield {"name": name, "ms": run["ms"], "beside": run["beside"], "rival": run["label"],
-           "outside": 1 - run["beside_processor"] / run["processor_ms"]}
+           "outside": 1 - run["beside_processor"] / run["processor_ms"], "aim": run.get("aim")}
     for key, value in run.items():
         if key.startswith("part "):
             yield {"name": f"  of it: {key[5:]}", "ms": value}
@@ -81,8 +81,12 @@ def cells(row):
         return [*cell, "", "", row.get("note", "")]
     if row["rival"] in ENGINE_RIVALS:
         verdict = f"{100 * row['outside']:.1f} % outside the engine"
-    else:
+    elif row["aim"] is None or row["aim"] < 0:
         verdict = f"{row['ms'] / row['beside']:.2f} of it"
+    else:
+        verdict = f"{row['beside'] / row['ms']:.2f} times as fast"
+    if row["aim"] is not None:
+        verdict += f" (aim {abs(row['aim']):g})"
     return [*cell, f"{row['beside']:.1f}", row["rival"], verdict]
 
 
@@ -117,7 +121,8 @@ def main():
     rows = []
     if re.search(options.filter, STARTUP):
         rows += startup_rows(options.build, options.runs)
-    rows += benchmark_rows(options.build, options.filter)
+    for program in ("vellor_benchmarks", "vellor_operationbenchmarks"):
+        rows += benchmark_rows(f"{options.build}/benchmarks/{program}", options.filter)
     print_table(rows, options.markdown)
     print(f"\n{os.cpu_count()} processors; load average before the run {load:.1f}, after it {os.getloadavg()[0]:.1f}.")
 

@@ -4,12 +4,13 @@
 
 vellor_root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
+# vellor_install_packages LIST
 vellor_install_packages() {
     local missing=() package
     while read -r package; do
         [[ -z $package || $package == \#* ]] && continue
         dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'ok installed' || missing+=("$package")
-    done <"$vellor_root/scripts/packages.txt"
+    done <"$1"
     ((${#missing[@]})) || return 0
     local as_root=()
     if ((EUID != 0)); then
@@ -25,7 +26,7 @@ vellor_install_packages() {
 }
 
 vellor_prepare() {
-    vellor_install_packages || return 1
+    vellor_install_packages "$vellor_root/scripts/packages.txt" || return 1
     local targets=()
     (($#)) && targets=(--target "$@")
     # A tree that was configured before keeps its generator and build type.

@@ -415,10 +415,11 @@ void NodeCompiler::setSizeAndSeed(Job& job)
     const bool good = guarded(job.source.place, [&] {
         ExpressionCompiler sizes(m_sources), seeds(m_sources);
         job.node.size = m_pool.value(sizes.finish(job.scope.size(sizes, job.source.size), ValueType::Int2));
+        // An expression for a seed that nobody reads is still checked.
         const program::ValueProgram seed =
             seeds.finish(job.scope.seed(seeds, job.source.seed), ValueType::Int);
         const auto constant = program::constantResult(seed);
-        if (!constant || (*constant)[0] != 0)
+        if (job.declaration.chance == nodes::Chance::Seeded && (!constant || (*constant)[0] != 0))
             job.node.seed = m_pool.value(seed);
     });
     job.failed = job.failed || !good;

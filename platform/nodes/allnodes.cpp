@@ -5,45 +5,9 @@ namespace vellor::nodes {
 const std::vector<const NodeDeclaration*>& allNodes()
 {
     static const std::vector<const NodeDeclaration*> nodes{
-        &ambientocclusionNode,
-        &blendNode,
-        &brickNode,
-        &cellularNode,
-        &channelmergeNode,
-        &channelsplitNode,
-        &checkerNode,
-        &colourconversionNode,
-        &contrastNode,
-        &curvatureNode,
-        &curveNode,
-        &directionalblurNode,
-        &distanceNode,
-        &gaussianblurNode,
-        &gradientmapNode,
-        &greyconversionNode,
-        &heightblendNode,
-        &histogramrangeNode,
-        &hslNode,
-        &imageinputNode,
-        &invertNode,
-        &levelsNode,
-        &lineargradientNode,
-        &normalNode,
-        &perlinNode,
-        &pixelprogramNode,
-        &posteriseNode,
-        &radialgradientNode,
-        &shapeNode,
-        &switchNode,
-        &textNode,
-        &thresholdNode,
-        &tileNode,
-        &transformNode,
-        &uniformNode,
-        &vectorwarpNode,
-        &warpNode,
-        &weaveNode,
-        &whitenoiseNode,
+#define VELLOR_KIND(kind) &kind##Node,
+#include "platform/nodes/kindlist.inc"
+#undef VELLOR_KIND
     };
     return nodes;
 }

@@ -3,7 +3,7 @@
 // What a node kind is: its declaration, read by the cooker, the documentation, the engine and the tests, and
 // its kernel.
 //
-// One kind is one file in this folder. It declares operands (images that come in by links) and parameters,
+// One kind is one file in the folder of its category. It declares operands (images that come in by links) and parameters,
 // and gives a kernel of one of two shapes:
 //
 //  - A *point* kernel computes a row of pixels from the same pixels of its operands. The engine fuses chains
@@ -169,6 +169,13 @@ struct ScratchShape
     int width = 0, height = 0, channels = 1;
 };
 
+/// Whether the result depends on the seed of the evaluation.
+enum class Chance : std::uint8_t
+{
+    None,
+    Seeded
+};
+
 struct NodeDeclaration
 {
     const char* name;     // stable: part of authoring files and compiled packages
@@ -177,6 +184,7 @@ struct NodeDeclaration
                           // "Surface", "Programs"
     const char* text;     // what it does, for the documentation; names the source of its method
     ResultChannels result;
+    Chance chance;
     std::vector<OperandDeclaration> operands;
     std::vector<ParameterDeclaration> parameters;
 

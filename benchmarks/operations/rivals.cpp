@@ -1,0 +1,65 @@
+#include "benchmarks/operations/rivals.h"
+
+#include <opencv2/core/utility.hpp>
+
+#include <cmath>
+
+void compare(benchmark::State& state, const std::string& rival, Aim kind, double aim,
+             const std::function<void()>& ours, const std::function<void()>& theirs)
+{
+    cv::setNumThreads(int(state.range(0)));
+    theirs();
+    ours();
+    Comparison comparison(state, rival);
+    for (auto turn : state) {
+        const Span beside = Comparison::time(theirs);
+        comparison.add(Comparison::time(ours), beside);
+    }
+    state.counters["aim"] = kind == Aim::AtMost ? -aim : aim;
+}
+
+void registerOperation(const std::string& name, void (*measure)(benchmark::State&))
+{
+    benchmark::RegisterBenchmark(name.c_str(), measure)
+        ->ArgName("threads")
+        ->Arg(1)
+        ->Arg(2)
+        ->Iterations(9)
+        ->UseManualTime();
+}
+
+cv::Mat matrixOf(const vellor::cpu::Image& image)
+{
+    const vellor::nodes::ImageView view = image.view();
+    std::vector<cv::Mat> planes;
+    for (int c = 0; c < view.channels; ++c)
+        planes.emplace_back(view.height, view.width, CV_32FC1, const_cast<float*>(view.planes[c]),
+                            std::size_t(view.stride) * sizeof(float));
+    cv::Mat matrix;
+    cv::merge(planes, matrix);
+    return matrix;
+}
+
+int addMatrix(OperationGraph& graph, const cv::Mat& matrix)
+{
+    const int channels = matrix.channels();
+    return graph.addPicture(channels,
+                            [&](int x, int y, int c) { return matrix.ptr<float>(y)[x * channels + c]; });
+}
+
+cv::Mat testPicture(int channels, int side)
+{
+    cv::Mat matrix(side, side, CV_32FC(channels));
+    for (int y = 0; y < side; ++y) {
+        float* row = matrix.ptr<float>(y);
+        for (int x = 0; x < side; ++x)
+            for (int c = 0; c < channels; ++c) {
+                const double u = 2 * M_PI * x / side, v = 2 * M_PI * y / side;
+                const double shape =
+                    std::sin(3 * u + c) * std::sin(2 * v) + 0.3 * std::sin(41 * u) * std::sin(37 * v + c);
+                const unsigned hash = (unsigned(x) * 0x9e3779b1u ^ unsigned(y) * 0x85ebca77u) * 0x7feb352du;
+                row[x * channels + c] = float(0.5 + 0.35 * shape) + float(hash >> 24) * (0.05f / 256);
+            }
+    }
+    return matrix;
+}
