@@ -35,7 +35,7 @@ const NodeDeclaration gaussianblurNode{
     "gaussianblur",
     "Gaussian Blur",
     "Neighbourhood",
-    "Blurs with a Gaussian, true to 5e-4 of full scale for every width. Wraps around.",
+    "Blurs with a Gaussian, true to 2e-4 of full scale for every width. Wraps around.",
     ResultChannels::FromOperands,
     Chance::None,
     {{"input", OperandChannels::Result, true, "The picture to blur."}},
