@@ -1,20 +1,71 @@
-// Point operations beside OpenCV's and beside the memory traffic of the same run.
+// Point operations beside OpenCV's and libvips', and beside the memory traffic of the same run.
 
 #include "benchmarks/operations/rivals.h"
 
 #include <opencv2/core.hpp>
+#include <opencv2/imgproc.hpp>
+#include <vips/vips.h>
+
+#include <cstring>
+#include <thread>
 
 namespace {
 
+/// Copies the bytes that an operation must move, half of them read and half written, on the threads that it
+/// has.
+class Traffic
+{
+public:
+    Traffic(int planesRead, int planesWritten, int threads)
+        : m_from(half(planesRead + planesWritten), 1), m_to(m_from.size(), 2), m_threads(threads)
+    {
+    }
+
+    void operator()()
+    {
+        std::thread second;
+        const std::size_t first = m_from.size() / std::size_t(m_threads);
+        if (m_threads > 1)
+            second = std::thread([&] { copy(first, m_from.size()); });
+        copy(0, first);
+        if (second.joinable())
+            second.join();
+    }
+
+private:
+    static std::size_t half(int planes) { return std::size_t(planes) * kSide * kSide * sizeof(float) / 2; }
+    void copy(std::size_t begin, std::size_t end)
+    {
+        std::memcpy(m_to.data() + begin, m_from.data() + begin, end - begin);
+    }
+
+    std::vector<char> m_from, m_to;
+    int m_threads;
+};
+
+struct Point
+{
+    explicit Point(benchmark::State& state) : threads(int(state.range(0))), graph(kSide, kSide, threads) {}
+
+    int add(const cv::Mat& matrix) { return addMatrix(graph, matrix); }
+
+    int threads;
+    OperationGraph graph;
+};
+
+int levelsNode(Point& point, int channels, int operand)
+{
+    return point.graph.addNode("levels", channels, {operand}, {{"inlow", 0.2}, {"inhigh", 0.9}});
+}
+
 void levels(benchmark::State& state)
 {
-    OperationGraph graph(kSide, kSide, int(state.range(0)));
+    Point point(state);
     const cv::Mat source = testPicture(1);
-    const int node =
-        graph.addNode("levels", 1, {addMatrix(graph, source)}, {{"inlow", 0.2}, {"inhigh", 0.9}});
+    const int node = levelsNode(point, 1, point.add(source));
     cv::Mat result, clamped;
     compare(
-        state, "OpenCV subtract, scale, min, max", Aim::AtLeast, 1.0, [&] { graph.run(node); },
+        state, "OpenCV subtract, scale, min, max", Aim::AtLeast, 1.0, [&] { point.graph.run(node); },
         [&] {
             source.convertTo(result, CV_32F, 1 / 0.7, -0.2 / 0.7);
             cv::max(result, 0.0f, clamped);
@@ -22,8 +73,180 @@ void levels(benchmark::State& state)
         });
 }
 
+void levelsTraffic(benchmark::State& state)
+{
+    Point point(state);
+    const int node = levelsNode(point, 1, point.add(testPicture(1)));
+    Traffic traffic(1, 1, point.threads);
+    compare(
+        state, "copying its bytes", Aim::AtLeast, point.threads > 1 ? 0.75 : 0.85,
+        [&] { point.graph.run(node); }, traffic);
+}
+
+/// The blend of two RGBA pictures, alpha as the other channels, as OpenCV multiplies.
+int multiplyNode(Point& point, int source, int background)
+{
+    return point.graph.addNode("blend", 4, {source, background}, {{"mode", 3}, {"alpha", 2}});
+}
+
+void multiply(benchmark::State& state)
+{
+    Point point(state);
+    const cv::Mat a = testPicture(4), b = testPicture(4).t();
+    const int node = multiplyNode(point, point.add(a), point.add(b));
+    cv::Mat result;
+    compare(
+        state, "OpenCV multiply", Aim::AtLeast, 1.0, [&] { point.graph.run(node); },
+        [&] { cv::multiply(a, b, result); });
+}
+
+void multiplyTraffic(benchmark::State& state)
+{
+    Point point(state);
+    const int a = point.add(testPicture(4)), b = point.add(testPicture(4).t());
+    const int node = multiplyNode(point, a, b);
+    Traffic traffic(8, 4, point.threads);
+    compare(
+        state, "copying its bytes", Aim::AtLeast, point.threads > 1 ? 0.75 : 0.85,
+        [&] { point.graph.run(node); }, traffic);
+}
+
+int matrixNode(Point& point, int operand)
+{
+    using Row = std::array<double, 4>;
+    return point.graph.addNode("colourmatrix", 4, {operand},
+                               {{"red", Row{0.4, 0.8, 0.2, 0}},
+                                {"green", Row{0.3, 0.7, 0.2, 0}},
+                                {"blue", Row{0.3, 0.5, 0.1, 0}}});
+}
+
+void colourMatrix(benchmark::State& state)
+{
+    Point point(state);
+    const cv::Mat source = testPicture(4);
+    const int node = matrixNode(point, point.add(source));
+    const cv::Mat matrix =
+        (cv::Mat_<float>(4, 4) << 0.4, 0.8, 0.2, 0, 0.3, 0.7, 0.2, 0, 0.3, 0.5, 0.1, 0, 0, 0, 0, 1);
+    cv::Mat result;
+    compare(
+        state, "OpenCV transform", Aim::AtLeast, 1.0, [&] { point.graph.run(node); },
+        [&] { cv::transform(source, result, matrix); });
+}
+
+void colourMatrixTraffic(benchmark::State& state)
+{
+    Point point(state);
+    const int node = matrixNode(point, point.add(testPicture(4)));
+    Traffic traffic(4, 4, point.threads);
+    compare(
+        state, "copying its bytes", Aim::AtLeast, point.threads > 1 ? 0.75 : 0.85,
+        [&] { point.graph.run(node); }, traffic);
+}
+
+/// Levels, multiplied with opacity and mask, channels shuffled: beside the multiplication alone.
+void fusedChain(benchmark::State& state)
+{
+    Point point(state);
+    const int a = point.add(testPicture(4)), b = point.add(testPicture(4).t()),
+              mask = point.add(testPicture(1));
+    const std::vector<Setting> settings = {{"mode", 3}, {"opacity", 0.7}};
+    const int alone = point.graph.addNode("blend", 4, {a, b, mask}, settings);
+    const int blended = point.graph.addNode("blend", 4, {levelsNode(point, 4, a), b, mask}, settings);
+    const int shuffled = point.graph.addNode("channelshuffle", 4, {blended}, {{"red", 2}, {"blue", 0}});
+    compare(
+        state, "its multiplication alone", Aim::AtMost, 1.3, [&] { point.graph.run(shuffled); },
+        [&] { point.graph.run(alone); });
+}
+
+void gamma(benchmark::State& state)
+{
+    Point point(state);
+    const cv::Mat source = testPicture(1);
+    const int node = point.graph.addNode("gamma", 1, {point.add(source)});
+    cv::Mat result;
+    compare(
+        state, "OpenCV pow", Aim::AtLeast, 2.5, [&] { point.graph.run(node); },
+        [&] { cv::pow(source, 1 / 2.2, result); });
+}
+
+void hueSaturationLightness(benchmark::State& state)
+{
+    Point point(state);
+    const cv::Mat source = testPicture(4);
+    const int node = point.graph.addNode("hsl", 4, {point.add(source)},
+                                         {{"hue", 0.1}, {"saturation", 0.2}, {"lightness", 0.1}});
+    cv::Mat bgr, hls, changed, result;
+    cv::cvtColor(source, bgr, cv::COLOR_RGBA2BGR);
+    compare(
+        state, "OpenCV to HLS, scale, and back", Aim::AtLeast, 1.2, [&] { point.graph.run(node); },
+        [&] {
+            cv::cvtColor(bgr, hls, cv::COLOR_BGR2HLS);
+            cv::transform(hls, changed, cv::Matx34f(1, 0, 0, 36, 0, 0.9f, 0, 0.1f, 0, 0, 1.2f, 0));
+            cv::cvtColor(changed, result, cv::COLOR_HLS2BGR);
+        });
+}
+
+void channelShuffle(benchmark::State& state)
+{
+    Point point(state);
+    const cv::Mat source = testPicture(4);
+    const int node = point.graph.addNode("channelshuffle", 4, {point.add(source)}, {{"red", 2}, {"blue", 0}});
+    cv::Mat result(source.size(), source.type());
+    const int pairs[] = {0, 2, 1, 1, 2, 0, 3, 3};
+    compare(
+        state, "OpenCV mixChannels", Aim::AtLeast, 1.5, [&] { point.graph.run(node); },
+        [&] { cv::mixChannels(&source, 1, &result, 1, pairs, 4); });
+}
+
+/// A matrix of RGBA floats as a picture of libvips in sRGB with 0 to 1; the matrix stays the owner.
+VipsImage* vipsOf(const cv::Mat& matrix)
+{
+    VipsImage* raw = vips_image_new_from_memory(matrix.data, matrix.total() * matrix.elemSize(), matrix.cols,
+                                                matrix.rows, 4, VIPS_FORMAT_FLOAT);
+    VipsImage* image = nullptr;
+    vips_copy(raw, &image, "interpretation", VIPS_INTERPRETATION_scRGB, nullptr);
+    g_object_unref(raw);
+    return image;
+}
+
+template<int mode, VipsBlendMode vipsMode> void blendOver(benchmark::State& state)
+{
+    Point point(state);
+    vips_init("");
+    vips_concurrency_set(point.threads);
+    const cv::Mat source = testPicture(4), background = testPicture(4).t();
+    const int node =
+        point.graph.addNode("blend", 4, {point.add(source), point.add(background)}, {{"mode", double(mode)}});
+    VipsImage *over = vipsOf(source), *under = vipsOf(background);
+    compare(
+        state, "libvips composite", Aim::AtLeast, 20.0, [&] { point.graph.run(node); },
+        [&] {
+            VipsImage *result = nullptr, *memory = nullptr;
+            vips_composite2(under, over, &result, vipsMode, "compositing_space", VIPS_INTERPRETATION_scRGB,
+                            nullptr);
+            memory = vips_image_copy_memory(result);
+            g_object_unref(memory);
+            g_object_unref(result);
+        });
+    g_object_unref(over);
+    g_object_unref(under);
+}
+
 const bool registered = [] {
     registerOperation("levels, grey float", levels);
+    registerOperation("levels, grey float, traffic", levelsTraffic);
+    registerOperation("multiply, RGBA float", multiply);
+    registerOperation("multiply, RGBA float, traffic", multiplyTraffic);
+    registerOperation("colour matrix, RGBA float", colourMatrix);
+    registerOperation("colour matrix, RGBA float, traffic", colourMatrixTraffic);
+    registerOperation("levels, multiply, shuffle as one, RGBA float", fusedChain);
+    registerOperation("gamma, grey float", gamma);
+    registerOperation("hue, saturation, lightness, RGBA float", hueSaturationLightness);
+    registerOperation("channel shuffle, RGBA float", channelShuffle);
+    registerOperation("blend normal over, RGBA float", blendOver<0, VIPS_BLEND_MODE_OVER>);
+    registerOperation("blend multiply over, RGBA float", blendOver<3, VIPS_BLEND_MODE_MULTIPLY>);
+    registerOperation("blend softlight over, RGBA float", blendOver<7, VIPS_BLEND_MODE_SOFT_LIGHT>);
+    registerOperation("blend colourdodge over, RGBA float", blendOver<16, VIPS_BLEND_MODE_COLOUR_DODGE>);
     return true;
 }();
 

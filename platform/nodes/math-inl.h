@@ -8,12 +8,14 @@
 
 constexpr float kPi = 3.14159265358979f;
 
-/// 2^x, within 2 ulp. Below -126 the result is 0, above 127.99 it stays at 2^127.99.
-inline F exp2Of(F x)
+inline F clampOf(F a, F low, F high)
 {
-    const F clamped = minOf(maxOf(x, F(-126.0f)), F(127.99f));
-    const F whole = roundOf(clamped);
-    const F r = clamped - whole; // -0.5 to 0.5: Taylor's series of e^(r ln 2)
+    return minOf(maxOf(a, low), high);
+}
+
+/// 2^(whole + r), whole from -126 to 127 and r from -0.51 to 0.51: Taylor's series of e^(r ln 2).
+inline F exp2OfParts(F whole, F r)
+{
     F p = r * F(1.5252733804e-5f) + F(1.5403530393e-4f);
     p = p * r + F(1.3333558146e-3f);
     p = p * r + F(9.6181291076e-3f);
@@ -21,8 +23,15 @@ inline F exp2Of(F x)
     p = p * r + F(2.4022650696e-1f);
     p = p * r + F(6.9314718056e-1f);
     p = p * r + F(1.0f);
-    const F scaled = p * floatOfBits((toInteger(whole) + U(127u)) << 23);
-    return choose(x < F(-126.0f), F(0.0f), scaled);
+    return p * floatOfBits((toInteger(whole) + U(127u)) << 23);
+}
+
+/// 2^x, within 2 ulp. Below -126 the result is 0, above 127.49 it stays at 2^127.49.
+inline F exp2Of(F x)
+{
+    const F clamped = minOf(maxOf(x, F(-126.0f)), F(127.49f));
+    const F whole = roundOf(clamped);
+    return choose(x < F(-126.0f), F(0.0f), exp2OfParts(whole, clamped - whole));
 }
 
 /// e^x, within 2 ulp plus 1e-7 |x| of the result.
@@ -31,11 +40,15 @@ inline F expOf(F x)
     return exp2Of(x * F(1.44269504089f));
 }
 
-/// The logarithm to base 2, within 2 ulp or 2e-7 of 1, whichever is more. Below 2^-126, and for what is
-/// negative, -126.
-inline F log2Of(F x)
+/// The logarithm to base 2 of a number from 2^-126 up: a whole number, and the rest from -0.5 to 0.5 within
+/// 1e-7.
+struct Log2Parts
 {
-    const F a = maxOf(x, F(1.17549435e-38f));
+    F whole, rest;
+};
+
+inline Log2Parts log2PartsOf(F a)
+{
     // Mantissa in [sqrt(1/2), sqrt(2)): move the exponent's step there by an offset in the bits.
     const U shifted = bitsOf(a) - U(0x3f3504f3u);
     const U exponentBits = shifted & U(0xff800000u);
@@ -47,7 +60,15 @@ inline F log2Of(F x)
     p = p * z + F(0.41219858311f);
     p = p * z + F(0.57707801636f);
     p = p * z * z + z * F(0.96179669393f);
-    return exponent + (s * p + s * F(2.88539008178f));
+    return {exponent, s * p + s * F(2.88539008178f)};
+}
+
+/// The logarithm to base 2, within 2 ulp or 2e-7 of 1, whichever is more. Below 2^-126, and for what is
+/// negative, -126.
+inline F log2Of(F x)
+{
+    const Log2Parts parts = log2PartsOf(maxOf(x, F(1.17549435e-38f)));
+    return parts.whole + parts.rest;
 }
 
 /// The natural logarithm; limits as log2Of.
@@ -56,18 +77,33 @@ inline F logOf(F x)
     return log2Of(x) * F(0.69314718056f);
 }
 
-/// x^y, within 3 ulp plus 3e-7 |y log2 x| of the result. Anything to the 0 is 1; 0 to anything else is 0. A
-/// negative x has powers of whole y alone; with any other y the result is 0.
+/// x^y for x from 0 up, within 2 + |y| ulp wherever the result is from 2^-126 to 2^127. Below, the result is
+/// 0, above it stays near 2^127.5. Anything to the 0 is 1; 0, and what is negative, to anything else is 0.
+inline F powOfPositive(F x, F y)
+{
+    const Log2Parts log = log2PartsOf(maxOf(x, F(1.17549435e-38f)));
+    // The product of y's first 16 bits with the logarithm's whole part is exact, so that the fraction of y
+    // log2 x keeps its bits however large the whole is.
+    const F high = floatOfBits(bitsOf(y) & U(0xffffff00u));
+    const F large = high * log.whole;
+    const F small = y * log.rest + (y - high) * log.whole;
+    const F sum = large + small;
+    const F whole = roundOf(clampOf(sum, F(-126.0f), F(127.0f)));
+    const F power = exp2OfParts(whole, clampOf((large - whole) + small, F(-0.51f), F(0.51f)));
+    const F result = choose((x <= F(0.0f)) | (sum < F(-126.0f)), F(0.0f), power);
+    return choose(y == F(0.0f), F(1.0f), result);
+}
+
+/// x^y: powOfPositive of |x| with a sign. A negative x has powers of whole y alone; with any other y the
+/// result is 0.
 inline F powOf(F x, F y)
 {
-    const F magnitude = exp2Of(y * log2Of(absOf(x)));
+    const F magnitude = powOfPositive(absOf(x), y);
     const F half = y * F(0.5f);
     const M whole = floorOf(y) == y;
     const M odd = !(floorOf(half) == half);
     const F negative = choose(whole, choose(odd, -magnitude, magnitude), F(0.0f));
-    F result = choose(x < F(0.0f), negative, magnitude);
-    result = choose(x == F(0.0f), F(0.0f), result);
-    return choose(y == F(0.0f), F(1.0f), result);
+    return choose(x < F(0.0f), negative, magnitude);
 }
 
 struct SinCos
@@ -182,10 +218,6 @@ inline F modOf(F a, F b)
     return choose(zero, F(0.0f), choose(absOf(r) < absOf(divisor), r, F(0.0f)));
 }
 
-inline F clampOf(F a, F low, F high)
-{
-    return minOf(maxOf(a, low), high);
-}
 inline F lerpOf(F a, F b, F t)
 {
     return a + (b - a) * t;

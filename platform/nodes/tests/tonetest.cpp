@@ -50,6 +50,95 @@ TEST(Tone, SimpleFormulas)
     EXPECT_NEAR(at(Evaluation("posterise", 64, 4).set("steps", {3}), 60), 1.0f, 1e-6f);
 }
 
+TEST(Tone, FormulasInDoubles)
+{
+    const Picture in = noise(32, 32, 4);
+    const auto held = [](double x) { return std::fmin(std::fmax(x, 0.0), 1.0); };
+    const auto decoded = [](double x) {
+        return x <= 0.04045 ? x / 12.92 : std::pow((x + 0.055) / 1.055, 2.4);
+    };
+    struct Case
+    {
+        Evaluation run;
+        std::function<double(double)> formula;
+    };
+    const Case cases[] = {
+        {Evaluation("gamma", 32, 32).set("gamma", {2.2}), [](double x) { return std::pow(x, 1.0 / 2.2); }},
+        {Evaluation("srgbtolinear", 32, 32), decoded},
+        {Evaluation("lineartosrgb", 32, 32),
+         [](double x) { return x <= 0.0031308 ? 12.92 * x : 1.055 * std::pow(x, 1.0 / 2.4) - 0.055; }},
+        {Evaluation("histogramscan", 32, 32), [](double x) { return x; }},
+        {Evaluation("histogramscan", 32, 32).set("position", {0.25}).set("contrast", {0.5}),
+         [&](double x) { return held((x - 0.625) / 0.5); }},
+        {Evaluation("histogramselect", 32, 32).set("position", {0.4}).set("contrast", {0.2}),
+         [&](double x) { return held((1.0 - std::fabs(x - 0.4) / 0.25) / 0.8); }},
+        {Evaluation("histogramshift", 32, 32).set("shift", {-0.3}),
+         [](double x) { return x - 0.3 - std::floor(x - 0.3); }},
+    };
+    for (const Case& row : cases) {
+        const Picture out = Evaluation(row.run).operand(in)();
+        for (int i = 0; i < 1024; ++i) {
+            const int x = i % 32, y = i / 32;
+            ASSERT_NEAR(out.at(x, y, 1), row.formula(in.at(x, y, 1)), 1e-6) << &row - cases << ' ' << i;
+            ASSERT_EQ(out.at(x, y, 3), in.at(x, y, 3)) << &row - cases;
+        }
+    }
+}
+
+TEST(Tone, ColourFormulasInDoubles)
+{
+    const Picture in = noise(16, 16, 4);
+    const Picture mixed = Evaluation("colourmatrix", 16, 16)
+                              .set("green", {0.1, -0.2, 0.3, 0.4})
+                              .set("offset", {0, 0.5, 0, 0})
+                              .operand(in)();
+    const Picture balanced = Evaluation("colourbalance", 16, 16)
+                                 .set("shadows", {0.3, 0, 0})
+                                 .set("highlights", {0, 0, -0.2})
+                                 .operand(in)();
+    const Picture light = Evaluation("greyconversion", 16, 16).set("method", {3}).operand(in)();
+    for (int i = 0; i < 256; ++i) {
+        const int x = i % 16, y = i / 16;
+        const double r = in.at(x, y, 0), g = in.at(x, y, 1), b = in.at(x, y, 2), a = in.at(x, y, 3);
+        EXPECT_NEAR(mixed.at(x, y, 1), 0.1 * r - 0.2 * g + 0.3 * b + 0.4 * a + 0.5, 1e-6);
+        EXPECT_EQ(mixed.at(x, y, 2), in.at(x, y, 2));
+        const double luminance = 0.2126 * r + 0.7152 * g + 0.0722 * b;
+        const double red = 0.3 * (1 - luminance) * (1 - luminance), blue = -0.2 * luminance * luminance;
+        EXPECT_NEAR(balanced.at(x, y, 0), r + red - (0.2126 * red + 0.0722 * blue), 1e-6);
+        EXPECT_NEAR(light.at(x, y), 0.5 * (std::fmax(std::fmax(r, g), b) + std::fmin(std::fmin(r, g), b)),
+                    1e-6);
+    }
+}
+
+TEST(Tone, ColoursAreKeptApart)
+{
+    // Red, a darker red, green, and the grey that is as light as the red: Oklab (0.628, 0.225, 0.126) for
+    // red.
+    const double colours[4][3] = {{1, 0, 0}, {0.8, 0.05, 0}, {0, 1, 0}, {0.5446, 0.5446, 0.5446}};
+    Picture in(4, 1, 4);
+    for (int i = 0; i < 16; ++i)
+        in.at(i / 4, 0, i % 4) = i % 4 == 3 ? 0.25f : float(colours[i / 4][i % 4]);
+    const auto mask = [&](double tolerance, double softness, double metric) {
+        return Evaluation("colourtomask", 4, 1)
+            .set("tolerance", {tolerance})
+            .set("softness", {softness})
+            .set("metric", {metric})
+            .operand(in)();
+    };
+    EXPECT_EQ(mask(0.15, 0, 0).at(0, 0), 1.0f);
+    EXPECT_EQ(mask(0.15, 0, 0).at(1, 0), 1.0f);
+    EXPECT_EQ(mask(0.15, 0, 0).at(2, 0), 0.0f);
+    // sqrt(0.2249^2 + 0.1258^2) = 0.2577 from the grey.
+    EXPECT_EQ(mask(0.256, 0, 0).at(3, 0), 0.0f);
+    EXPECT_EQ(mask(0.259, 0, 0).at(3, 0), 1.0f);
+    EXPECT_NEAR(mask(0, 2 * std::sqrt(0.2 * 0.2 + 0.05 * 0.05), 1).at(1, 0), 0.5f, 1e-5f);
+    const Picture replaced =
+        Evaluation("replacecolour", 4, 1).set("tolerance", {0.15}).set("softness", {0}).operand(in)();
+    EXPECT_FLOAT_EQ(replaced.at(1, 0, 0), -0.2f);
+    EXPECT_FLOAT_EQ(replaced.at(1, 0, 2), 1.0f);
+    EXPECT_EQ(replaced.at(2, 0, 1), 1.0f);
+}
+
 TEST(Tone, CurveAndGradientMap)
 {
     const Picture in = ramp();
@@ -62,6 +151,19 @@ TEST(Tone, CurveAndGradientMap)
         EXPECT_NEAR(map.at(x, 0, 2), in.at(x, 0), 1e-5f);
         EXPECT_NEAR(map.at(x, 0, 3), 1.0f - in.at(x, 0), 1e-5f);
     }
+}
+
+TEST(Tone, ChannelsHaveCurvesOfTheirOwn)
+{
+    const Picture in = noise(16, 16, 4);
+    const Picture out = Evaluation("curve", 16, 16)
+                            .setBlob("curve", {0, 1, 1, 0})
+                            .setBlob("red", {0, 0.2f, 1, 0.6f})
+                            .setBlob("alpha", {0, 0.5f, 1, 1})
+                            .operand(in)();
+    EXPECT_NEAR(out.at(7, 3, 0), 1.0f - (0.2f + 0.4f * in.at(7, 3, 0)), 1e-5f);
+    EXPECT_NEAR(out.at(7, 3, 1), 1.0f - in.at(7, 3, 1), 1e-5f);
+    EXPECT_NEAR(out.at(7, 3, 3), 0.5f + 0.5f * in.at(7, 3, 3), 1e-5f);
 }
 
 TEST(Hsl, RoundTripAndKnownColours)
@@ -101,6 +203,17 @@ TEST(Channels, SplitMergeAndConvert)
     const Picture grey = Evaluation("greyconversion", 16, 16).set("weights", {1, 2, 3, 4}).operand(in)();
     EXPECT_NEAR(grey.at(5, 6), in.at(5, 6, 0) + 2 * in.at(5, 6, 1) + 3 * in.at(5, 6, 2) + 4 * in.at(5, 6, 3),
                 1e-5f);
+    const Picture shuffled = Evaluation("channelshuffle", 16, 16)
+                                 .set("red", {2})
+                                 .set("green", {4})
+                                 .set("blue", {8})
+                                 .set("alpha", {9})
+                                 .operand(in)
+                                 .operand(noise(16, 16, 4, 5))();
+    EXPECT_EQ(shuffled.at(5, 6, 0), in.at(5, 6, 2));
+    EXPECT_EQ(shuffled.at(5, 6, 1), noise(16, 16, 4, 5).at(5, 6, 0));
+    EXPECT_EQ(shuffled.at(5, 6, 2), 0.0f);
+    EXPECT_EQ(shuffled.at(5, 6, 3), 1.0f);
     const Picture colour = Evaluation("colourconversion", 16, 16).operand(split(0))();
     EXPECT_EQ(colour.at(5, 6, 2), in.at(5, 6, 0));
     EXPECT_EQ(colour.at(5, 6, 3), 1.0f);

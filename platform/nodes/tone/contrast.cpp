@@ -1,6 +1,9 @@
+#include "platform/nodes/dispatch.h"
 #include "platform/nodes/kinds.h"
 #include "platform/nodes/parameters.h"
 
+#ifndef VELLOR_CONTRAST_STATE
+#define VELLOR_CONTRAST_STATE
 namespace vellor::nodes {
 namespace {
 
@@ -9,7 +12,37 @@ struct ContrastState : State
     float factor = 1.0f, offset = 0.0f;
 };
 
-std::unique_ptr<State> prepareContrast(const Setup& setup)
+} // namespace
+} // namespace vellor::nodes
+#endif
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "platform/nodes/tone/contrast.cpp"
+#include <hwy/foreach_target.h>
+
+#include "platform/nodes/pointrow-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace vellor::nodes::HWY_NAMESPACE {
+namespace {
+
+void contrastRow(const RowJob& job)
+{
+    const auto& state = static_cast<const ContrastState&>(*job.state);
+    const F factor(state.factor), offset(state.offset);
+    mapTones(job, [=](F x) { return x * factor + offset; });
+}
+
+} // namespace
+} // namespace vellor::nodes::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace vellor::nodes {
+
+NODES_ROW_KERNEL(contrastRow)
+
+static std::unique_ptr<State> prepareContrast(const Setup& setup)
 {
     auto state = std::make_unique<ContrastState>();
     const float contrast = held(setup.parameters[1].f[0], -1.0f, 0.9999f);
@@ -17,19 +50,6 @@ std::unique_ptr<State> prepareContrast(const Setup& setup)
     state->offset = 0.5f - 0.5f * state->factor + setup.parameters[0].f[0];
     return state;
 }
-
-void contrastRow(const RowJob& job)
-{
-    const auto& state = static_cast<const ContrastState&>(*job.state);
-    for (int c = 0; c < job.channels; ++c) {
-        // Alpha stays.
-        const float factor = c < 3 ? state.factor : 1.0f, offset = c < 3 ? state.offset : 0.0f;
-        for (int i = 0; i < job.count; ++i)
-            job.result[c][i] = job.operands[c][i] * factor + offset;
-    }
-}
-
-} // namespace
 
 const NodeDeclaration contrastNode{
     "contrast",
@@ -48,6 +68,7 @@ const NodeDeclaration contrastNode{
       1,
       "Below 0 flattens, above 0 steepens; -1 is grey, 1 two tones."}},
     prepareContrast,
-    contrastRow};
+    runcontrastRow};
 
 } // namespace vellor::nodes
+#endif

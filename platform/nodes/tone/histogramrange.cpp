@@ -1,6 +1,9 @@
+#include "platform/nodes/dispatch.h"
 #include "platform/nodes/kinds.h"
 #include "platform/nodes/parameters.h"
 
+#ifndef VELLOR_HISTOGRAMRANGE_STATE
+#define VELLOR_HISTOGRAMRANGE_STATE
 namespace vellor::nodes {
 namespace {
 
@@ -9,25 +12,43 @@ struct HistogramrangeState : State
     float range = 1.0f, low = 0.0f;
 };
 
-std::unique_ptr<State> prepareHistogramrange(const Setup& setup)
+} // namespace
+} // namespace vellor::nodes
+#endif
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "platform/nodes/tone/histogramrange.cpp"
+#include <hwy/foreach_target.h>
+
+#include "platform/nodes/pointrow-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace vellor::nodes::HWY_NAMESPACE {
+namespace {
+
+void histogramrangeRow(const RowJob& job)
+{
+    const auto& state = static_cast<const HistogramrangeState&>(*job.state);
+    const F range(state.range), low(state.low);
+    mapTones(job, [=](F x) { return x * range + low; });
+}
+
+} // namespace
+} // namespace vellor::nodes::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace vellor::nodes {
+
+NODES_ROW_KERNEL(histogramrangeRow)
+
+static std::unique_ptr<State> prepareHistogramrange(const Setup& setup)
 {
     auto state = std::make_unique<HistogramrangeState>();
     state->range = held(setup.parameters[0].f[0], 0.0f, 1.0f);
     state->low = held(setup.parameters[1].f[0], 0.0f, 1.0f) * (1.0f - state->range);
     return state;
 }
-
-void histogramrangeRow(const RowJob& job)
-{
-    const auto& state = static_cast<const HistogramrangeState&>(*job.state);
-    for (int c = 0; c < job.channels; ++c) {
-        const float factor = c < 3 ? state.range : 1.0f, offset = c < 3 ? state.low : 0.0f;
-        for (int i = 0; i < job.count; ++i)
-            job.result[c][i] = job.operands[c][i] * factor + offset;
-    }
-}
-
-} // namespace
 
 const NodeDeclaration histogramrangeNode{
     "histogramrange",
@@ -40,6 +61,7 @@ const NodeDeclaration histogramrangeNode{
     {{"range", ParameterType::Float, {0.5}, 0, 1, "Width of the range that is left."},
      {"position", ParameterType::Float, {0.5}, 0, 1, "Where the range lies: 0 at black, 1 at white."}},
     prepareHistogramrange,
-    histogramrangeRow};
+    runhistogramrangeRow};
 
 } // namespace vellor::nodes
+#endif

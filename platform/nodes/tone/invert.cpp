@@ -1,31 +1,53 @@
+#include "platform/nodes/dispatch.h"
 #include "platform/nodes/kinds.h"
 
+#ifndef VELLOR_INVERT_STATE
+#define VELLOR_INVERT_STATE
 namespace vellor::nodes {
 namespace {
 
 struct InvertState : State
 {
-    std::array<bool, kMaxChannels> inverted{};
+    bool alpha = false;
 };
 
-std::unique_ptr<State> prepareInvert(const Setup& setup)
-{
-    auto state = std::make_unique<InvertState>();
-    state->inverted = {true, true, true, setup.parameters[0].i[0] != 0};
-    return state;
-}
+} // namespace
+} // namespace vellor::nodes
+#endif
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "platform/nodes/tone/invert.cpp"
+#include <hwy/foreach_target.h>
+
+#include "platform/nodes/pointrow-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace vellor::nodes::HWY_NAMESPACE {
+namespace {
 
 void invertRow(const RowJob& job)
 {
-    const auto& state = static_cast<const InvertState&>(*job.state);
-    for (int c = 0; c < job.channels; ++c) {
-        const float one = state.inverted[c] ? 1.0f : 0.0f, sign = state.inverted[c] ? -1.0f : 1.0f;
-        for (int i = 0; i < job.count; ++i)
-            job.result[c][i] = one + sign * job.operands[c][i];
-    }
+    const auto inverted = [](F x) { return F(1.0f) - x; };
+    mapTones(job, inverted);
+    if (job.channels == 4 && static_cast<const InvertState&>(*job.state).alpha)
+        mapChannel(job, 3, inverted);
 }
 
 } // namespace
+} // namespace vellor::nodes::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace vellor::nodes {
+
+NODES_ROW_KERNEL(invertRow)
+
+static std::unique_ptr<State> prepareInvert(const Setup& setup)
+{
+    auto state = std::make_unique<InvertState>();
+    state->alpha = setup.parameters[0].i[0] != 0;
+    return state;
+}
 
 const NodeDeclaration invertNode{
     "invert",
@@ -37,6 +59,7 @@ const NodeDeclaration invertNode{
     {{"input", OperandChannels::Result, true, "The picture to invert."}},
     {{"alpha", ParameterType::Bool, {0}, 0, 1, "Inverts the alpha channel too."}},
     prepareInvert,
-    invertRow};
+    runinvertRow};
 
 } // namespace vellor::nodes
+#endif

@@ -19,7 +19,7 @@ struct LevelsState : State
 #define HWY_TARGET_INCLUDE "platform/nodes/tone/levels.cpp"
 #include <hwy/foreach_target.h>
 
-#include "platform/nodes/simd.h"
+#include "platform/nodes/pointrow-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace vellor::nodes::HWY_NAMESPACE {
@@ -31,13 +31,11 @@ void levelsRow(const RowJob& job)
     for (int c = 0; c < job.channels; ++c) {
         const F inLow(state.inLow[c]), factor(state.factor[c]), exponent(state.exponent[c]);
         const F outLow(state.outLow[c]), outSpan(state.outSpan[c]);
-        const bool straight = state.exponent[c] == 1.0f;
-        for (int i = 0; i < job.count; i += kLanes) {
-            F t = clampOf((load(job.operands[c] + i) - inLow) * factor, F(0.0f), F(1.0f));
-            if (!straight)
-                t = powOf(t, exponent);
-            store(outLow + outSpan * t, job.result[c] + i);
-        }
+        const auto position = [=](F x) { return clampOf((x - inLow) * factor, F(0.0f), F(1.0f)); };
+        if (state.exponent[c] == 1.0f)
+            mapChannel(job, c, [=](F x) { return outLow + outSpan * position(x); });
+        else
+            mapChannel(job, c, [=](F x) { return outLow + outSpan * powOfPositive(position(x), exponent); });
     }
 }
 

@@ -1,42 +1,60 @@
+#include "platform/nodes/dispatch.h"
 #include "platform/nodes/kinds.h"
 #include "platform/nodes/parameters.h"
-#include "platform/nodes/scalar.h"
 
-#include <algorithm>
-
+#ifndef VELLOR_POSTERISE_STATE
+#define VELLOR_POSTERISE_STATE
 namespace vellor::nodes {
 namespace {
 
 struct PosteriseState : State
 {
-    float steps = 4.0f, factor = 1e6f;
+    float spans = 3.0f, factor = 1e6f;
 };
 
-std::unique_ptr<State> preparePosterise(const Setup& setup)
-{
-    auto state = std::make_unique<PosteriseState>();
-    state->steps = static_cast<float>(held(setup.parameters[0].i[0], 2, 65536));
-    state->factor = 1.0f / held(setup.parameters[1].f[0], 1e-6f, 1.0f);
-    return state;
-}
+} // namespace
+} // namespace vellor::nodes
+#endif
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "platform/nodes/tone/posterise.cpp"
+#include <hwy/foreach_target.h>
+
+#include "platform/nodes/pointrow-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace vellor::nodes::HWY_NAMESPACE {
+namespace {
 
 void posteriseRow(const RowJob& job)
 {
     const auto& state = static_cast<const PosteriseState&>(*job.state);
-    for (int c = 0; c < std::min(job.channels, 3); ++c) {
-        for (int i = 0; i < job.count; ++i) {
-            // Halves, where edges lie, are in the middle of the rise from one whole number to the next.
-            const float position = held(job.operands[c][i], 0.0f, 1.0f) * (state.steps - 1.0f);
-            const float step = scalar::floorOf(position);
-            const float rise = held((position - step - 0.5f) * state.factor + 0.5f, 0.0f, 1.0f);
-            job.result[c][i] = (step + rise) / (state.steps - 1.0f);
-        }
-    }
-    if (job.channels == 4)
-        std::copy_n(job.operands[3], job.count, job.result[3]);
+    const F spans(state.spans), factor(state.factor);
+    mapTones(job, [=](F x) {
+        // Halves, where edges lie, are in the middle of the rise from one whole number to the next.
+        const F position = clampOf(x, F(0.0f), F(1.0f)) * spans;
+        const F step = floorOf(position);
+        const F rise = clampOf((position - step - F(0.5f)) * factor + F(0.5f), F(0.0f), F(1.0f));
+        return (step + rise) / spans;
+    });
 }
 
 } // namespace
+} // namespace vellor::nodes::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace vellor::nodes {
+
+NODES_ROW_KERNEL(posteriseRow)
+
+static std::unique_ptr<State> preparePosterise(const Setup& setup)
+{
+    auto state = std::make_unique<PosteriseState>();
+    state->spans = static_cast<float>(held(setup.parameters[0].i[0], 2, 65536) - 1);
+    state->factor = 1.0f / held(setup.parameters[1].f[0], 1e-6f, 1.0f);
+    return state;
+}
 
 const NodeDeclaration posteriseNode{
     "posterise",
@@ -49,6 +67,7 @@ const NodeDeclaration posteriseNode{
     {{"steps", ParameterType::Int, {4}, 2, 256, "How many tones are left."},
      {"softness", ParameterType::Float, {0.0}, 0, 1, "How much of a step its edge takes."}},
     preparePosterise,
-    posteriseRow};
+    runposteriseRow};
 
 } // namespace vellor::nodes
+#endif

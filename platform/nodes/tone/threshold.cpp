@@ -1,8 +1,9 @@
+#include "platform/nodes/dispatch.h"
 #include "platform/nodes/kinds.h"
 #include "platform/nodes/parameters.h"
 
-#include <algorithm>
-
+#ifndef VELLOR_THRESHOLD_STATE
+#define VELLOR_THRESHOLD_STATE
 namespace vellor::nodes {
 namespace {
 
@@ -11,7 +12,40 @@ struct ThresholdState : State
     float low = 0.5f, factor = 1.0f;
 };
 
-std::unique_ptr<State> prepareThreshold(const Setup& setup)
+} // namespace
+} // namespace vellor::nodes
+#endif
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "platform/nodes/tone/threshold.cpp"
+#include <hwy/foreach_target.h>
+
+#include "platform/nodes/pointrow-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace vellor::nodes::HWY_NAMESPACE {
+namespace {
+
+void thresholdRow(const RowJob& job)
+{
+    const auto& state = static_cast<const ThresholdState&>(*job.state);
+    const F low(state.low), factor(state.factor);
+    mapTones(job, [=](F x) {
+        const F t = clampOf((x - low) * factor, F(0.0f), F(1.0f));
+        return t * t * (F(3.0f) - F(2.0f) * t);
+    });
+}
+
+} // namespace
+} // namespace vellor::nodes::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace vellor::nodes {
+
+NODES_ROW_KERNEL(thresholdRow)
+
+static std::unique_ptr<State> prepareThreshold(const Setup& setup)
 {
     auto state = std::make_unique<ThresholdState>();
     const float softness = held(setup.parameters[1].f[0], 1e-6f, 10.0f);
@@ -19,21 +53,6 @@ std::unique_ptr<State> prepareThreshold(const Setup& setup)
     state->factor = 1.0f / softness;
     return state;
 }
-
-void thresholdRow(const RowJob& job)
-{
-    const auto& state = static_cast<const ThresholdState&>(*job.state);
-    for (int c = 0; c < std::min(job.channels, 3); ++c) {
-        for (int i = 0; i < job.count; ++i) {
-            const float t = held((job.operands[c][i] - state.low) * state.factor, 0.0f, 1.0f);
-            job.result[c][i] = t * t * (3.0f - 2.0f * t);
-        }
-    }
-    if (job.channels == 4)
-        std::copy_n(job.operands[3], job.count, job.result[3]);
-}
-
-} // namespace
 
 const NodeDeclaration thresholdNode{
     "threshold",
@@ -51,6 +70,7 @@ const NodeDeclaration thresholdNode{
       1,
       "Width of the smooth edge in steps of grey; 0 is hard."}},
     prepareThreshold,
-    thresholdRow};
+    runthresholdRow};
 
 } // namespace vellor::nodes
+#endif

@@ -1,0 +1,83 @@
+#include "platform/nodes/dispatch.h"
+#include "platform/nodes/kinds.h"
+#include "platform/nodes/parameters.h"
+
+#ifndef VELLOR_COLOURTOMASK_STATE
+#define VELLOR_COLOURTOMASK_STATE
+namespace vellor::nodes {
+namespace {
+
+struct ColourtomaskState : State
+{
+    std::array<float, 4> key{};
+    float tolerance = 0.1f, softness = 0.1f;
+    bool perceptual = true;
+};
+
+} // namespace
+} // namespace vellor::nodes
+#endif
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "platform/nodes/tone/colourtomask.cpp"
+#include <hwy/foreach_target.h>
+
+#include "platform/nodes/colour-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace vellor::nodes::HWY_NAMESPACE {
+namespace {
+
+void colourtomaskRow(const RowJob& job)
+{
+    const auto& state = static_cast<const ColourtomaskState&>(*job.state);
+    const ColourKey key(state.key.data(), state.tolerance, state.softness, state.perceptual);
+    const float *r = job.operands[0], *g = job.operands[1], *b = job.operands[2];
+    for (int i = 0; i < job.count; i += kLanes)
+        store(key.maskOf({load(r + i), load(g + i), load(b + i)}), job.result[0] + i);
+}
+
+} // namespace
+} // namespace vellor::nodes::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace vellor::nodes {
+
+NODES_ROW_KERNEL(colourtomaskRow)
+
+static std::unique_ptr<State> prepareColourtomask(const Setup& setup)
+{
+    auto state = std::make_unique<ColourtomaskState>();
+    state->key = setup.parameters[0].f;
+    state->tolerance = held(setup.parameters[1].f[0], 0.0f, 10.0f);
+    state->softness = held(setup.parameters[2].f[0], 0.0f, 10.0f);
+    state->perceptual = setup.parameters[3].i[0] == 0;
+    return state;
+}
+
+const NodeDeclaration colourtomaskNode{
+    "colourtomask",
+    "Colour to Mask",
+    "Tone",
+    "White where the picture has a colour, black where it has another.",
+    ResultChannels::Grey,
+    Chance::None,
+    {{"input", OperandChannels::Colour, true, "The colour picture."}},
+    {{"colour", ParameterType::Float3, {1, 0, 0}, 0, 1, "The colour that becomes white."},
+     {"tolerance", ParameterType::Float, {0.1}, 0, 1, "How far from it colours may lie to be taken in full."},
+     {"softness", ParameterType::Float, {0.1}, 0, 1, "Over which further distance they fade out."},
+     {"metric",
+      ParameterType::Choice,
+      {0},
+      0,
+      1,
+      "How colours are told apart: by eye, in B. Ottosson's space Oklab (2020), with the picture taken as "
+      "sRGB and black "
+      "and white 1 apart, or by red, green and blue.",
+      {"perceptual", "rgb"}}},
+    prepareColourtomask,
+    runcolourtomaskRow};
+
+} // namespace vellor::nodes
+#endif
