@@ -15,7 +15,7 @@ PRIVATE_HEADERS = {
     "lcms2.h": {"orncolormanagement"},
     "tbb/": {"orncolormanagement"},
     "assimp/": {"orngui3d"},
-    "hwy/": {"vellornodes", "vellorenginecpu"},
+    "hwy/": {"vellornodes", "vellorenginecpucore"},
     "archive.h": {"vellorprogram"},
     "pugixml.hpp": {"vellorcookercore"},
 }

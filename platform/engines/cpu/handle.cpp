@@ -190,6 +190,7 @@ std::uint32_t Handle::start()
         Handle& handle;
         ~Idle() { handle.running_ = false; }
     } const idle{*this};
+    nodes::limitInstructionSet(resources_.instructionSet());
     return runQueue();
 }
 

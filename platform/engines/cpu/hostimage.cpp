@@ -1,8 +1,7 @@
 #include "platform/engines/cpu/hostimage.h"
 
 #include "platform/engines/cpu/blockdecoder.h"
-#include "platform/engines/cpu/halffloat.h"
-#include "platform/engines/cpu/pixelformat.h"
+#include "platform/engines/cpu/pixelkernels.h"
 
 #include <algorithm>
 #include <cstring>
@@ -18,34 +17,6 @@ std::size_t textureBytes(const VellorTexture& texture)
     return RawFormat::isRaw(texture.pixelFormat)
                ? width * height * RawFormat::of(texture.pixelFormat).pixelBytes()
                : 0;
-}
-
-float readChannel(const std::uint8_t* at, RawFormat::Depth depth)
-{
-    std::uint16_t word;
-    float value;
-    switch (depth) {
-    case RawFormat::Depth::U8:
-        return static_cast<float>(*at) / 255.0f;
-    case RawFormat::Depth::U16:
-        std::memcpy(&word, at, 2);
-        return static_cast<float>(word) / 65535.0f;
-    case RawFormat::Depth::F16:
-        std::memcpy(&word, at, 2);
-        return floatFromHalf(word);
-    default:
-        std::memcpy(&value, at, 4);
-        return value;
-    }
-}
-
-/// Channel `source` of a row of raw pixels.
-void unpackChannel(const std::uint8_t* row, const RawFormat& raw, int source, int width, float* out)
-{
-    const std::size_t step = raw.pixelBytes();
-    const std::uint8_t* at = row + static_cast<std::size_t>(source) * raw.channelBytes();
-    for (int x = 0; x < width; ++x, at += step)
-        out[x] = readChannel(at, raw.depth);
 }
 
 struct PictureState : nodes::State
@@ -71,7 +42,9 @@ std::shared_ptr<const HostImage> HostImage::copy(const VellorTexture& texture)
     image->format_ = texture.pixelFormat;
     image->order_ = texture.channelOrder;
     const auto* bytes = static_cast<const std::uint8_t*>(texture.buffer);
+    image->data_.reserve(size + kPixelSlack);
     image->data_.assign(bytes, bytes + size);
+    image->data_.resize(size + kPixelSlack);
     Hasher hasher(0x706963747572ull);
     hasher.add(image->data_.data(), size);
     hasher.add(std::uint64_t(texture.width) << 32 | std::uint64_t(texture.height) << 16 |
@@ -110,15 +83,31 @@ void HostImage::unpack(int y0, int y1, const nodes::MutableImage& into) const
     }
     const RawFormat raw = RawFormat::of(format_);
     for (int y = y0; y < y1; ++y) {
-        const std::uint8_t* row = data_.data() + static_cast<std::size_t>(y) * width_ * raw.pixelBytes();
-        for (int c = 0; c < channels(); ++c) {
-            float* out = into.planes[c] + y * into.stride;
-            const int source = raw.channels == 1 ? 0 : (order_ >> (2 * c)) & 3;
-            if (source >= raw.channels || (c == 3 && !raw.hasAlpha))
-                std::fill_n(out, width_, 1.0f);
-            else
-                unpackChannel(row, raw, source, width_, out);
+        for (int x = 0; x < width_; x += kPixelBlock) {
+            std::array<float*, nodes::kMaxChannels> to{};
+            for (int c = 0; c < channels(); ++c)
+                to[c] = into.planes[c] + y * into.stride + x;
+            unpackBlock(raw, x, y, std::min(kPixelBlock, width_ - x), to);
         }
+    }
+}
+
+void HostImage::unpackBlock(const RawFormat& raw, int x, int y, int count,
+                            const std::array<float*, nodes::kMaxChannels>& to) const
+{
+    std::array<float*, nodes::kMaxChannels> stored{}; // the first plane that takes a stored channel
+    const auto source = [&](int c) { return raw.channels == 1 ? 0 : (order_ >> (2 * c)) & 3; };
+    const auto missing = [&](int c) { return source(c) >= raw.channels || (c == 3 && !raw.hasAlpha); };
+    for (int c = channels(); c-- > 0;)
+        if (!missing(c))
+            stored[source(c)] = to[c];
+    const std::size_t pixel = static_cast<std::size_t>(y) * static_cast<std::size_t>(width_) + x;
+    unpackPixels(raw, data_.data() + pixel * raw.pixelBytes(), count, stored.data());
+    for (int c = 0; c < channels(); ++c) {
+        if (missing(c))
+            std::fill_n(to[c], count, 1.0f);
+        else if (stored[source(c)] != to[c])
+            std::copy_n(stored[source(c)], count, to[c]);
     }
 }
 

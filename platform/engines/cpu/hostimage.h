@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/engines/cpu/hash.h"
+#include "platform/engines/cpu/pixelformat.h"
 #include "platform/nodes/node.h"
 
 #include <vellor/engine.h>
@@ -30,9 +31,12 @@ public:
     void unpack(int y0, int y1, const nodes::MutableImage& into) const;
 
 private:
+    void unpackBlock(const RawFormat& raw, int x, int y, int count,
+                     const std::array<float*, nodes::kMaxChannels>& to) const;
+
     int width_ = 0, height_ = 0;
     std::uint8_t format_ = 0, order_ = 0;
-    std::vector<std::uint8_t> data_;
+    std::vector<std::uint8_t> data_; // and kPixelSlack bytes
     Key key_;
 };
 

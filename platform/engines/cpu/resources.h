@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/nodes/instructionset.h"
+
 #include <vellor/engine.h>
 
 #include <cstdint>
@@ -17,10 +19,18 @@ struct Resources
     std::uint32_t flags = 0;     // word 2
 
     static constexpr std::uint32_t kNoFusion = 1; // every point node writes a whole picture
+    // Bits 8 to 15 of the flags: the highest instruction set that kernels may use (nodes::InstructionSet); 0:
+    // the best that the machine has. It counts for the process from the handle's next start on, and changes
+    // no pixel.
+    static constexpr int kInstructionSetShift = 8;
     static constexpr std::uint32_t kMaxThreads = 256;
 
     static Resources read(const VellorHardResources* record);
     int threadCount() const;
+    nodes::InstructionSet instructionSet() const
+    {
+        return static_cast<nodes::InstructionSet>((flags >> kInstructionSetShift) & 0xff);
+    }
 };
 
 } // namespace vellor::cpu

@@ -1,9 +1,9 @@
 // Pixels on their way out and in: every raw format by hand-worked values, mipmaps, pictures of the host.
 
-#include "platform/engines/cpu/halffloat.h"
 #include "platform/engines/cpu/hostimage.h"
 #include "platform/engines/cpu/image.h"
 #include "platform/engines/cpu/outputconverter.h"
+#include "platform/engines/cpu/pixelkernels.h"
 #include "platform/engines/cpu/tests/programbuilder.h"
 #include "platform/engines/cpu/tests/testhost.h"
 
@@ -85,8 +85,58 @@ TEST(Convert, KeepsWhatIsNoNumberOutOfIntegers)
     EXPECT_EQ(Bytes(colour.begin(), colour.begin() + 4), (Bytes{0, 0, 0, 255}));
 }
 
-TEST(Convert, HalvesRoundToTheNearestAndBack)
+constexpr RawFormat kHalves{RawFormat::Depth::F16, 1, false};
+
+std::uint16_t halfOf(float value)
 {
+    alignas(64) float plane[64] = {value};
+    std::uint8_t bytes[kPixelSlack + 2];
+    const float* const planes[] = {plane};
+    packPixels(kHalves, planes, 1, bytes);
+    return static_cast<std::uint16_t>(bytes[0] | bytes[1] << 8);
+}
+
+/// All words of a depth, unpacked.
+std::vector<float> unpackedWords(RawFormat::Depth depth, int count)
+{
+    Bytes bytes;
+    for (int word = 0; word < count; ++word) {
+        bytes.push_back(static_cast<std::uint8_t>(word));
+        if (depth != RawFormat::Depth::U8)
+            bytes.push_back(static_cast<std::uint8_t>(word >> 8));
+    }
+    bytes.resize(bytes.size() + kPixelSlack);
+    static const auto pool = BufferPool::make();
+    const Image image(*pool, count, 1, 1);
+    float* plane = image.mutableView().planes[0];
+    unpackPixels({depth, 1, false}, bytes.data(), count, &plane);
+    return {plane, plane + count};
+}
+
+class Instructions : public ::testing::TestWithParam<nodes::InstructionSet>
+{
+    void SetUp() override { nodes::limitInstructionSet(GetParam()); }
+    void TearDown() override { nodes::limitInstructionSet(nodes::InstructionSet::Best); }
+};
+INSTANTIATE_TEST_SUITE_P(Each, Instructions,
+                         ::testing::Values(nodes::InstructionSet::Ssse3, nodes::InstructionSet::Avx2,
+                                           nodes::InstructionSet::Avx512));
+
+TEST_P(Instructions, IntegersUnpackToTheNearest)
+{
+    const std::vector<float> bytes = unpackedWords(RawFormat::Depth::U8, 256),
+                             words = unpackedWords(RawFormat::Depth::U16, 65536);
+    for (int word = 0; word < 65536; ++word) {
+        if (word < 256) {
+            ASSERT_EQ(bytes[word], static_cast<float>(word / 255.0)) << word;
+        }
+        ASSERT_EQ(words[word], static_cast<float>(word / 65535.0)) << word;
+    }
+}
+
+TEST_P(Instructions, HalvesRoundToTheNearestAndBack)
+{
+    const std::vector<float> unpacked = unpackedWords(RawFormat::Depth::F16, 65536);
     for (std::uint32_t bits = 0; bits < 0x10000; ++bits) {
         const auto half = static_cast<std::uint16_t>(bits);
         const int exponent = (half >> 10) & 31, mantissa = half & 1023;
@@ -96,17 +146,48 @@ TEST(Convert, HalvesRoundToTheNearestAndBack)
         const double value = exponent == 31  ? sign * HUGE_VAL
                              : exponent == 0 ? sign * std::ldexp(mantissa, -24)
                                              : sign * std::ldexp(1024 + mantissa, exponent - 25);
-        ASSERT_EQ(floatFromHalf(half), static_cast<float>(value)) << bits;
-        ASSERT_EQ(halfFromFloat(floatFromHalf(half)), half) << bits;
+        ASSERT_EQ(unpacked[half], static_cast<float>(value)) << bits;
+        ASSERT_EQ(halfOf(unpacked[half]), half) << bits;
     }
-    EXPECT_EQ(halfFromFloat(1.0f + std::ldexp(1.0f, -11)), 0x3c00) << "a tie goes to even";
-    EXPECT_EQ(halfFromFloat(1.0f + 3 * std::ldexp(1.0f, -11)), 0x3c02);
-    EXPECT_EQ(halfFromFloat(1.0f + 1.01f * std::ldexp(1.0f, -11)), 0x3c01);
-    EXPECT_EQ(halfFromFloat(65519.0f), 0x7bff);
-    EXPECT_EQ(halfFromFloat(65520.0f), 0x7c00);
-    EXPECT_EQ(halfFromFloat(std::ldexp(1.0f, -25)), 0x0000);
-    EXPECT_EQ(halfFromFloat(std::ldexp(1.5f, -25)), 0x0001);
-    EXPECT_EQ(halfFromFloat(std::numeric_limits<float>::quiet_NaN()) & 0x7fff, 0x7e00);
+    EXPECT_EQ(halfOf(1.0f + std::ldexp(1.0f, -11)), 0x3c00) << "a tie goes to even";
+    EXPECT_EQ(halfOf(1.0f + 3 * std::ldexp(1.0f, -11)), 0x3c02);
+    EXPECT_EQ(halfOf(1.0f + 1.01f * std::ldexp(1.0f, -11)), 0x3c01);
+    EXPECT_EQ(halfOf(65519.0f), 0x7bff);
+    EXPECT_EQ(halfOf(65520.0f), 0x7c00);
+    EXPECT_EQ(halfOf(std::ldexp(1.0f, -25)), 0x0000);
+    EXPECT_EQ(halfOf(std::ldexp(1.5f, -25)), 0x0001);
+    EXPECT_EQ(halfOf(std::numeric_limits<float>::quiet_NaN()) & 0x7fff, 0x7e00);
+}
+
+/// Every raw format on a picture whose rows are no whole vectors, pixel by pixel beside the single pixel.
+TEST_P(Instructions, PixelsAreTheSameWhereverTheyLie)
+{
+    static const auto pool = BufferPool::make();
+    constexpr int kWidth = 1061;
+    const Image colour(*pool, kWidth, 2, 4);
+    for (int c = 0; c < 4; ++c)
+        for (int i = 0; i < 2 * kWidth; ++i)
+            colour.mutableView().planes[c][i / kWidth * rowStride(kWidth) + i % kWidth] =
+                static_cast<float>((i * 7919 + c * 104729) % 4099) / 4000.0f - 0.01f;
+    for (const int depth :
+         {VELLOR_FORMAT_8BITS, VELLOR_FORMAT_16BITS, VELLOR_FORMAT_16FLOAT, VELLOR_FORMAT_32FLOAT}) {
+        for (const int layout :
+             {VELLOR_FORMAT_RGBA, VELLOR_FORMAT_RGBX, VELLOR_FORMAT_RGB, VELLOR_FORMAT_GRAYSCALE}) {
+            const auto format = static_cast<std::uint8_t>(depth | layout);
+            const std::size_t size = outputBytes(format, 1, 1, 1);
+            Bytes all(2 * kWidth * size);
+            convertRows(colour.view(), format, 0, 2, all.data());
+            for (int i = 0; i < 2 * kWidth; ++i) {
+                std::vector<std::vector<float>> pixel;
+                for (int c = 0; c < 4; ++c)
+                    pixel.push_back({colour.view().planes[c][i / kWidth * rowStride(kWidth) + i % kWidth]});
+                ASSERT_EQ(Bytes(all.begin() + static_cast<std::ptrdiff_t>(i * size),
+                                all.begin() + static_cast<std::ptrdiff_t>((i + 1) * size)),
+                          convert(row(pixel), format))
+                    << "format " << int(format) << ", pixel " << i;
+            }
+        }
+    }
 }
 
 TEST(Convert, MakesMipmapsOfMeans)

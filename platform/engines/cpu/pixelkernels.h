@@ -1,0 +1,46 @@
+#pragma once
+
+// Pixels between planes of floats and the packed formats of hosts: vector kernels, compiled once for each
+// instruction set, with the same bytes from each of them.
+
+#include "platform/engines/cpu/pixelformat.h"
+
+#include <cstddef>
+#include <cstdint>
+
+namespace vellor::cpu {
+
+/// Pixels that a caller does at once: what lies between two steps then stays in the first cache.
+constexpr int kPixelBlock = 1024;
+/// Bytes that packPixels may write, and unpackPixels may read, beyond the last pixel.
+constexpr int kPixelSlack = 256;
+
+/// The first `count` pixels of planes, packed at `out`, which has kPixelSlack bytes to spare. `in` has as
+/// many planes as the format stores channels, aligned to 64 bytes; whole vectors of them are read. Integers:
+/// clamped to 0 to 1, NaN is 0, rounded to the nearest, halves up. Half floats: the nearest, ties to even;
+/// infinity beyond the range; NaN stays NaN.
+void packPixels(const RawFormat& format, const float* const* in, int count, std::uint8_t* out);
+
+/// The reverse: stored channel c goes to plane to[c], where that is not null. kPixelSlack bytes behind the
+/// last pixel are readable, and whole vectors of the planes are written. Integers: over their greatest value,
+/// correctly rounded.
+void unpackPixels(const RawFormat& format, const std::uint8_t* in, int count, float* const* to);
+
+/// 0.2126 r + 0.7152 g + 0.0722 b.
+void luminance(const float* const* in, int count, float* out);
+
+/// count means of the 2 x 2 pixels from `above` and `below` on, which may be the same row.
+void halvePixels(const float* above, const float* below, int count, float* out);
+
+/// Copies past the caches, for results that are not read again soon. Whoever has written like this calls
+/// endStreaming before another thread may read.
+void streamBytes(void* to, const void* from, std::size_t bytes);
+void endStreaming();
+
+/// Whether a result of so many bytes had better be written past the caches.
+constexpr bool worthStreaming(std::size_t bytes)
+{
+    return bytes >= (std::size_t(4) << 20);
+}
+
+} // namespace vellor::cpu
