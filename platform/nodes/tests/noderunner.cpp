@@ -23,16 +23,14 @@ int paddedOf(int count)
 
 Picture::Picture(int width, int height, int channels)
     : m_width(width), m_height(height), m_channels(channels), m_stride(paddedOf(width)),
-      m_pixels(std::size_t(m_stride) * height * channels + kPad, std::numeric_limits<float>::quiet_NaN())
+      m_pixels(std::size_t(m_stride) * height * channels, std::numeric_limits<float>::quiet_NaN())
 {
-    while (reinterpret_cast<std::uintptr_t>(m_pixels.data() + m_first) % 64 != 0)
-        ++m_first;
 }
 
 float& Picture::at(int x, int y, int channel)
 {
     const std::size_t row = std::size_t(channel) * m_height + wrapped(y, m_height);
-    return m_pixels[m_first + row * m_stride + wrapped(x, m_width)];
+    return m_pixels[row * m_stride + wrapped(x, m_width)];
 }
 
 ImageView Picture::view() const
@@ -43,7 +41,7 @@ ImageView Picture::view() const
     view.height = m_height;
     view.channels = m_channels;
     for (int c = 0; c < m_channels; ++c)
-        view.planes[c] = m_pixels.data() + m_first + std::size_t(c) * m_height * m_stride;
+        view.planes[c] = m_pixels.data() + std::size_t(c) * m_height * m_stride;
     return view;
 }
 

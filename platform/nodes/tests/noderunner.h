@@ -7,10 +7,26 @@
 #include <functional>
 #include <initializer_list>
 #include <map>
+#include <new>
 #include <string>
 #include <vector>
 
 namespace vellor::nodes::test {
+
+/// Gives memory at multiples of 64 bytes.
+template<typename T> struct LineAllocator
+{
+    using value_type = T;
+    LineAllocator() = default;
+    template<typename Other> LineAllocator(const LineAllocator<Other>&) {}
+    T* allocate(std::size_t count)
+    {
+        return static_cast<T*>(::operator new(count * sizeof(T), std::align_val_t(64)));
+    }
+    void deallocate(T* block, std::size_t) { ::operator delete(block, std::align_val_t(64)); }
+    bool operator==(const LineAllocator&) const { return true; }
+    bool operator!=(const LineAllocator&) const { return false; }
+};
 
 /// A picture that owns its planes, aligned and padded as kernels expect.
 class Picture
@@ -31,8 +47,7 @@ public:
 
 private:
     int m_width = 0, m_height = 0, m_channels = 0, m_stride = 0;
-    std::size_t m_first = 0; // of m_pixels, where the alignment starts
-    std::vector<float> m_pixels;
+    std::vector<float, LineAllocator<float>> m_pixels;
 };
 
 /// Fills a picture from a function of the pixel's centre, 0 to 1.

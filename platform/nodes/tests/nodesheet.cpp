@@ -27,6 +27,13 @@ Picture heightOf(int size)
     return Evaluation("brick", size, size).set("bricks", {4, 8})();
 }
 
+/// Regions between the borders of cells.
+Picture regionsOf(int size)
+{
+    const Picture edges = Evaluation("cellular", size, size).set("scale", {6, 0}).set("output", {4})();
+    return Evaluation("floodfill", size, size).set("threshold", {0.12}).operand(edges)();
+}
+
 Picture reliefOf(int size)
 {
     return Evaluation("perlin", size, size).set("scale", {5, 0}).seed(3)();
@@ -204,6 +211,17 @@ std::vector<Sheet> sheets()
         return Evaluation("distance", size, size)
             .set("side", {1})
             .operand(Evaluation("brick", size, size).set("output", {1}).set("rounding", {0.3})())();
+    });
+    for (const char* kind : {"regiongrey", "regioncolour", "regiongradient", "regionsize", "regionposition"})
+        add(kind, [=](int size) {
+            return Evaluation(kind, size, size, kind[6] == 'p' ? 4 : 1).operand(regionsOf(size))();
+        });
+    add("floodfill", [](int size) { return regionsOf(size); });
+    add("regiongradient-any", [](int size) {
+        return Evaluation("regiongradient", size, size)
+            .set("anglevariation", {1})
+            .set("strengthvariation", {0.7})
+            .operand(regionsOf(size))();
     });
     // MORE
     return all;
