@@ -1,6 +1,9 @@
 // `vellor`: the work on packages without a window.
 
+#include "applications/tool/failure.h"
 #include "applications/tool/options.h"
+
+#include <QCoreApplication>
 
 #include <algorithm>
 #include <cstdio>
@@ -10,7 +13,7 @@ namespace {
 
 using namespace vellor::tool;
 
-const Command* const kCommands[] = {&cookCommand, &nodesCommand};
+const Command* const kCommands[] = {&cookCommand, &infoCommand, &nodesCommand};
 
 void printOverview(std::FILE* file)
 {
@@ -31,16 +34,27 @@ int run(const Command& command, const std::vector<std::string>& words)
     } catch (const UsageError& error) {
         std::fprintf(stderr, "vellor %s: %s\n", command.name, error.what());
         return WrongUsage;
+    } catch (const Failure& failure) {
+        if (*failure.what())
+            std::fprintf(stderr, "vellor: %s\n", failure.what());
+        return failure.code;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "vellor %s: %s\n", command.name, error.what());
         return Failed;
     }
 }
 
+/// Standard error belongs to the commands' own lines, and these say why; what libraries log comes on top.
+void dropLogLines(QtMsgType, const QMessageLogContext&, const QString&)
+{
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
+    qInstallMessageHandler(dropLogLines);
+    const QCoreApplication application(argc, argv);
     const std::vector<std::string> words(argv + std::min(argc, 1), argv + argc);
     if (words.empty() || words.front() == "--help") {
         printOverview(words.empty() ? stderr : stdout);

@@ -59,6 +59,7 @@ Arguments parseArguments(const Command& command, const std::vector<std::string>&
 std::string helpOf(const Command& command);
 
 extern const Command cookCommand;
+extern const Command infoCommand;
 extern const Command nodesCommand;
 
 } // namespace vellor::tool

@@ -35,29 +35,11 @@ QString formatText(const VellorOutputDesc& record)
                                            : valueTypeName(record.type);
 }
 
-// "rgb:basecolor|a:opacity", then the output's own usage behind one more bar unless a channel names it.
-QString usageText(const QDomElement& output)
-{
-    QStringList channels;
-    QStringList names;
-    for (const QDomElement& channel : channelsOf(output)) {
-        const QString components = channel.attribute(QStringLiteral("components"));
-        const QString name = channel.attribute(QStringLiteral("names"));
-        names.append(name);
-        channels.append(components == QLatin1String("all") ? name : components + ':' + name);
-    }
-    const QString usage = output.attribute(QStringLiteral("usage"));
-    QString text = channels.join('|');
-    if (!usage.isEmpty() && !names.contains(usage))
-        text += '|' + usage;
-    return text;
-}
-
 // In one go, so that a "%1" inside a name is not taken for a place to fill.
 QString describedText(const QDomElement& output)
 {
     const QString tag = output.attribute(QStringLiteral("usertag"));
-    const QString usage = usageText(output);
+    const QString usage = outputUsageText(output);
     const QDomElement gui = output.firstChildElement(QStringLiteral("outputgui"));
     const QString label = gui.attribute(QStringLiteral("label"));
     const QString identifier = output.attribute(QStringLiteral("identifier"));
@@ -84,10 +66,28 @@ QStringList outputUsages(const QDomElement& output)
     QStringList usages;
     for (const QDomElement& channel : channelsOf(output))
         usages.append(channel.attribute(QStringLiteral("names")));
-    usages.append(output.attribute(QStringLiteral("usage")));
     usages.removeAll(QString());
+    if (usages.isEmpty() && !output.attribute(QStringLiteral("usage")).isEmpty())
+        usages.append(output.attribute(QStringLiteral("usage")));
     usages.removeDuplicates();
     return usages;
+}
+
+QString outputUsageText(const QDomElement& output)
+{
+    QStringList channels;
+    QStringList names;
+    for (const QDomElement& channel : channelsOf(output)) {
+        const QString components = channel.attribute(QStringLiteral("components"));
+        const QString name = channel.attribute(QStringLiteral("names"));
+        names.append(name);
+        channels.append(components == QLatin1String("all") ? name : components + ':' + name);
+    }
+    const QString usage = output.attribute(QStringLiteral("usage"));
+    QString text = channels.join('|');
+    if (!usage.isEmpty() && !names.contains(usage))
+        text += '|' + usage;
+    return text;
 }
 
 QString outputListText(const OutputLabelSource& source)

@@ -20,6 +20,10 @@ struct OutputLabelSource
 // of the document.
 QStringList outputUsages(const QDomElement& output);
 
+// "rgb:basecolor|a:opacity": what each channel is for, then the element's own usage behind one more bar
+// unless a channel names it.
+QString outputUsageText(const QDomElement& output);
+
 // "Graph^512x512 [RGBA-8bits] - index:0 uid:7 - usage:rgb:basecolor - 'Base Color' (id:color)": what the
 // engine's record says, then what the description adds.
 QString outputListText(const OutputLabelSource& source);

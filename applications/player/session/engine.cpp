@@ -37,10 +37,15 @@ template<typename Callback> void setCallback(VellorContext* context, quint32 id,
     Zph::Engine::contextSetCallback(context, id, reinterpret_cast<VellorFunction>(callback));
 }
 
-VellorHardResources hardResources(quint32 engineId)
+/// The interface leaves the words ahead of the budgets to each engine. The project's own reads threads, rows
+/// of a turn and flags there, 0 being its own choice; no other engine has been given anything else than 0.
+VellorHardResources hardResources(quint32 engineId, const EngineOptions& options)
 {
     VellorHardResources resources = {};
     resources.memoryBudget = memoryBudget;
+    const quint32 words[3] = {options.threads, 0, options.flags};
+    if (engineId == VELLOR_ENGINE_SSE2)
+        std::memcpy(resources.reserved0, words, sizeof words);
     if (engineId == VELLOR_ENGINE_OPENGL3) {
         const quint64 known = VideoMemory::total();
         const quint64 amount = known ? known : memoryBudget;
@@ -52,7 +57,8 @@ VellorHardResources hardResources(quint32 engineId)
 
 } // namespace
 
-Engine::Engine(QObject* parent, QIODevice& data) : QThread(parent)
+Engine::Engine(QObject* parent, QIODevice& data, const EngineOptions& options)
+    : QThread(parent), m_options(options)
 {
     qRegisterMetaType<ValueOrSurfacePlayer>();
     qRegisterMetaType<ORNUInt32>("ORNUInt32");
@@ -102,7 +108,7 @@ bool Engine::readData(QIODevice& data)
 
 bool Engine::createHandle()
 {
-    const VellorHardResources resources = hardResources(m_engineId);
+    const VellorHardResources resources = hardResources(m_engineId, m_options);
     if (Zph::Engine::handleInit(&m_handle, m_context, m_data.get(), m_dataSize, &resources) != VELLOR_OK) {
         m_handle = nullptr;
         return false;
@@ -222,7 +228,7 @@ void Engine::progress(quint32 current, quint32 total)
     if (current % 4 != 0 || total == 0)
         return;
     const float now = secondsSince(m_startClock);
-    if (now <= m_lastProgress + 1.0f)
+    if (now <= m_lastProgress + m_options.progressInterval)
         return;
     emit progressCallback(int(quint64(current) * 100 / total));
     m_lastProgress = now;

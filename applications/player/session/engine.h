@@ -15,6 +15,14 @@
 
 namespace Zph::Applications::Player {
 
+/// What a session asks of its engine beside pictures.
+struct EngineOptions
+{
+    quint32 threads = 0;           ///< of a generation, the caller's among them; 0: the engine's choice
+    quint32 flags = 0;             ///< as the engine at hand reads them; 0: the engine's choice
+    float progressInterval = 1.0f; ///< seconds of processor time between two progress signals
+};
+
 /// One engine context and one engine handle on one binary package: the engine's side of an open document.
 ///
 /// The engine's callbacks become signals, its finished outputs ValueOrSurfacePlayer results. Times are
@@ -27,7 +35,7 @@ class Engine : public QThread, public InputSink
 
 public:
     /// Reads `data`, which is open, to its end. If the engine refuses the package handleOrNull() stays null.
-    Engine(QObject* parent, QIODevice& data);
+    Engine(QObject* parent, QIODevice& data, const EngineOptions& options = {});
     ~Engine() override;
 
     /// The handle, or null when there is none: to everyone else that means that there is no engine.
@@ -40,7 +48,7 @@ public:
 signals:
     /// An output is done. `index` is the engine's index of the output.
     void outputCompleteCallback(ORNUInt32 index, Zph::Applications::Player::ValueOrSurfacePlayer result);
-    /// Per cent, about once a second.
+    /// Per cent, about once in the interval of the options.
     void progressCallback(int progress);
     /// A generation is over, or failed. Seconds.
     void finishedCallback(float duration);
@@ -92,6 +100,7 @@ private:
     std::unique_ptr<void, Free> m_data;
     quint64 m_dataSize = 0;
     VellorDevice m_device = {};
+    EngineOptions m_options;
     VellorContext* m_context = nullptr;
     VellorHandle* m_handle = nullptr;
     CacheStore m_cacheStore;
