@@ -68,11 +68,21 @@ def rows_of(run):
     if run.get("error_occurred"):
         sys.exit(f"{run['name']}: {run['error_message']}")
     name = re.sub(r"/(iterations:\d+|manual_time)", "", run["name"])
+    if "cycles" in run:
+        yield {"name": name, "ms": run["ms"], "note": cycles_note(run)}
+        return
     yield {"name": name, "ms": run["ms"], "beside": run["beside"], "rival": run["label"],
            "outside": 1 - run["beside_processor"] / run["processor_ms"], "aim": run.get("aim")}
     for key, value in run.items():
         if key.startswith("part "):
             yield {"name": f"  of it: {key[5:]}", "ms": value}
+
+
+def cycles_note(run):
+    note = f"{run['cycles']:.2f} cycles per pixel"
+    if "aim" in run:
+        note += f" (aim {-run['aim']:g}, a noise library {run['known']:g})"
+    return note
 
 
 def cells(row):

@@ -88,7 +88,14 @@ std::vector<Sheet> sheets()
                     return run();
                 });
     };
-    addChoices("perlin", "mode", [](Evaluation&, int) {});
+    for (const char* kind : {"perlin", "simplex", "valuenoise"}) {
+        addChoices(kind, "mode", [](Evaluation&, int) {});
+        add(std::string(kind) + "-one",
+            [=](int size) { return Evaluation(kind, size, size).set("octaves", {1})(); });
+        add(std::string(kind) + "-warped", [=](int size) {
+            return Evaluation(kind, size, size).set("scale", {4, 0}).set("warp", {0.7})();
+        });
+    }
     addChoices("brick", "output", [](Evaluation&, int) {});
     addChoices("cellular", "output", [](Evaluation&, int) {});
     addChoices("cellular", "metric", [](Evaluation& run, int) { run.set("output", {2}); });
