@@ -130,6 +130,61 @@ std::vector<Sheet> sheets()
             .set("positionvariation", {1})
             .set("sizevariation", {0.7})();
     });
+    addChoices("scatter", "output", [](Evaluation& run, int size) {
+        run.set("positionvariation", {0.5})
+            .set("rotationvariation", {1})
+            .set("sizevariation", {0.5})
+            .set("size", {1.4, 1.1})
+            .set("opaque", {0.1})
+            .skip()
+            .operand(Evaluation("shape", size, size).set("shape", {7}).set("size", {0.95, 0.7})());
+    });
+    add("scatter-colour", [](int size) {
+        return Evaluation("scatter", size, size)
+            .set("tiles", {12, 0})
+            .set("positionvariation", {1})
+            .set("rotationvariation", {1})
+            .set("stretchvariation", {0.5})
+            .set("size", {1.2, 1.2})
+            .set("blend", {2})
+            .set("order", {1})
+            .set("colourvariation", {0.2, 0.3, 0.3})
+            .set("backgroundcolour", {0.2, 0.25, 0.15, 1})
+            .skip()
+            .operand(Evaluation("channelmerge", size, size)
+                         .operand(drawn(size, size, [](float, float) { return 0.8f; }))
+                         .operand(drawn(size, size, [](float, float y) { return 0.6f * y; }))
+                         .operand(drawn(size, size, [](float, float) { return 0.1f; }))
+                         .operand(Evaluation("shape", size, size)
+                                      .set("shape", {3})
+                                      .set("sides", {5})
+                                      .set("size", {0.9, 0.9})())())();
+    });
+    add("scatter-scales", [](int size) {
+        return Evaluation("scatter", size, size)
+            .set("tiles", {7, 9})
+            .set("shape", {7})
+            .set("size", {1.2, 1.8})
+            .set("offset", {0.5})
+            .set("valuevariation", {0.3})
+            .set("blend", {2})();
+    });
+    addChoices("scatter", "shape", [](Evaluation& run, int) {
+        run.set("size", {0.9, 0.4}).set("rotationvariation", {1}).set("sides", {5});
+    });
+    add("freescatter", [](int size) {
+        return Evaluation("freescatter", size, size)
+            .set("number", {3000})
+            .set("size", {0.012, 0.012})
+            .set("spacing", {1})();
+    });
+    add("freescatter-density", [](int size) {
+        Evaluation run("freescatter", size, size);
+        run.set("number", {6000}).set("size", {0.03, 0.006}).set("rotationvariation", {1}).set("shape", {5});
+        for (int i = 0; i < 10; ++i)
+            run.skip();
+        return run.operand(reliefOf(size))();
+    });
     addChoices("weave", "pattern", [](Evaluation& run, int) { run.set("threads", {10, 0}); });
     addChoices("weave", "output", [](Evaluation& run, int) {
         run.set("threads", {8, 0}).set("pattern", {1});

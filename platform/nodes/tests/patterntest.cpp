@@ -85,6 +85,19 @@ const PatternCase kPatterns[] = {
      [](Evaluation& run) {
          run.set("shape", {7}).set("size", {1.8, 1.8}).set("layering", {2}).set("offset", {0.5});
      }},
+    {"scatter",
+     [](Evaluation& run) {
+         run.set("tiles", {5, 3})
+             .set("size", {2, 1.3})
+             .set("rotationvariation", {1})
+             .set("valuevariation", {0.5})
+             .set("blend", {2})
+             .set("shape", {7});
+     }},
+    {"freescatter",
+     [](Evaluation& run) {
+         run.set("number", {60}).set("size", {0.3, 0.1}).set("rotationvariation", {1}).set("shape", {6});
+     }},
     {"weave", [](Evaluation& run) { run.set("pattern", {3}); }},
     {"checker", [](Evaluation& run) { run.set("diagonal", {1}); }},
     {"shape",
