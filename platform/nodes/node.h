@@ -24,6 +24,7 @@
 #include "platform/program/program.h"
 
 #include <array>
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -131,6 +132,11 @@ struct Setup
     const std::uint32_t* inputWords = nullptr;
     // The picture bound to the node's ImageInput parameter, in planes; channels 0 when the host gave none.
     ImageView image;
+    // Becomes true when nobody wants the result any more: a prepare that may take milliseconds looks at it now
+    // and then and returns early, with whatever state. Null: never.
+    const std::atomic<bool>* stop = nullptr;
+
+    bool stopped() const { return stop && stop->load(std::memory_order_relaxed); }
 };
 
 /// What a kernel worked out once for all pixels: tables, weights, outlines. Read-only afterwards, shared by
@@ -161,6 +167,10 @@ struct AreaJob
     const ImageView* operands = nullptr;
     const ImageView* scratch = nullptr; // results of the passes before this one
     MutableImage result;
+    // As in Setup: for kernels that take milliseconds for a single row. The result may be left unfinished.
+    const std::atomic<bool>* stop = nullptr;
+
+    bool stopped() const { return stop && stop->load(std::memory_order_relaxed); }
 };
 
 /// Shape of the scratch image that a pass before the last writes.

@@ -152,6 +152,7 @@ bool Engine::pushInput(int index, quint32 type, const void* value)
 void Engine::start()
 {
     stopThread();
+    m_stopping = false;
     if (m_flags & Asynchronous)
         QThread::start(QThread::InheritPriority);
     else
@@ -162,6 +163,7 @@ void Engine::stop()
 {
     if (!handleOrNull())
         return;
+    m_stopping = true;
     uint32_t state = 0;
     Zph::Engine::handleGetState(m_handle, nullptr, &state);
     if (state & VELLOR_STATE_RUNNING)
@@ -214,7 +216,8 @@ void Engine::outputComplete(quint32 index)
     ValueOrSurfacePlayer result;
     const quint32 error = fetchOutput(m_handle, index, result);
     if (error != VELLOR_OK) {
-        emit errorCallback(tr("Output grab failed (%1)").arg(error));
+        if (!m_stopping) // a stop may come between, and is no failure
+            emit errorCallback(tr("Output grab failed (%1)").arg(error));
         restartClock();
         return;
     }

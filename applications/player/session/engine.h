@@ -9,6 +9,7 @@
 
 #include <vellor/engine.h>
 
+#include <atomic>
 #include <cstdlib>
 #include <ctime>
 #include <memory>
@@ -109,6 +110,7 @@ private:
     float m_busyTime = 0;     // seconds
     float m_lastProgress = 0; // seconds since m_startClock
     quint8 m_flags = 0;
+    std::atomic<bool> m_stopping{false}; // since the last start
 };
 
 } // namespace Zph::Applications::Player

@@ -1,5 +1,8 @@
 #include "platform/engines/cpu/chain.h"
 
+#include "platform/engines/cpu/pixelkernels.h"
+#include "platform/engines/cpu/ticks.h"
+
 #include <algorithm>
 
 namespace vellor::cpu {
@@ -15,9 +18,10 @@ constexpr int kMinTile = 256, kMaxTile = 4096; // pixels; multiples of 16
 class Chain::Compiler
 {
 public:
-    Compiler(Chain& chain, const Plan& plan, const Stage& stage, const Pictures& read,
+    Compiler(Chain& chain, const StageContext& context, const Stage& stage, const Pictures& read,
              const std::unordered_map<int, nodes::MutableImage>& written)
-        : chain_(chain), plan_(plan), stage_(stage), read_(read), written_(written)
+        : chain_(chain), context_(context), plan_(context.plan), stage_(stage), read_(read),
+          written_(written), streams_(tooLargeForCaches())
     {
     }
 
@@ -62,9 +66,9 @@ private:
         }
         const auto picture = read_.find(node.picture);
         const nodes::Setup setup =
-            setupOf(plan_, node, views, picture == read_.end() ? nodes::ImageView() : picture->second);
+            setupOf(context_, node, views, picture == read_.end() ? nodes::ImageView() : picture->second);
         call.state = prepareNode(node, setup);
-        call.result = addResult(stage_.nodes[at], node);
+        call.result = addResult(stage_.nodes[at], node, call.whole);
         chain_.calls_.push_back(std::move(call));
         releaseSlots(at, node);
     }
@@ -89,17 +93,26 @@ private:
         return places;
     }
 
-    Places addResult(int index, const PlanNode& node)
+    Places addResult(int index, const PlanNode& node, Places& whole)
     {
         Places& places = places_[index];
-        const auto whole = written_.find(index);
-        for (int c = 0; c < node.channels; ++c) {
-            if (whole != written_.end())
-                places[c] = {whole->second.planes[c], whole->second.stride, -1};
-            else
+        Places& target = streams_ ? whole : places;
+        if (const auto written = written_.find(index); written != written_.end())
+            for (int c = 0; c < node.channels; ++c)
+                target[c] = {written->second.planes[c], written->second.stride, -1};
+        for (int c = 0; c < node.channels; ++c)
+            if (!places[c].base)
                 places[c].slot = takeSlot();
-        }
         return places;
+    }
+
+    /// Whether what the stage writes is too much to be still in a cache when it is read.
+    bool tooLargeForCaches() const
+    {
+        std::size_t bytes = 0;
+        for (const auto& [node, image] : written_)
+            bytes += Image::byteSize(image.width, image.height, image.channels);
+        return worthStreaming(bytes);
     }
 
     int takeSlot()
@@ -129,31 +142,35 @@ private:
     }
 
     Chain& chain_;
+    const StageContext& context_;
     const Plan& plan_;
     const Stage& stage_;
     const Pictures& read_;
     const std::unordered_map<int, nodes::MutableImage>& written_;
+    const bool streams_;
     std::unordered_map<int, int> lastReader_; // by node of the stage: position in it
     std::unordered_map<int, Places> places_;  // by node of the stage
     std::vector<int> free_;
 };
 
-Chain::Chain(const Plan& plan, const Stage& stage, const Pictures& read,
+Chain::Chain(const StageContext& context, const Stage& stage, const Pictures& read,
              const std::unordered_map<int, nodes::MutableImage>& written)
-    : width_(plan.nodes[stage.nodes.front()].width), height_(plan.nodes[stage.nodes.front()].height)
+    : width_(context.plan.nodes[stage.nodes.front()].width),
+      height_(context.plan.nodes[stage.nodes.front()].height)
 {
-    Compiler(*this, plan, stage, read, written).compile();
+    Compiler(*this, context, stage, read, written).compile();
 }
 
-void Chain::run(int y0, int y1, float* slots) const
+void Chain::run(int y0, int y1, float* slots, std::uint64_t* ticks) const
 {
     std::vector<const float*> pointers(operands_.size());
     for (int y = y0; y < y1; ++y)
         for (int x = 0; x < width_; x += tileWidth_)
-            runTile(x, std::min(tileWidth_, width_ - x), y, slots, pointers.data());
+            runTile(x, std::min(tileWidth_, width_ - x), y, slots, pointers.data(), ticks);
+    endStreaming();
 }
 
-void Chain::runTile(int x, int count, int y, float* slots, const float** pointers) const
+void Chain::runTile(int x, int count, int y, float* slots, const float** pointers, std::uint64_t* ticks) const
 {
     nodes::RowJob job;
     job.x = x;
@@ -161,6 +178,7 @@ void Chain::runTile(int x, int count, int y, float* slots, const float** pointer
     job.count = count;
     job.width = width_;
     job.height = height_;
+    std::uint64_t before = ticks ? ticksNow() : 0;
     for (const Call& call : calls_) {
         const std::size_t end = call.firstOperand + call.operandPlanes;
         for (std::size_t i = call.firstOperand; i < end; ++i)
@@ -171,7 +189,21 @@ void Chain::runTile(int x, int count, int y, float* slots, const float** pointer
         for (int c = 0; c < nodes::kMaxChannels; ++c)
             job.result[c] = address(call.result[c], x, y, slots);
         call.row(job);
+        if (call.whole[0].base)
+            streamResult(call, job);
+        if (ticks) {
+            const std::uint64_t now = ticksNow();
+            *ticks++ += now - before;
+            before = now;
+        }
     }
+}
+
+void Chain::streamResult(const Call& call, const nodes::RowJob& job) const
+{
+    for (int c = 0; c < call.channels; ++c)
+        streamBytes(call.whole[c].base + job.y * call.whole[c].stride + job.x, job.result[c],
+                    sizeof(float) * static_cast<std::size_t>(job.count));
 }
 
 float* Chain::address(const Place& place, int x, int y, float* slots) const

@@ -4,7 +4,9 @@
 //
 // A row is cut into tiles that are short enough for the results of a whole group to stay in the second cache.
 // Results that are read within the group alone go to slots: rows of one tile that nodes share as soon as the
-// last reader is through. Results that become whole pictures are written, and read again, where they lie.
+// last reader is through. Results that become whole pictures are written, and read again, where they lie;
+// large ones lie in slots, too, and are copied from there past the caches, which saves the reading of what is
+// overwritten.
 
 #include "platform/engines/cpu/stagerunner.h"
 
@@ -17,14 +19,15 @@ class Chain
 {
 public:
     /// `read` has the pictures that the stage reads, `written` those it writes.
-    Chain(const Plan& plan, const Stage& stage, const Pictures& read,
+    Chain(const StageContext& context, const Stage& stage, const Pictures& read,
           const std::unordered_map<int, nodes::MutableImage>& written);
 
     /// Floats of slots that each thread brings.
     std::size_t slotFloats() const { return static_cast<std::size_t>(slotCount_) * slotStride(); }
     /// Runs all kernels on rows y0 to y1 - 1. `slots` is aligned to 64 bytes. Any thread; each with slots of
-    /// its own.
-    void run(int y0, int y1, float* slots) const;
+    /// its own. `ticks`, where given, grows for each node of the stage by the time that it takes, in the
+    /// units of some clock.
+    void run(int y0, int y1, float* slots, std::uint64_t* ticks = nullptr) const;
 
 private:
     /// Where a plane's row is: in a picture, in a slot, or nowhere.
@@ -41,11 +44,13 @@ private:
         int channels = 1;
         std::size_t firstOperand = 0, operandPlanes = 0; // in operands_
         std::array<Place, nodes::kMaxChannels> result;
+        std::array<Place, nodes::kMaxChannels> whole; // where results in slots go past the caches
     };
     class Compiler;
 
     std::size_t slotStride() const { return static_cast<std::size_t>(tileWidth_) + 16; }
-    void runTile(int x, int count, int y, float* slots, const float** pointers) const;
+    void runTile(int x, int count, int y, float* slots, const float** pointers, std::uint64_t* ticks) const;
+    void streamResult(const Call& call, const nodes::RowJob& job) const;
     float* address(const Place& place, int x, int y, float* slots) const;
 
     std::vector<Call> calls_;

@@ -1,6 +1,6 @@
-// The functions of the engine interface but for the version, which is the plug-in's. They check pointers,
-// keep exceptions in, and leave the rest to Context and Handle; <vellor/engine.h> says what each of them
-// does.
+// The functions of the engine interface, and of its addition for profiles, but for the version, which is the
+// plug-in's. They check pointers, keep exceptions in, and leave the rest to Context and Handle;
+// <vellor/engine.h> says what each of them does.
 
 #include "platform/engines/cpu/entrypoints.h"
 
@@ -8,6 +8,7 @@
 #include "platform/program/programreader.h"
 
 #include <vellor/engine.h>
+#include <vellor/profile.h>
 
 #include <new>
 #include <string>
@@ -192,6 +193,11 @@ uint32_t vellorHandleGetParentContext(VellorHandle* handle, VellorContext** cont
 uint32_t vellorHandleTransferCache(VellorHandle* to, VellorHandle* from, uint32_t)
 {
     return guarded(to && from, [&] { return to->transferCache(*from); });
+}
+
+uint32_t vellorHandleSetProfile(VellorHandle* handle, VellorProfileCallback callback, void* user)
+{
+    return guarded(handle, [&] { return handle->setProfile(callback, user); });
 }
 
 } // extern "C"

@@ -47,6 +47,7 @@ Generation::Outcome Generation::attempt(const std::vector<int>& outputs)
     markNeeded(plan, schedule);
     context_.monitor.begin(schedule.work);
     stagesDone_ = 0;
+    reported_.assign(plan.nodes.size(), false);
     for (std::size_t root = 0; delivered_ < outputs.size(); ++delivered_) {
         if (context_.monitor.stopped())
             return Outcome::Stopped;
@@ -55,7 +56,10 @@ Generation::Outcome Generation::attempt(const std::vector<int>& outputs)
             deliverNumber(output);
             continue;
         }
+        if (context_.profiler)
+            context_.profiler->beginOutput(context_.package.program().outputs[output].uid);
         Outcome outcome = advance(plan, schedule, schedule.stagesBefore[root]);
+        reportCached(plan, plan.roots[root]);
         if (outcome == Outcome::Done)
             outcome = deliverImage(output, plan.nodes[plan.roots[root]].key);
         if (outcome != Outcome::Done)
@@ -83,11 +87,37 @@ Generation::Outcome Generation::advance(const Plan& plan, const Schedule& schedu
     for (; stagesDone_ < until; ++stagesDone_) {
         if (context_.monitor.stopped())
             return Outcome::Stopped;
-        const StageResult result = runStage(stages, schedule, schedule.stages[stagesDone_]);
+        const StageResult result = runOne(stages, schedule, schedule.stages[stagesDone_]);
         if (result != StageResult::Done)
             return result == StageResult::Lost ? Outcome::Lost : Outcome::Stopped;
     }
     return Outcome::Done;
+}
+
+StageResult Generation::runOne(const StageContext& stages, const Schedule& schedule, const Stage& stage)
+{
+    if (!context_.profiler)
+        return runStage(stages, schedule, stage);
+    for (const int node : stage.reads)
+        reportCached(stages.plan, node);
+    StageCost cost;
+    StageContext measured = stages;
+    measured.cost = &cost;
+    const Stopwatch watch;
+    const StageResult result = runStage(measured, schedule, stage);
+    if (result == StageResult::Done)
+        context_.profiler->stage(stages.plan, context_.package, stage, cost, watch,
+                                 context_.store.liveBytes());
+    return result;
+}
+
+/// Tells of a result that no stage made, once.
+void Generation::reportCached(const Plan& plan, int node)
+{
+    if (!context_.profiler || plan.nodes[node].compute || reported_[node])
+        return;
+    reported_[node] = true;
+    context_.profiler->cached(plan, context_.package, node, context_.store.liveBytes());
 }
 
 Generation::Outcome Generation::deliverImage(int output, const Key& key)

@@ -4,6 +4,7 @@
 // called start.
 
 #include "platform/engines/cpu/planner.h"
+#include "platform/engines/cpu/profiler.h"
 #include "platform/engines/cpu/results.h"
 #include "platform/engines/cpu/stagerunner.h"
 
@@ -32,6 +33,7 @@ struct GenerationContext
     Resources resources;
     PictureSource pictures;
     std::function<void(int output, Result result)> deliver;
+    Profiler* profiler = nullptr; // null: nobody asks
 };
 
 class Generation
@@ -54,14 +56,17 @@ private:
     Outcome attempt(const std::vector<int>& outputs);
     void markNeeded(const Plan& plan, const Schedule& schedule);
     Outcome advance(const Plan& plan, const Schedule& schedule, int until);
+    StageResult runOne(const StageContext& stages, const Schedule& schedule, const Stage& stage);
+    void reportCached(const Plan& plan, int node);
     Outcome deliverImage(int output, const Key& key);
     void deliverNumber(int output);
 
     const GenerationContext& context_;
     const Hints& hints_;
     std::vector<bool> changing_;
-    std::size_t delivered_ = 0; // of the outputs
-    int stagesDone_ = 0;        // of the attempt
+    std::size_t delivered_ = 0;  // of the outputs
+    int stagesDone_ = 0;         // of the attempt
+    std::vector<bool> reported_; // to the profiler as cached, by node of the plan
 };
 
 } // namespace vellor::cpu

@@ -188,9 +188,15 @@ std::uint32_t Handle::start()
     struct Idle
     {
         Handle& handle;
-        ~Idle() { handle.running_ = false; }
+        ~Idle()
+        {
+            handle.profiler_ = nullptr;
+            handle.running_ = false;
+        }
     } const idle{*this};
     nodes::limitInstructionSet(resources_.instructionSet());
+    Profiler profiler(self(), profile_, profileUser_);
+    profiler_ = profile_ ? &profiler : nullptr;
     return runQueue();
 }
 
@@ -235,7 +241,8 @@ std::uint32_t Handle::execute(const Compute& compute, const Hints& hints)
         monitor,
         resources_,
         [this](std::uint32_t input, int width, int height) { return picture(input, width, height); },
-        [this, &compute](int output, Result result) { deliver(output, std::move(result), compute.user); }};
+        [this, &compute](int output, Result result) { deliver(output, std::move(result), compute.user); },
+        profiler_};
     return Generation(context, hints).run(compute.outputs);
 }
 
@@ -307,16 +314,25 @@ std::uint32_t Handle::fetchImage(int output, VellorTexture& texture)
     if (!image)
         return VELLOR_ERROR_NOT_COMPUTED;
     const int levels = std::clamp<int>(described.mipmaps, 1, levelCount(image->width(), image->height()));
-    void* buffer = context_->callbacks.allocate(
-        outputBytes(described.pixelFormat, image->width(), image->height(), levels));
+    const std::size_t size = outputBytes(described.pixelFormat, image->width(), image->height(), levels);
+    void* buffer = context_->callbacks.allocate(size);
     if (!buffer)
         return VELLOR_ERROR_OUT_OF_MEMORY;
+    const Stopwatch watch;
+    std::uint64_t scratchBytes = 0;
+    bool whole = false;
     try {
-        writeLevels(described, image, levels, static_cast<std::uint8_t*>(buffer));
+        whole = writeLevels(described, image, levels, static_cast<std::uint8_t*>(buffer), scratchBytes);
     } catch (...) {
         context_->callbacks.free(buffer);
         throw;
     }
+    if (!whole) {
+        context_->callbacks.free(buffer);
+        return VELLOR_ERROR_NOT_COMPUTED;
+    }
+    if (profiler_)
+        profiler_->output(*image, size, scratchBytes, watch, store_.liveBytes());
     texture = VellorTexture();
     texture.buffer = buffer;
     texture.width = static_cast<std::uint16_t>(image->width());
@@ -326,29 +342,45 @@ std::uint32_t Handle::fetchImage(int output, VellorTexture& texture)
     return VELLOR_OK;
 }
 
-void Handle::writeLevels(const program::Output& output, std::shared_ptr<const Image> image, int levels,
-                         std::uint8_t* out)
+/// False: stopped before the end.
+bool Handle::writeLevels(const program::Output& output, std::shared_ptr<const Image> image, int levels,
+                         std::uint8_t* out, std::uint64_t& scratchBytes)
 {
     const std::atomic<bool> never{false};
-    Monitor silent(never, [](std::uint32_t, std::uint32_t) {});
+    Monitor silent(running_ ? stop_ : never, [](std::uint32_t, std::uint32_t) {});
     Resources resources = resources_;
     if (reporting_)
         resources.threads = 1;
     const auto overRows = [&](const Image& rowsOf, const RowBody& body) {
-        RowLoop{context_->threads, silent, resources, rowsOf.height(), rowsOf.width(), 0}.run(body);
+        return RowLoop{context_->threads, silent, resources, rowsOf.height(), rowsOf.width(), 0}.run(body);
     };
     for (int level = 0; level < levels; ++level) {
         if (level > 0) {
             const auto half = store_.make(std::max(1, image->width() / 2), std::max(1, image->height() / 2),
                                           image->channels());
-            overRows(*half,
-                     [&](int y0, int y1, int) { halveRows(image->view(), y0, y1, half->mutableView()); });
+            scratchBytes += half->byteSize();
+            if (!overRows(*half, [&](int y0, int y1, int) {
+                    halveRows(image->view(), y0, y1, half->mutableView());
+                }))
+                return false;
             image = half;
         }
-        overRows(*image,
-                 [&](int y0, int y1, int) { convertRows(image->view(), output.pixelFormat, y0, y1, out); });
+        if (!overRows(*image, [&](int y0, int y1, int) {
+                convertRows(image->view(), output.pixelFormat, y0, y1, out);
+            }))
+            return false;
         out += outputBytes(output.pixelFormat, image->width(), image->height(), 1);
     }
+    return true;
+}
+
+std::uint32_t Handle::setProfile(VellorProfileCallback callback, void* user)
+{
+    if (running_)
+        return VELLOR_ERROR_BUSY;
+    profile_ = callback;
+    profileUser_ = user;
+    return VELLOR_OK;
 }
 
 std::uint32_t Handle::switchHard(const Resources& resources)

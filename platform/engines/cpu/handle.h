@@ -40,6 +40,7 @@ public:
     std::uint32_t imageRequest(std::uint32_t input, VellorImageRequest& request);
     std::uint32_t switchHard(const Resources& resources);
     std::uint32_t transferCache(Handle& from);
+    std::uint32_t setProfile(VellorProfileCallback callback, void* user);
     VellorDataDesc desc() const;
     std::uint32_t label() const { return label_; }
     VellorContext* context() const { return context_.get(); }
@@ -82,8 +83,8 @@ private:
     void report(std::uint32_t current, std::uint32_t total);
     void deliver(int output, Result result, void* user);
     std::uint32_t fetchImage(int output, VellorTexture& texture);
-    void writeLevels(const program::Output& output, std::shared_ptr<const Image> image, int levels,
-                     std::uint8_t* out);
+    bool writeLevels(const program::Output& output, std::shared_ptr<const Image> image, int levels,
+                     std::uint8_t* out, std::uint64_t& scratchBytes);
 
     /// The picture that the host gave when it was last asked.
     struct Asked
@@ -108,6 +109,9 @@ private:
     Hints hints_;
 
     std::atomic<bool> running_{false}, stop_{false}, abandoned_{false};
+    VellorProfileCallback profile_ = nullptr;
+    void* profileUser_ = nullptr;
+    Profiler* profiler_ = nullptr; // of the running generation
     std::uint32_t label_ = 0;
     bool reporting_ = false; // inside the progress callback, where the pool's threads are taken
 };

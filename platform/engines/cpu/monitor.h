@@ -22,6 +22,7 @@ public:
     Monitor(const std::atomic<bool>& stop, Report report) : stop_(stop), report_(std::move(report)) {}
 
     bool stopped() const { return stop_.load(std::memory_order_relaxed); }
+    const std::atomic<bool>& stop() const { return stop_; }
 
     /// Begins a generation of `work` units.
     void begin(std::uint64_t work)

@@ -71,7 +71,8 @@ public:
     {
         if (error_)
             std::rethrow_exception(error_);
-        return rowsDone_.load() == loop_.rows;
+        // Whoever looks at the stop by himself may have left rows unfinished.
+        return rowsDone_.load() == loop_.rows && !loop_.monitor.stopped();
     }
 
 private:

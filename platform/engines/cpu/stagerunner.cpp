@@ -16,6 +16,8 @@ public:
 
     StageResult run()
     {
+        if (context_.cost)
+            *context_.cost = {std::vector<std::uint64_t>(stage_.nodes.size()), 0};
         for (const int node : stage_.reads) {
             std::shared_ptr<const Image> image = context_.store.get(context_.plan.nodes[node].key);
             if (!image)
@@ -51,22 +53,38 @@ private:
 
     bool runChain(const PlanNode& first)
     {
-        const Chain chain(context_.plan, stage_, views_, targets_);
+        const Chain chain(context_, stage_, views_, targets_);
+        if (context_.monitor.stopped())
+            return false;
         const std::size_t each = (chain.slotFloats() + 15) / 16 * 16;
-        const Buffer slots = context_.pool.acquire(
-            each * sizeof(float) * static_cast<std::size_t>(context_.resources.threadCount()));
-        return loop(first.width, first.height, stage_.work).run([&](int y0, int y1, int worker) {
-            chain.run(y0, y1, slots.floats() + each * static_cast<std::size_t>(worker));
+        const auto workers = static_cast<std::size_t>(context_.resources.threadCount());
+        const Buffer slots = context_.pool.acquire(each * sizeof(float) * workers);
+        std::vector<std::vector<std::uint64_t>> ticks(context_.cost ? workers : 0);
+        const bool done = loop(first.width, first.height, stage_.work).run([&](int y0, int y1, int worker) {
+            std::uint64_t* counts = nullptr;
+            if (!ticks.empty()) {
+                ticks[worker].resize(stage_.nodes.size());
+                counts = ticks[worker].data();
+            }
+            chain.run(y0, y1, slots.floats() + each * static_cast<std::size_t>(worker), counts);
         });
+        for (const auto& counts : ticks)
+            for (std::size_t i = 0; i < counts.size(); ++i)
+                context_.cost->ticks[i] += counts[i];
+        if (context_.cost)
+            context_.cost->scratchBytes = each * sizeof(float) * workers;
+        return done;
     }
 
     bool runArea(const PlanNode& node)
     {
         const std::vector<nodes::ImageView> operands = viewsOf(node);
         const auto picture = views_.find(node.picture);
-        const nodes::Setup setup = setupOf(context_.plan, node, operands,
-                                           picture == views_.end() ? nodes::ImageView() : picture->second);
+        const nodes::Setup setup =
+            setupOf(context_, node, operands, picture == views_.end() ? nodes::ImageView() : picture->second);
         const std::unique_ptr<nodes::State> state = prepareNode(node, setup);
+        if (context_.monitor.stopped())
+            return false;
         std::vector<nodes::ScratchShape> shapes;
         if (node.kind->scratch)
             shapes = node.kind->scratch(state.get(), setup);
@@ -75,6 +93,7 @@ private:
         nodes::AreaJob job;
         job.state = state.get();
         job.operands = operands.data();
+        job.stop = &context_.monitor.stop();
         const int passes = static_cast<int>(shapes.size()) + 1;
         for (job.pass = 0; job.pass < passes; ++job.pass) {
             const bool last = job.pass + 1 == passes;
@@ -103,8 +122,11 @@ private:
 
     std::shared_ptr<Image> makeScratch(const nodes::ScratchShape& shape) const
     {
-        return context_.store.make(std::max(shape.width, 1), std::max(shape.height, 1),
-                                   std::clamp(shape.channels, 1, nodes::kMaxChannels));
+        auto image = context_.store.make(std::max(shape.width, 1), std::max(shape.height, 1),
+                                         std::clamp(shape.channels, 1, nodes::kMaxChannels));
+        if (context_.cost)
+            context_.cost->scratchBytes += image->byteSize();
+        return image;
     }
 
     std::vector<nodes::ImageView> viewsOf(const PlanNode& node) const
@@ -142,8 +164,8 @@ StageResult runStage(const StageContext& context, const Schedule& schedule, cons
     return result;
 }
 
-nodes::Setup setupOf(const Plan& plan, const PlanNode& node, const std::vector<nodes::ImageView>& operands,
-                     const nodes::ImageView& image)
+nodes::Setup setupOf(const StageContext& context, const PlanNode& node,
+                     const std::vector<nodes::ImageView>& operands, const nodes::ImageView& image)
 {
     nodes::Setup setup;
     setup.parameters = node.parameters.data();
@@ -153,8 +175,9 @@ nodes::Setup setupOf(const Plan& plan, const PlanNode& node, const std::vector<n
     setup.seed = node.seed;
     setup.operands = operands.data();
     setup.operandCount = operands.size();
-    setup.inputWords = plan.inputWords.data();
+    setup.inputWords = context.plan.inputWords.data();
     setup.image = image;
+    setup.stop = &context.monitor.stop();
     return setup;
 }
 

@@ -24,6 +24,13 @@ enum class StageResult
 /// The whole pictures that a stage reads and writes, by node of the plan.
 using Pictures = std::unordered_map<int, nodes::ImageView>;
 
+/// What a stage needed, for profiles.
+struct StageCost
+{
+    std::vector<std::uint64_t> ticks; // by node of the stage, in units of no meaning
+    std::uint64_t scratchBytes = 0;
+};
+
 struct StageContext
 {
     const Plan& plan;
@@ -32,6 +39,7 @@ struct StageContext
     ThreadPool& threads;
     Monitor& monitor;
     Resources resources;
+    StageCost* cost = nullptr; // of the stage that runs; null: nobody asks
 };
 
 /// Throws std::bad_alloc, and what kernels throw.
@@ -39,8 +47,8 @@ StageResult runStage(const StageContext& context, const Schedule& schedule, cons
 
 /// What a kernel is told ahead of its pixels. `operands` has as many views as the node's kind has operands;
 /// `image` is the picture of the node's image input.
-nodes::Setup setupOf(const Plan& plan, const PlanNode& node, const std::vector<nodes::ImageView>& operands,
-                     const nodes::ImageView& image);
+nodes::Setup setupOf(const StageContext& context, const PlanNode& node,
+                     const std::vector<nodes::ImageView>& operands, const nodes::ImageView& image);
 std::unique_ptr<nodes::State> prepareNode(const PlanNode& node, const nodes::Setup& setup);
 
 } // namespace vellor::cpu
