@@ -58,13 +58,13 @@ public:
     /// The text between the tags; not given when there is none but white space.
     SourceText content();
 
+    std::string tag() const { return std::string("<") + m_node.name() + ">"; }
     Place place() const { return m_document.placeOf(m_node.name()); }
     void error(Place place, const std::string& text) const { m_document.diagnostics().error(place, text); }
 
 private:
     void checkAttributes() const;
     void checkChildren() const;
-    std::string tag() const { return std::string("<") + m_node.name() + ">"; }
 
     const Document& m_document;
     pugi::xml_node m_node;

@@ -10,7 +10,9 @@
 //   unary       = ("-" | "+" | "!" | "not") unary | postfix
 //   postfix     = primary { "." swizzle }
 //   primary     = number | "true" | "false" | name | name "(" [ expression { "," expression } ] ")"
+//               | name "." name "(" [ expression { "," expression } ] ")"
 //               | "$" name | "(" expression ")" | ("input" | "value") ( "." name | "[" string "]" )
+//               | "instance" "." name "." name
 //
 // Depth is bounded by the parser, so that whoever walks a tree may do so by recursion.
 
@@ -31,11 +33,12 @@ struct Expression
         Int,
         Bool, // literals
         Input,
-        Value,   // text: what is referred to
-        Name,    // a let, or a built-in like pi and pos
-        String,  // only as an argument
-        Call,    // text: function
-        Swizzle, // text: components
+        Value,    // text: what is referred to
+        Instance, // text: "instance.output"
+        Name,     // a let, or a built-in like pi and pos
+        String,   // only as an argument
+        Call,     // text: function
+        Swizzle,  // text: components
         Unary,
         Binary, // text: operator
         Conditional

@@ -1,5 +1,6 @@
 #include "platform/cooker/expressioncompiler.h"
 
+#include "platform/cooker/packagefunctions.h"
 #include "platform/cooker/valuemath.h"
 #include "platform/program/types.h"
 
@@ -17,6 +18,8 @@ namespace {
 
 // Expressions refer to values that refer to values, through graphs within graphs.
 constexpr int kMaxDepth = 600;
+// Functions that call functions unfold; small files must not take forever.
+constexpr int kMostCalls = 10000;
 
 struct SimpleFunction
 {
@@ -77,6 +80,9 @@ public:
     {
     }
 
+    /// With values for names that are there from the start: arguments.
+    void define(const std::string& name, const TypedValue& value) { m_lets[name] = value; }
+
     TypedValue run()
     {
         const ExpressionProgram program = parseExpression(m_compiler.m_sources, m_text);
@@ -117,6 +123,8 @@ private:
         case Expression::Kind::Input:
         case Expression::Kind::Value:
             return reference(expression);
+        case Expression::Kind::Instance:
+            return m_names.instanceNumber(expression.text, place(expression), m_compiler);
         case Expression::Kind::Name:
             return name(expression);
         case Expression::Kind::String:
@@ -261,7 +269,36 @@ private:
                 return simple(expression, function, arguments);
             }
         }
+        if (const OwnFunction function = m_names.function(expression.text); function.source)
+            return own(expression, function, arguments);
         return special(expression, arguments);
+    }
+
+    /// The function's expression, put in the place of the call.
+    TypedValue own(const Expression& expression, const OwnFunction& function,
+                   const std::vector<TypedValue>& arguments)
+    {
+        const FunctionSource& source = *function.source;
+        requireArguments(expression, source.arguments.size());
+        std::vector<const FunctionSource*>& calls = m_compiler.m_calls;
+        if (std::find(calls.begin(), calls.end(), &source) != calls.end())
+            fail(expression, "the function '" + source.id.text + "' calls itself");
+        if (++m_compiler.m_callCount > kMostCalls)
+            fail(expression, "this calls too many functions, once they are put in");
+        const PackageFunctions names(*function.package);
+        ExpressionBody body(m_compiler, source.expression, names);
+        for (std::size_t i = 0; i < arguments.size(); ++i)
+            body.define(source.arguments[i].text, arguments[i]);
+        calls.push_back(&source);
+        TypedValue result;
+        try {
+            result = body.run();
+        } catch (...) {
+            calls.pop_back();
+            throw;
+        }
+        calls.pop_back();
+        return result;
     }
 
     void requireArguments(const Expression& expression, std::size_t count) const
@@ -310,7 +347,10 @@ private:
         }
         if (name == "dot" || name == "length" || name == "distance" || name == "normalize" || name == "cross")
             return geometric(expression, arguments);
-        fail(expression, "unknown function '" + name + "'; there are " + quotedList(functionNames()));
+        std::vector<std::string> known = functionNames();
+        for (const std::string& own : m_names.knownFunctions())
+            known.push_back(own);
+        fail(expression, "unknown function '" + name + "'; there are " + quotedList(known));
     }
 
     TypedValue construct(const Expression& expression, const std::vector<TypedValue>& arguments, bool toFloat,

@@ -32,6 +32,13 @@ std::string typeName(const TypedValue& value);
 
 class ExpressionCompiler;
 
+/// A function of an author's, and the package that it belongs to, whose functions it may call.
+struct OwnFunction
+{
+    const FunctionSource* source = nullptr;
+    const PackageSource* package = nullptr;
+};
+
 /// What the names in an expression stand for.
 class Names
 {
@@ -41,6 +48,12 @@ public:
     /// and known lists what there is. May throw ExpressionError.
     virtual std::optional<TypedValue> input(const std::string& name, ExpressionCompiler& compiler) const = 0;
     virtual std::optional<TypedValue> value(const std::string& name, ExpressionCompiler& compiler) const = 0;
+    /// The numeric output "id.output" of a graph instance; fails by ExpressionError alone, at this place.
+    virtual TypedValue instanceNumber(const std::string& name, Place place,
+                                      ExpressionCompiler& compiler) const = 0;
+    /// The function "name" or "include.name"; none: a null source.
+    virtual OwnFunction function(const std::string& name) const = 0;
+    virtual std::vector<std::string> knownFunctions() const = 0;
     virtual std::vector<std::string> knownInputs() const = 0;
     virtual std::vector<std::string> knownValues() const = 0;
 };
@@ -83,7 +96,8 @@ private:
     std::map<Key, std::optional<TypedValue>> m_memory;
     bool m_perPixel = false;
     std::vector<SampledOperand> m_operands;
-    int m_depth = 0;
+    std::vector<const FunctionSource*> m_calls; // under way, the innermost last
+    int m_depth = 0, m_callCount = 0;
 };
 
 /// Names of the functions of the language, with their arguments, for the documentation and its test.

@@ -272,6 +272,13 @@ private:
             advance();
             if (m_token.kind != Token::Kind::Name)
                 fail("expected components like 'x' or 'rgb'");
+            if (operand->kind == Expression::Kind::Name && nextIsBracket()) { // a function of an include
+                Token function = m_token;
+                function.text = operand->text + "." + function.text;
+                advance();
+                operand = call(function);
+                continue;
+            }
             Pointer swizzle = make(Expression::Kind::Swizzle, m_token.at, m_token.text);
             advance();
             adopt(*swizzle, std::move(operand));
@@ -305,6 +312,8 @@ private:
         }
         if (token.text == "input" || token.text == "value")
             return reference(token);
+        if (token.text == "instance")
+            return instance();
         return isSymbol("(") ? call(token) : make(Expression::Kind::Name, token.at, token.text);
     }
 
@@ -336,6 +345,27 @@ private:
         if (bracket)
             expect("]");
         return found;
+    }
+
+    Pointer instance()
+    {
+        std::string names[2];
+        const std::size_t at = m_token.at;
+        for (std::string& name : names) {
+            expect(".");
+            if (m_token.kind != Token::Kind::Name)
+                fail("expected instance.id.output");
+            name = m_token.text;
+            advance();
+        }
+        return make(Expression::Kind::Instance, at, names[0] + "." + names[1]);
+    }
+
+    /// Whether what follows the present token is an opening bracket.
+    bool nextIsBracket() const
+    {
+        const std::size_t at = m_text.find_first_not_of(" \t\n\v\f\r", m_at);
+        return at != std::string::npos && m_text[at] == '(';
     }
 
     Pointer call(const Token& token)

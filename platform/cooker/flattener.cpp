@@ -3,6 +3,7 @@
 #include "platform/cooker/graphorder.h"
 #include "platform/cooker/graphrules.h"
 #include "platform/cooker/literals.h"
+#include "platform/cooker/packagefunctions.h"
 #include "platform/program/types.h"
 
 #include <algorithm>
@@ -28,12 +29,13 @@ public:
     Flattener(const Sources& sources, const PackageSource& package, const NodeTable& table,
               const CookOptions& options, Diagnostics& diagnostics)
         : m_sources(sources), m_package(package), m_options(options), m_diagnostics(diagnostics),
-          m_nodes(sources, diagnostics, table, m_flat.program)
+          m_nodes(sources, diagnostics, table, options, m_flat.program)
     {
     }
 
     FlatPackage run()
     {
+        checkFunctions(m_package, m_sources, m_diagnostics);
         std::map<std::string, const GraphSource*> names;
         for (const GraphSource& graph : m_package.graphs) {
             if (!names.emplace(graph.identifier.text, &graph).second)
@@ -50,7 +52,7 @@ private:
     /// needs.
     void addGraph(const GraphSource& graph)
     {
-        Scope scope(m_package, graph, m_options, nullptr, nullptr);
+        Scope scope(m_package, graph, m_options, m_open, nullptr, nullptr);
         FlatPackage::Graph flat;
         flat.source = &graph;
         flat.url = "pkg://" + graph.identifier.text;
@@ -151,26 +153,39 @@ private:
         return m_work <= kMostWork && !m_diagnostics.full();
     }
 
-    void buildInstance(Scope& outer, const NodeSource& instance)
+    /// The scope of an instance with all but its pictures.
+    std::unique_ptr<Scope> open(const Scope& outer, const NodeSource& instance)
     {
         const auto [package, graph] = findGraph(outer, instance.graph);
         if (!graph || !mayEnter(outer, *graph, instance))
-            return;
-        Scope scope(*package, *graph, m_options, &outer, &instance);
+            return nullptr;
+        auto scope = std::make_unique<Scope>(*package, *graph, m_options, m_open, &outer, &instance);
         for (const InputSource& input : graph->inputs)
-            scope.inputs.emplace(input.identifier.text, bindInner(outer, input));
-        bindParameters(outer, scope, instance);
-        bindPictures(outer, scope, instance);
-        buildNodes(scope);
-        for (const OutputSource& output : graph->outputs) {
+            scope->inputs.emplace(input.identifier.text, bindInner(outer, input));
+        bindParameters(outer, *scope, instance);
+        return scope;
+    }
+
+    void buildInstance(Scope& outer, const NodeSource& instance)
+    {
+        Scope* scope = nullptr;
+        if (!m_nodes.guarded(instance.place, [&] { scope = outer.inner(instance); }) || !scope)
+            return;
+        bindPictures(outer, *scope, instance);
+        buildNodes(*scope);
+        bool hasNumbers = false;
+        for (const OutputSource& output : scope->graph.outputs) {
             Scope::Result result;
             result.isNumeric = output.value.given;
-            result.node = output.from ? m_nodes.resolve(scope, output.from) : kNone;
+            result.node = output.from ? m_nodes.resolve(*scope, output.from) : kNone;
             outer.results[instance.id.text + "." + output.identifier.text] = result;
-            if (graph->outputs.size() == 1)
+            if (scope->graph.outputs.size() == 1)
                 outer.results[instance.id.text] = result;
+            hasNumbers = hasNumbers || result.isNumeric;
         }
         outer.pending.erase(instance.id.text);
+        if (!hasNumbers)
+            outer.close(instance);
     }
 
     std::pair<const PackageSource*, const GraphSource*> findGraph(const Scope& scope,
@@ -405,6 +420,9 @@ private:
     Diagnostics& m_diagnostics;
     FlatPackage m_flat;
     NodeCompiler m_nodes;
+    const Scope::Open m_open = [this](const Scope& outer, const NodeSource& instance) {
+        return open(outer, instance);
+    };
     Uids m_inputUids, m_outputUids;
     std::size_t m_work = 0;
 };

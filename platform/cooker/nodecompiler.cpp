@@ -1,6 +1,8 @@
 #include "platform/cooker/nodecompiler.h"
 
 #include "platform/cooker/literals.h"
+#include "platform/cooker/packageloader.h"
+#include "platform/cooker/pngreader.h"
 #include "platform/program/bytes.h"
 #include "platform/program/types.h"
 
@@ -117,8 +119,9 @@ struct NodeCompiler::Job
 };
 
 NodeCompiler::NodeCompiler(const Sources& sources, Diagnostics& diagnostics, const NodeTable& table,
-                           program::Program& program)
-    : m_sources(sources), m_diagnostics(diagnostics), m_table(table), m_program(program), m_pool(program)
+                           const CookOptions& options, program::Program& program)
+    : m_sources(sources), m_diagnostics(diagnostics), m_table(table), m_options(options), m_program(program),
+      m_pool(program)
 {
 }
 
@@ -271,8 +274,10 @@ void NodeCompiler::setParameters(Job& job)
     }
     for (const ParameterDeclaration& declaration : job.declaration.parameters) {
         const bool isGiven = std::find(given.begin(), given.end(), declaration.name) != given.end();
-        if (!isGiven && (declaration.type == ParameterType::PixelProgram ||
-                         declaration.type == ParameterType::ImageInput))
+        const bool needed = declaration.type == ParameterType::PixelProgram ||
+                            declaration.type == ParameterType::ImageInput ||
+                            declaration.type == ParameterType::Picture;
+        if (!isGiven && needed)
             error(job, job.source.place,
                   "'" + job.source.id.text + "' needs the parameter '" + declaration.name + "'");
     }
@@ -401,13 +406,39 @@ void NodeCompiler::setBlob(Job& job, const ParameterDeclaration& declaration, co
         parameter.index = m_pool.blob(gradientBlob(source.stops));
     else if (declaration.type == ParameterType::Text && source.value)
         parameter.index = m_pool.blob({source.value.text.begin(), source.value.text.end()});
+    else if (declaration.type == ParameterType::Picture && source.file)
+        setPicture(job, source, parameter);
     else
         error(job, source.place,
               "the parameter '" + source.name.text + "' needs " +
                   (declaration.type == ParameterType::Curve      ? "<key> elements"
                    : declaration.type == ParameterType::Gradient ? "<stop> elements"
                    : declaration.type == ParameterType::Text     ? "'value' or 'input'"
+                   : declaration.type == ParameterType::Picture  ? "'file'"
                                                                  : "'input'"));
+}
+
+void NodeCompiler::setPicture(Job& job, const ParameterSource& source, program::Parameter& parameter)
+{
+    const auto path =
+        resolveUrl(source.file, m_sources.name(source.file.place.file), m_options, m_diagnostics);
+    job.failed = job.failed || !path;
+    if (!path)
+        return;
+    const auto [known, isNew] = m_pictures.try_emplace(*path, kNone);
+    if (isNew) {
+        const std::optional<std::string> bytes = readFile(*path);
+        std::string why = "it can't be read";
+        std::vector<std::uint8_t> blob;
+        if (bytes)
+            blob = pictureOfPng(*bytes, why);
+        if (blob.empty())
+            m_diagnostics.error(source.file.place, "the picture '" + *path + "': " + why);
+        else
+            known->second = m_pool.blob(std::move(blob));
+    }
+    parameter.index = known->second;
+    job.failed = job.failed || parameter.index == kNone;
 }
 
 void NodeCompiler::setSizeAndSeed(Job& job)

@@ -13,7 +13,7 @@ class NodeCompiler
 {
 public:
     NodeCompiler(const Sources& sources, Diagnostics& diagnostics, const NodeTable& table,
-                 program::Program& program);
+                 const CookOptions& options, program::Program& program);
 
     /// The node's index, or kNone when something is wrong. The scope's results hold what its links refer to.
     std::int32_t compile(const Scope& scope, const NodeSource& source);
@@ -65,6 +65,7 @@ private:
                      program::Parameter& parameter);
     void setBlob(Job& job, const nodes::ParameterDeclaration& declaration, const ParameterSource& source,
                  program::Parameter& parameter);
+    void setPicture(Job& job, const ParameterSource& source, program::Parameter& parameter);
     void setSizeAndSeed(Job& job);
     std::int32_t pictureInput(const Scope& scope, const SourceText& from, const std::string& name);
     void error(Job& job, Place place, const std::string& text);
@@ -72,7 +73,9 @@ private:
     const Sources& m_sources;
     Diagnostics& m_diagnostics;
     const NodeTable& m_table;
+    const CookOptions& m_options;
     program::Program& m_program;
+    std::map<std::string, std::int32_t> m_pictures; // by path: the blob, or kNone after an error
     program::RecordPool m_pool;
 };
 

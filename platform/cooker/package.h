@@ -59,7 +59,7 @@ struct GradientStop
 struct ParameterSource
 {
     SourceText name;
-    SourceText value, expression, input;
+    SourceText value, expression, input, file;
     std::vector<CurveKey> keys;
     std::vector<GradientStop> stops;
     Place place;
@@ -121,6 +121,14 @@ struct GraphSource
     Place place;
 };
 
+/// An expression with names for what it is called with. Arguments have the types of what is handed over.
+struct FunctionSource
+{
+    SourceText id;
+    std::vector<SourceText> arguments;
+    SourceText expression;
+};
+
 struct IncludeSource
 {
     SourceText as, url;
@@ -131,6 +139,7 @@ struct PackageSource
     std::int32_t file = -1;
     SourceText description;
     std::vector<IncludeSource> includes;
+    std::vector<FunctionSource> functions;
     std::vector<GraphSource> graphs;
     std::map<std::string, const PackageSource*> included; // by the name of the include; filled by the loader
 };

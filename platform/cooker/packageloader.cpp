@@ -76,7 +76,7 @@ void PackageLoader::follow(PackageSource& package, const std::string& path, int 
 
 const PackageSource* PackageLoader::include(const IncludeSource& entry, const std::string& path, int depth)
 {
-    const std::optional<std::string> target = resolve(entry.url, path);
+    const std::optional<std::string> target = resolveUrl(entry.url, path, m_options, m_diagnostics);
     if (!target)
         return nullptr;
     const std::string key = keyOf(*target);
@@ -99,26 +99,27 @@ const PackageSource* PackageLoader::include(const IncludeSource& entry, const st
     return read(key, *target, std::move(*bytes), depth);
 }
 
-std::optional<std::string> PackageLoader::resolve(const SourceText& url, const std::string& path)
+std::optional<std::string> resolveUrl(const SourceText& url, const std::string& from,
+                                      const CookOptions& options, Diagnostics& diagnostics)
 {
     const std::size_t scheme = url.text.find("://");
     if (scheme == std::string::npos)
-        return (fs::path(path).parent_path() / url.text).string();
+        return (fs::path(from).parent_path() / url.text).string();
     const std::string alias = url.text.substr(0, scheme);
     const fs::path file(url.text.substr(scheme + 3));
-    const auto known = m_options.aliases.find(alias);
-    if (known == m_options.aliases.end()) {
+    const auto known = options.aliases.find(alias);
+    if (known == options.aliases.end()) {
         std::vector<std::string> names;
-        for (const auto& entry : m_options.aliases)
+        for (const auto& entry : options.aliases)
             names.push_back(entry.first);
-        m_diagnostics.error(url.place,
-                            "unknown alias '" + alias + "'; " +
-                                (names.empty() ? "there are none" : "there are " + quotedList(names)));
+        diagnostics.error(url.place,
+                          "unknown alias '" + alias + "'; " +
+                              (names.empty() ? "there are none" : "there are " + quotedList(names)));
         return std::nullopt;
     }
     for (const fs::path& part : file) {
         if (part == ".." || file.is_absolute()) {
-            m_diagnostics.error(url.place, "a URL must not leave the folder of its alias");
+            diagnostics.error(url.place, "a URL must not leave the folder of its alias");
             return std::nullopt;
         }
     }

@@ -14,6 +14,11 @@ namespace vellor::cooker {
 /// The bytes of a file, of at most 256 MiB; nullopt when it can't be read.
 std::optional<std::string> readFile(const std::string& path);
 
+/// The path of the file that a URL in a file of sources names: an alias and a file in its folder, or a file
+/// beside the one that names it. nullopt when it is wrong, which was told.
+std::optional<std::string> resolveUrl(const SourceText& url, const std::string& from,
+                                      const CookOptions& options, Diagnostics& diagnostics);
+
 /// Reads authoring files with all that they include, every file once.
 class PackageLoader
 {
@@ -37,7 +42,6 @@ private:
     void follow(PackageSource& package, const std::string& path, int depth);
     const PackageSource* include(const IncludeSource& include, const std::string& path, int depth);
     const PackageSource* read(const std::string& key, const std::string& path, std::string bytes, int depth);
-    std::optional<std::string> resolve(const SourceText& url, const std::string& path);
 
     Sources& m_sources;
     Diagnostics& m_diagnostics;

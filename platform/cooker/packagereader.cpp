@@ -40,10 +40,12 @@ public:
                           "format version '" + version.text + "' is not supported; expected '1'");
         package.description = element.attribute("description");
         element.children("include", [&](pugi::xml_node node) { readInclude(node, package); });
+        element.children("function",
+                         [&](pugi::xml_node node) { readFunction(node, package.functions.emplace_back()); });
         element.children("graph",
                          [&](pugi::xml_node node) { readGraph(node, package.graphs.emplace_back()); });
-        if (package.graphs.empty())
-            element.error(element.place(), "a package needs at least one <graph>");
+        if (package.graphs.empty() && package.functions.empty())
+            element.error(element.place(), "a package needs at least one <graph> or <function>");
     }
 
 private:
@@ -53,6 +55,32 @@ private:
         IncludeSource include{element.required("as"), element.required("url")};
         requireName(element, include.as);
         package.includes.push_back(std::move(include));
+    }
+
+    void readFunction(pugi::xml_node node, FunctionSource& function)
+    {
+        Element element(m_document, node);
+        function.id = element.required("id");
+        requireName(element, function.id);
+        const SourceText arguments = element.attribute("arguments");
+        for (const std::string& name : arguments ? splitList(arguments.text) : std::vector<std::string>()) {
+            function.arguments.push_back({name, arguments.place, true});
+            if (!isName(name))
+                element.error(arguments.place,
+                              "'" + name + "' is no name; expected names separated by commas");
+        }
+        function.expression = readExpression(element);
+    }
+
+    /// The attribute 'expr' or the text of the element.
+    SourceText readExpression(Element& element)
+    {
+        const SourceText attribute = element.attribute("expr"), content = element.content();
+        if (attribute && content)
+            element.error(content.place, "the expression stands in 'expr' already");
+        if (!attribute && !content)
+            element.error(element.place(), element.tag() + " needs the attribute 'expr'");
+        return attribute ? attribute : content;
     }
 
     void readGraph(pugi::xml_node node, GraphSource& graph)
@@ -265,6 +293,7 @@ private:
         parameter.value = element.attribute("value");
         parameter.expression = element.attribute("expr");
         parameter.input = element.attribute("input");
+        parameter.file = element.attribute("file");
         const SourceText content = element.content();
         if (content && !parameter.expression)
             parameter.expression = content;
@@ -273,10 +302,10 @@ private:
         element.children("key", [&](pugi::xml_node n) { readKey(n, parameter); });
         element.children("stop", [&](pugi::xml_node n) { readStop(n, parameter); });
         const int ways = parameter.value.given + parameter.expression.given + parameter.input.given +
-                         !parameter.keys.empty() + !parameter.stops.empty();
+                         parameter.file.given + !parameter.keys.empty() + !parameter.stops.empty();
         if (ways != 1)
             element.error(element.place(),
-                          "a <param> needs exactly one of 'value', 'expr', 'input', <key> or <stop>");
+                          "a <param> needs exactly one of 'value', 'expr', 'input', 'file', <key> or <stop>");
     }
 
     void readKey(pugi::xml_node node, ParameterSource& parameter)
@@ -319,12 +348,7 @@ private:
         Element element(m_document, node);
         value.id = element.required("id");
         requireName(element, value.id);
-        value.expression = element.attribute("expr");
-        const SourceText content = element.content();
-        if (content && !value.expression)
-            value.expression = content;
-        if (!value.expression)
-            element.error(element.place(), "<value> needs the attribute 'expr'");
+        value.expression = readExpression(element);
     }
 
     void readOutput(pugi::xml_node node, OutputSource& output)

@@ -1,6 +1,7 @@
 #include "platform/cooker/scope.h"
 
 #include "platform/cooker/literals.h"
+#include "platform/cooker/packagefunctions.h"
 #include "platform/program/types.h"
 
 namespace vellor::cooker {
@@ -37,9 +38,10 @@ TypedValue pairOf(program::ValueBuilder::Value x, program::ValueBuilder::Value y
 } // namespace
 
 Scope::Scope(const PackageSource& package_, const GraphSource& graph_, const CookOptions& options,
-             const Scope* outer_, const NodeSource* instance_)
+             const Open& open, const Scope* outer_, const NodeSource* instance_)
     : package(package_), graph(graph_), outer(outer_), instance(instance_),
-      path(outer_ ? outer_->path + "/" + instance_->id.text : graph_.identifier.text), m_options(options)
+      path(outer_ ? outer_->path + "/" + instance_->id.text : graph_.identifier.text), m_options(options),
+      m_open(open)
 {
     for (const ValueSource& value : graph.values)
         m_values.emplace(value.id.text, &value);
@@ -110,6 +112,85 @@ std::optional<TypedValue> Scope::value(const std::string& name, ExpressionCompil
         throw;
     }
     return compiler.memory()[key];
+}
+
+Scope* Scope::inner(const NodeSource& node) const
+{
+    const auto [entry, isNew] = m_inner.try_emplace(&node);
+    Inner& inner = entry->second;
+    if (inner.underWay)
+        throw ExpressionError(node.place, "the instance '" + node.id.text + "' depends on itself");
+    if (isNew) {
+        inner.underWay = true;
+        std::unique_ptr<Scope> scope = m_open(*this, node);
+        inner.underWay = false;
+        inner.scope = std::move(scope);
+    }
+    return inner.scope.get();
+}
+
+TypedValue Scope::instanceNumber(const std::string& name, Place place, ExpressionCompiler& compiler) const
+{
+    const std::size_t dot = name.find('.');
+    const std::string id = name.substr(0, dot), outputName = name.substr(dot + 1);
+    std::vector<std::string> known;
+    const NodeSource* found = nullptr;
+    for (const NodeSource& node : graph.nodes) {
+        if (!node.isInstance())
+            continue;
+        known.push_back(node.id.text);
+        if (node.id.text == id)
+            found = &node;
+    }
+    if (!found)
+        throw ExpressionError(place,
+                              "no instance '" + id + "'; " +
+                                  (known.empty() ? "there are none" : "there are " + quotedList(known)));
+    const Scope* scope = inner(*found);
+    if (!scope)
+        throw ExpressionError(found->place, "the instance '" + id + "' can't be used");
+    known.clear();
+    for (const OutputSource& output : scope->graph.outputs) {
+        if (!output.value)
+            continue;
+        known.push_back(output.identifier.text);
+        if (output.identifier.text == outputName)
+            return scope->number(output, compiler);
+    }
+    throw ExpressionError(place, "the instance '" + id + "' has no number '" + outputName + "'; " +
+                                     (known.empty() ? "there are none" : "there are " + quotedList(known)));
+}
+
+TypedValue Scope::number(const OutputSource& output, ExpressionCompiler& compiler) const
+{
+    const ExpressionCompiler::Key key{this, "output." + output.identifier.text};
+    const auto known = compiler.memory().find(key);
+    if (known != compiler.memory().end()) {
+        if (!known->second)
+            throw ExpressionError(output.identifier.place,
+                                  "the output '" + output.identifier.text + "' depends on itself");
+        return *known->second;
+    }
+    compiler.memory()[key] = std::nullopt;
+    TypedValue value = compiler.compile(output.value, *this);
+    const auto type = parseInputType(output.type.text);
+    if (type && program::isNumeric(type->type)) {
+        value = compiler.converted(value, type->type, output.value.place);
+        if (type->isBool)
+            value.base = Base::Bool;
+    }
+    compiler.memory()[key] = value;
+    return value;
+}
+
+OwnFunction Scope::function(const std::string& name) const
+{
+    return PackageFunctions(package).function(name);
+}
+
+std::vector<std::string> Scope::knownFunctions() const
+{
+    return PackageFunctions(package).knownFunctions();
 }
 
 std::vector<std::string> Scope::knownInputs() const

@@ -9,7 +9,9 @@
 #include "platform/cooker/expressioncompiler.h"
 #include "platform/cooker/package.h"
 
+#include <functional>
 #include <map>
+#include <memory>
 #include <set>
 #include <string>
 
@@ -41,13 +43,27 @@ struct InputBinding
 class Scope : public Names
 {
 public:
+    /// Makes the scope of an instance in this one, its numbers bound; null when something is wrong, which was
+    /// told.
+    using Open = std::function<std::unique_ptr<Scope>(const Scope& outer, const NodeSource& instance)>;
+
     Scope(const PackageSource& package, const GraphSource& graph, const CookOptions& options,
-          const Scope* outer, const NodeSource* instance);
+          const Open& open, const Scope* outer, const NodeSource* instance);
 
     std::optional<TypedValue> input(const std::string& name, ExpressionCompiler& compiler) const override;
     std::optional<TypedValue> value(const std::string& name, ExpressionCompiler& compiler) const override;
+    TypedValue instanceNumber(const std::string& name, Place place,
+                              ExpressionCompiler& compiler) const override;
+    OwnFunction function(const std::string& name) const override;
+    std::vector<std::string> knownFunctions() const override;
     std::vector<std::string> knownInputs() const override;
     std::vector<std::string> knownValues() const override;
+
+    /// The scope of an instance, made on first demand. Null when it failed. Throws ExpressionError when it is
+    /// being made: it hangs on itself.
+    Scope* inner(const NodeSource& instance) const;
+    /// Forgets it; nothing asks for its numbers.
+    void close(const NodeSource& instance) const { m_inner.erase(&instance); }
 
     /// Base-2 logarithms of width and height of the graph's pictures.
     TypedValue size(ExpressionCompiler& compiler) const;
@@ -81,11 +97,19 @@ public:
     std::set<std::string> pending;
 
 private:
+    TypedValue number(const OutputSource& output, ExpressionCompiler& compiler) const;
     TypedValue bound(const InputBinding& binding, ExpressionCompiler& compiler) const;
     TypedValue clampedSize(ExpressionCompiler& compiler, TypedValue size) const;
 
     const CookOptions& m_options;
+    const Open& m_open;
     std::map<std::string, const ValueSource*> m_values;
+    struct Inner
+    {
+        std::unique_ptr<Scope> scope;
+        bool underWay = false;
+    };
+    mutable std::map<const NodeSource*, Inner> m_inner;
     // Values that are wrong, so that whatever hangs on them fails at once.
     mutable std::map<std::string, ExpressionError> m_failures;
 };

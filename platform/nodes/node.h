@@ -3,8 +3,8 @@
 // What a node kind is: its declaration, read by the cooker, the documentation, the engine and the tests, and
 // its kernel.
 //
-// One kind is one file in the folder of its category. It declares operands (images that come in by links) and parameters,
-// and gives a kernel of one of two shapes:
+// One kind is one file in the folder of its category. It declares operands (images that come in by links) and
+// parameters, and gives a kernel of one of two shapes:
 //
 //  - A *point* kernel computes a row of pixels from the same pixels of its operands. The engine fuses chains
 //  of point
@@ -51,7 +51,8 @@ enum class ParameterType : std::uint8_t
     Curve,        // blob: see curve.h
     Gradient,     // blob: see gradient.h
     PixelProgram, // value program with perPixel set, result Float or Float4 by the node's channels
-    ImageInput    // image input of the package
+    ImageInput,   // image input of the package
+    Picture       // blob: see pictureblob.h
 };
 
 struct ParameterDeclaration
@@ -97,7 +98,7 @@ struct ParameterValue
     std::array<float, 4> f{};           // Float types
     std::array<std::int32_t, 4> i{};    // Int types, Bool, Choice
     std::u32string_view text;           // Text
-    const std::uint8_t* blob = nullptr; // Curve, Gradient; null: the declared default shape
+    const std::uint8_t* blob = nullptr; // Curve, Gradient, Picture; null: the default shape, no picture
     std::size_t blobSize = 0;
     const program::ValueProgram* program = nullptr; // PixelProgram
 };

@@ -142,7 +142,8 @@ TEST(Cooker, TellsWhichOutputsAnInputAlters)
     std::vector<std::string> altered;
     for (const pugi::xml_node input : root.child("inputs").children("input"))
         altered.emplace_back(input.attribute("alteroutputs").value());
-    // size, seed (read by the noise alone), scale, kind, turn, hard, offset, tint, caption; the text has its own size
+    // size, seed (read by the noise alone), scale, kind, turn, hard, offset, tint, caption; the text has its
+    // own size
     EXPECT_EQ(altered, (std::vector<std::string>{"0,1", "0", "0", "", "", "3", "", "1", "2"}));
     int index = 0;
     for (const pugi::xml_node output : root.child("outputs").children("output"))

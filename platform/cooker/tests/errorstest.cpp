@@ -51,7 +51,7 @@ TEST(Errors, AreAllToldInOneRun)
         "test.vlr:6:23: '2nd' is no name; a name is made of letters, digits and '_'",
         "test.vlr:6:5: a combobox needs at least one <item>",
         "test.vlr:6:49: the widget 'combobox' does not fit the type 'float'",
-        "test.vlr:9:23: unknown node type 'nois'; expected 'blend', 'colourconversion', 'curve', "
+        "test.vlr:9:23: unknown node type 'nois'; expected 'bitmap', 'blend', 'colourconversion', 'curve', "
         "'gradientmap', "
         "'greyconversion', 'imageinput', 'noise', 'normal', 'pixelprogram', 'text' or 'uniform'",
         "test.vlr:13:5: <knot> may not stand in <nodes>; expected 'node', 'graphinstance' or 'value'",
@@ -86,7 +86,9 @@ const Row kRows[] = {
     {"version",
      "<package formatversion=\"2\"><graph identifier=\"g\"/></package>",
      {"test.vlr:1:25: format version '2' is not supported; expected '1'"}},
-    {"no graph", "<package formatversion=\"1\"/>", {"test.vlr:1:2: a package needs at least one <graph>"}},
+    {"no graph",
+     "<package formatversion=\"1\"/>",
+     {"test.vlr:1:2: a package needs at least one <graph> or <function>"}},
     {"columns count characters",
      "<package formatversion=\"1\"><graph identifier=\"g\" label=\"\xC3\xBC\xE2\x82\xAC\" x=\"\"/></package>",
      {"test.vlr:1:61: <graph> has no attribute 'x'; expected 'identifier', 'label', 'description', 'size' or "
@@ -104,6 +106,16 @@ const Row kRows[] = {
      "<graph identifier=\"b\"><nodes><graphinstance id=\"i\" graph=\"a\"/></nodes></graph></package>",
      {"test.vlr:1:86: the graph 'b' uses itself: b > a > b",
       "test.vlr:2:59: the graph 'a' uses itself: a > b > a"}},
+    {"circle through an instance's number",
+     "<package formatversion=\"1\"><graph identifier=\"a\" exposed=\"off\"><inputs><input identifier=\"x\" "
+     "type=\"float\"/></inputs><outputs><output identifier=\"y\" value=\"input.x\"/></outputs></graph>\n"
+     "<graph identifier=\"b\"><nodes><graphinstance id=\"i\" graph=\"a\">"
+     "<param name=\"x\" expr=\"instance.i.y\"/></graphinstance></nodes></graph></package>",
+     {"test.vlr:2:31: the instance 'i' depends on itself"}},
+    {"functions",
+     "<package formatversion=\"1\">\n<function id=\"sin\" arguments=\"x\" expr=\"x +\"/></package>",
+     {"test.vlr:2:15: the function name 'sin' is taken",
+      "test.vlr:2:43: expected a value, found the end of the expression"}},
     {"unknown include",
      package("\n<nodes><graphinstance id=\"i\" graph=\"lib:dirt\"/></nodes>"),
      {"test.vlr:2:37: there is no include 'lib'"}},
@@ -125,7 +137,7 @@ const Row kRows[] = {
     {"two ways",
      package("\n<nodes><node id=\"p\" type=\"noise\"><param name=\"scale\" value=\"1\" "
              "expr=\"2\"/></node></nodes>"),
-     {"test.vlr:2:35: a <param> needs exactly one of 'value', 'expr', 'input', <key> or <stop>"}},
+     {"test.vlr:2:35: a <param> needs exactly one of 'value', 'expr', 'input', 'file', <key> or <stop>"}},
 };
 
 TEST(Errors, NameThePlaceAndWhatWasExpected)

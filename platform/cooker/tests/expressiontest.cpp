@@ -22,7 +22,7 @@ const char* const kInputs = R"(<inputs>
 </inputs><nodes>
 <value id="twice" expr="input.a * 2"/>
 <value id="chain" expr="value.twice + value.twice"/>
-</nodes>)";
+<graphinstance id="i" graph="inner"><param name="x" expr="input.a * 2"/></graphinstance></nodes>)";
 
 std::string escaped(const std::string& text)
 {
@@ -32,10 +32,18 @@ std::string escaped(const std::string& text)
     return result;
 }
 
+/// Two functions and an inner graph stand behind the first, so that no line of it moves.
 std::string withExpression(const std::string& expression)
 {
-    return package(kInputs +
-                   ("<outputs>\n<output identifier=\"o\" value=\"" + escaped(expression) + "\"/></outputs>"));
+    return "<package formatversion=\"1\"><graph identifier=\"g\">" + std::string(kInputs) +
+           "<outputs>\n<output identifier=\"o\" value=\"" + escaped(expression) + "\"/></outputs></graph>" +
+           R"xml(
+<graph identifier="inner" exposed="off"><inputs><input identifier="x" type="float" default="2"/></inputs>
+<outputs><output identifier="square" value="input.x * input.x"/><output identifier="whole" value="3"/></outputs></graph>
+<function id="wave" arguments="x, height">let t = fract(x); height * (1 - abs(2 * t - 1))</function>
+<function id="both" arguments="x" expr="wave(x, 1) + wave(x, 2)"/>
+<function id="forever" arguments="x" expr="1 + forever(x)"/>
+</package>)xml";
 }
 
 struct Result
@@ -107,6 +115,9 @@ const Row kRows[] = {
     {"floor(-0.5) + ceil(0.25) + abs(-2)", ValueType::Float, {2}},
     {"input.n / 0", ValueType::Float, {0}},
     {"float(input.n > 3)", ValueType::Float, {1}},
+    {"both(input.a)", ValueType::Float, {1.5}},
+    {"wave(input.v * 0.25, 4)", ValueType::Float3, {2, 4, 2}},
+    {"instance.i.square + instance.i.whole", ValueType::Float, {3.25}},
 };
 
 TEST(Expressions, ComeToWhatTheyShould)
@@ -163,7 +174,11 @@ TEST(Expressions, AreToldWhereTheyAreWrong)
         {"pos", "11:31: unknown name 'pos'; inputs are written input.pos, values value.pos"},
         {"1 @ 2", "11:33: this character has no meaning here"},
         {"'abc", "11:31: this string has no end"},
-        {"1e99", "11:31: '1e99' is no number"}};
+        {"1e99", "11:31: '1e99' is no number"},
+        {"wave(1)", "11:31: wave() takes 2 arguments, found 1"},
+        {"forever(1)", "16:48: the function 'forever' calls itself"},
+        {"instance.j.square", "11:39: no instance 'j'; there are 'i'"},
+        {"instance.i.root", "11:39: the instance 'i' has no number 'root'; there are 'square' or 'whole'"}};
     for (const auto& [expression, error] : rows) {
         const CookResult result = cookText(withExpression(expression));
         ASSERT_EQ(result.errors.size(), 1u) << expression;

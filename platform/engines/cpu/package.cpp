@@ -17,11 +17,12 @@ bool sourceFits(ParameterSource source, ParameterType type)
         return source == ParameterSource::Blob || source == ParameterSource::Input;
     case ParameterType::Curve:
     case ParameterType::Gradient:
+    case ParameterType::Picture:
         return source == ParameterSource::Blob;
     case ParameterType::PixelProgram:
         return source == ParameterSource::Program;
     case ParameterType::ImageInput:
-        return source == ParameterSource::Input || source == ParameterSource::Blob;
+        return source == ParameterSource::Input;
     default:
         return source == ParameterSource::Constant || source == ParameterSource::Program;
     }

@@ -98,7 +98,7 @@ const NodeDeclaration imageinputNode{
     "imageinput",
     "Image",
     "Sources",
-    "A picture that is part of the package or given from outside, stretched over the result.",
+    "A picture that is given from outside, stretched over the result.",
     ResultChannels::Chosen,
     Chance::None,
     {},

@@ -142,14 +142,20 @@ Evaluation& Evaluation::setText(const char* name, std::u32string text)
     return *this;
 }
 
-Evaluation& Evaluation::setBlob(const char* name, std::vector<float> values)
+Evaluation& Evaluation::setBytes(const char* name, std::vector<std::uint8_t> bytes)
 {
     std::vector<std::uint8_t>& blob = m_blobs[name];
-    blob.resize(values.size() * sizeof(float));
-    std::memcpy(blob.data(), values.data(), blob.size());
+    blob = std::move(bytes);
     value(name).blob = blob.data();
     value(name).blobSize = blob.size();
     return *this;
+}
+
+Evaluation& Evaluation::setBlob(const char* name, std::vector<float> values)
+{
+    std::vector<std::uint8_t> bytes(values.size() * sizeof(float));
+    std::memcpy(bytes.data(), values.data(), bytes.size());
+    return setBytes(name, std::move(bytes));
 }
 
 Evaluation& Evaluation::setProgram(const char* name, const program::ValueProgram& program)

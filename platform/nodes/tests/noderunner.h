@@ -65,6 +65,7 @@ public:
 
     Evaluation& set(const char* name, std::initializer_list<double> components);
     Evaluation& setText(const char* name, std::u32string text);
+    Evaluation& setBytes(const char* name, std::vector<std::uint8_t> blob);
     Evaluation& setBlob(const char* name, std::vector<float> values);
     Evaluation& setProgram(const char* name, const program::ValueProgram& program);
     Evaluation& operand(Picture picture);

@@ -1,3 +1,5 @@
+#include "platform/nodes/pictureblob.h"
+#include "platform/nodes/rows.h"
 #include "platform/nodes/scalar.h"
 #include "platform/nodes/tests/noderunner.h"
 
@@ -109,6 +111,35 @@ const PatternCase kPatterns[] = {
          run.set("repeats", {2, 3}).set("profile", {3});
      }},
 };
+
+TEST(Bitmap, KeepsPixelsAveragesAndInterpolates)
+{
+    std::vector<std::uint8_t> rows;
+    for (int i = 0; i < 8 * 4; ++i)
+        rows.push_back(static_cast<std::uint8_t>(i * 8));
+    const std::vector<std::uint8_t> blob = PictureBlob::make(8, 4, 1, 8, rows);
+    const auto at = [&](int x, int y) { return rows[wrapped(y, 4) * 8 + wrapped(x, 8)] / 255.0f; };
+    const auto sized = [&](int width, int height) {
+        return Evaluation("bitmap", width, height).setBytes("picture", blob)();
+    };
+    const Picture same = sized(8, 4), half = sized(4, 1), twice = sized(16, 4);
+    for (int y = 0; y < 4; ++y)
+        for (int x = 0; x < 8; ++x) {
+            EXPECT_FLOAT_EQ(same.at(x, y), at(x, y));
+            // A quarter of a pixel to the right of the middle.
+            const float t = 0.25f,
+                        cubic = 0.5f *
+                                (((2 - t) * t - 1) * t * at(x - 1, y) + ((3 * t - 5) * t * t + 2) * at(x, y) +
+                                 ((4 - 3 * t) * t + 1) * t * at(x + 1, y) + (t - 1) * t * t * at(x + 2, y));
+            EXPECT_NEAR(twice.at(2 * x + 1, y), cubic, 1e-6f);
+        }
+    for (int x = 0; x < 4; ++x) {
+        float sum = 0;
+        for (int y = 0; y < 4; ++y)
+            sum += at(2 * x, y) + at(2 * x + 1, y);
+        EXPECT_NEAR(half.at(x, 0), sum / 8, 1e-6f);
+    }
+}
 
 } // namespace
 
