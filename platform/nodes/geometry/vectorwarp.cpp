@@ -1,7 +1,7 @@
 #include "platform/nodes/dispatch.h"
 #include "platform/nodes/kinds.h"
 #include "platform/nodes/parameters.h"
-#include "platform/nodes/rows.h"
+#include "platform/nodes/resampling.h"
 
 #ifndef VELLOR_VECTORWARP_STATE
 #define VELLOR_VECTORWARP_STATE
@@ -10,7 +10,8 @@ namespace {
 
 struct VectorWarpState : State
 {
-    float scaleX = 0.0f, scaleY = 0.0f; // from -0.5 to 0.5 to shares of the picture's width and height
+    Reading reading;
+    float reach = 0.0f; // in pixels, of a value of 1
 };
 
 } // namespace
@@ -21,7 +22,7 @@ struct VectorWarpState : State
 #define HWY_TARGET_INCLUDE "platform/nodes/geometry/vectorwarp.cpp"
 #include <hwy/foreach_target.h>
 
-#include "platform/nodes/sampling-inl.h"
+#include "platform/nodes/resampling-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace vellor::nodes::HWY_NAMESPACE {
@@ -30,20 +31,15 @@ namespace {
 void vectorWarpArea(const AreaJob& job)
 {
     const auto& state = static_cast<const VectorWarpState&>(*job.state);
-    const ImageView& source = job.operands[0];
     const ImageView& field = job.operands[1];
-    for (int y = job.y0; y < job.y1; ++y) {
-        const F v(centreOf(y, job.result.height));
-        for (int x = 0; x < job.result.width; x += kLanes) {
-            const F u = centresFrom(x, job.result.width);
-            const BilinearTaps own(field, u, v); // the field may have another size
-            const F dx = (own.read(field.planes[0]) - F(0.5f)) * F(state.scaleX);
-            const F dy = (own.read(field.planes[1]) - F(0.5f)) * F(state.scaleY);
-            const BilinearTaps taps(source, u + dx, v + dy);
-            for (int c = 0; c < job.result.channels; ++c)
-                store(taps.read(source.planes[c]), rowOf(job.result, c, y) + x);
-        }
-    }
+    const F reach(state.reach);
+    displace(
+        job, job.operands[0], state.reading, [](const Tile&) {},
+        [&](const Tile& tile, int i, int row) {
+            const F right = load(rowOf(field, 0, tile.y + row) + tile.x + i);
+            const F down = load(rowOf(field, 1, tile.y + row) + tile.x + i);
+            return Spot{(right - F(0.5f)) * reach, (down - F(0.5f)) * reach};
+        });
 }
 
 } // namespace
@@ -58,8 +54,9 @@ NODES_AREA_KERNEL(vectorWarpArea)
 static std::unique_ptr<State> prepareVectorWarp(const Setup& setup)
 {
     auto state = std::make_unique<VectorWarpState>();
-    state->scaleX = held(setup.parameters[0].f[0], -1000.0f, 1000.0f) * 0.02f;
-    state->scaleY = state->scaleX * static_cast<float>(setup.width) / static_cast<float>(setup.height);
+    state->reading.filter = static_cast<PixelFilter>(held(setup.parameters[1].i[0], 0, 2));
+    state->reach =
+        held(setup.parameters[0].f[0], -1000.0f, 1000.0f) * 0.02f * static_cast<float>(setup.width);
     return state;
 }
 
@@ -77,7 +74,8 @@ const NodeDeclaration vectorwarpNode{
       {5.0},
       -50,
       50,
-      "How far a value of 1 points, in hundredths of the picture's width."}},
+      "How far a value of 1 points, in hundredths of the picture's width."},
+     filterParameter()},
     prepareVectorWarp,
     nullptr,
     runvectorWarpArea};

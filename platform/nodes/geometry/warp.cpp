@@ -1,7 +1,7 @@
 #include "platform/nodes/dispatch.h"
 #include "platform/nodes/kinds.h"
 #include "platform/nodes/parameters.h"
-#include "platform/nodes/rows.h"
+#include "platform/nodes/resampling.h"
 #include "platform/nodes/scalar.h"
 
 #ifndef VELLOR_WARP_STATE
@@ -17,11 +17,10 @@ enum class WarpMode
 
 struct WarpState : State
 {
+    Reading reading;
     WarpMode mode = WarpMode::Gradient;
-    float amount = 0.0f; // in picture widths
-    float slopeX = 1.0f; // from a difference of pixels apart by two to a slope over the picture's width
-    float directionX = 1.0f, directionY = 0.0f;
-    float down = 1.0f; // from picture widths to picture heights
+    float reach = 0.0f;              // in pixels, of a difference of 1 between pixels apart by two
+    float right = 0.0f, down = 0.0f; // in one direction: in pixels, of a height of 1
 };
 
 } // namespace
@@ -32,59 +31,48 @@ struct WarpState : State
 #define HWY_TARGET_INCLUDE "platform/nodes/geometry/warp.cpp"
 #include <hwy/foreach_target.h>
 
-#include "platform/nodes/sampling-inl.h"
+#include "platform/nodes/resampling-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace vellor::nodes::HWY_NAMESPACE {
 namespace {
 
-using Window = RowWindow<1>;
-
-struct Offset
+void warpAlongSlopes(const WarpState& state, const AreaJob& job)
 {
-    F x, y; // in shares of the picture's width and height
-};
-
-HWY_INLINE Offset offsetAt(const WarpState& state, const Window (&rows)[3], int i)
-{
-    if (state.mode == WarpMode::Direction) {
-        const F length = loadAt(rows[1].at(i)) * F(state.amount);
-        return {length * F(state.directionX), length * F(state.directionY * state.down)};
-    }
-    // Slopes weighted 3, 10, 3 are true under rotation (H. Scharr).
-    const auto side = [&](int at) {
-        return (loadAt(rows[0].at(at)) + loadAt(rows[2].at(at))) * F(3.0f / 16.0f) +
-               loadAt(rows[1].at(at)) * F(10.0f / 16.0f);
-    };
-    const auto level = [&](const Window& row) {
-        return (loadAt(row.at(i - 1)) + loadAt(row.at(i + 1))) * F(3.0f / 16.0f) +
-               loadAt(row.at(i)) * F(10.0f / 16.0f);
-    };
-    const F scale(state.slopeX * state.amount);
-    return {(side(i + 1) - side(i - 1)) * scale, (level(rows[2]) - level(rows[0])) * (scale * F(state.down))};
-}
-
-void warpChunk(const WarpState& state, const AreaJob& job, int x, int y, int count)
-{
-    Window rows[3];
-    for (int r = 0; r < 3; ++r)
-        rows[r].fill(job.operands[1], 0, x, y + r - 1, count);
-    const ImageView& source = job.operands[0];
-    const F v(centreOf(y, job.result.height));
-    for (int i = 0; i < count; i += kLanes) {
-        const Offset offset = offsetAt(state, rows, i);
-        const BilinearTaps taps(source, centresFrom(x + i, job.result.width) + offset.x, v + offset.y);
-        for (int c = 0; c < job.result.channels; ++c)
-            store(taps.read(source.planes[c]), rowOf(job.result, c, y) + x + i);
-    }
+    Window heights;
+    const F reach(state.reach);
+    displace(
+        job, job.operands[0], state.reading,
+        [&](const Tile& tile) {
+            heights.fill(job.operands[1], 0, Edges::Repeat,
+                         {tile.x - 1, tile.y - 1, tile.x + tile.width + 1, tile.y + tile.height + 1});
+        },
+        [&](const Tile& tile, int i, int row) {
+            const auto at = [&](int dx, int dy) {
+                return loadAt(heights.at(tile.x + i + dx, tile.y + row + dy));
+            };
+            // Slopes weighted 3, 10, 3 are true under rotation (H. Scharr).
+            const auto side = [&](int x) {
+                return (at(x, -1) + at(x, 1)) * F(3.0f / 16.0f) + at(x, 0) * F(10.0f / 16.0f);
+            };
+            const auto level = [&](int y) {
+                return (at(-1, y) + at(1, y)) * F(3.0f / 16.0f) + at(0, y) * F(10.0f / 16.0f);
+            };
+            return Spot{(side(1) - side(-1)) * reach, (level(1) - level(-1)) * reach};
+        });
 }
 
 void warpArea(const AreaJob& job)
 {
     const auto& state = static_cast<const WarpState&>(*job.state);
-    for (int y = job.y0; y < job.y1; ++y)
-        for (int x = 0; x < job.result.width; x += kChunk)
-            warpChunk(state, job, x, y, std::min(kChunk, job.result.width - x));
+    if (state.mode == WarpMode::Gradient)
+        return warpAlongSlopes(state, job);
+    displace(
+        job, job.operands[0], state.reading, [](const Tile&) {},
+        [&](const Tile& tile, int i, int row) {
+            const F length = load(rowOf(job.operands[1], 0, tile.y + row) + tile.x + i);
+            return Spot{length * F(state.right), length * F(state.down)};
+        });
 }
 
 } // namespace
@@ -101,12 +89,13 @@ static std::unique_ptr<State> prepareWarp(const Setup& setup)
     auto state = std::make_unique<WarpState>();
     const ParameterValue* p = setup.parameters;
     state->mode = static_cast<WarpMode>(held(p[1].i[0], 0, 1));
-    state->amount = held(p[0].f[0], -1000.0f, 1000.0f) * 0.01f;
-    state->slopeX = 0.5f * static_cast<float>(setup.width);
-    const scalar::SinCos turn = scalar::sinCosOfTurns(p[2].f[0]);
-    state->directionX = turn.cosine;
-    state->directionY = turn.sine;
-    state->down = static_cast<float>(setup.width) / static_cast<float>(setup.height);
+    const float width = static_cast<float>(setup.width);
+    const float amount = held(p[0].f[0], -1000.0f, 1000.0f) * 0.01f * width;
+    const scalar::SinCos turn = scalar::sinCosOfTurns(held(p[2].f[0], -1e4f, 1e4f));
+    state->reach = amount * 0.5f * width;
+    state->right = turn.cosine * amount;
+    state->down = turn.sine * amount;
+    state->reading.filter = static_cast<PixelFilter>(held(p[3].i[0], 0, 2));
     return state;
 }
 
@@ -129,7 +118,8 @@ const NodeDeclaration warpNode{
       "height goes from "
       "black to white over a whole width; or, in one direction, times the height."},
      {"mode", ParameterType::Choice, {0}, 0, 1, "Where pixels come from.", {"gradient", "direction"}},
-     {"angle", ParameterType::Float, {0.0}, 0, 1, "The direction, clockwise from the right in turns."}},
+     {"angle", ParameterType::Float, {0.0}, 0, 1, "The direction, clockwise from the right in turns."},
+     filterParameter()},
     prepareWarp,
     nullptr,
     runwarpArea};
