@@ -3,8 +3,13 @@
 #include "platform/nodes/parameters.h"
 #include "platform/nodes/scalar.h"
 
-// All pixels of a row that lie in one cell look at the same points. So a chunk of a row first places the
-// points of all cells around it, and then works cell by cell with those as constants.
+// Pixels of a row look at the points of the same few rows of cells. So a chunk of a row first places those,
+// in lines with a number for each column of cells, and a vector of neighbouring pixels takes the points of
+// its few columns out of registers.
+//
+// Points keep within a disc in the middle of their cell. So what lies two cells away is at least a cell and a
+// margin away, and is looked at only where a pixel has not found what it looks for within that distance. The
+// results are those of looking at all points.
 
 #ifndef VELLOR_CELLULAR_STATE
 #define VELLOR_CELLULAR_STATE
@@ -39,20 +44,19 @@ struct CellularState : State
     CellularOutput output = CellularOutput::Nearest;
     Metric metric = Metric::Euclidean;
     float jitter = 1.0f, evolution = 0.0f;
-    float scale = 1.0f, offset = 0.0f;
-    int reach = 1; // cells around the own one that are looked at
+    float offset = 0.0f;
 };
 
-constexpr int kCellularChunk = 256;
-constexpr int kMostReach = 2;
+constexpr int kCellularChunk = 512;
+constexpr int kReach = 3; // cells around the own one that may matter
 
-/// Points of the cells around a chunk: a line for each row of cells.
-struct CellPoints
+/// Numbers of the points of a row of cells, a line for each.
+struct PointLine
 {
-    static constexpr int kColumns = kCellularChunk + 48; // lines stay aligned
-    alignas(64) float x[2 * kMostReach + 1][kColumns];   // within their cell
-    alignas(64) float y[2 * kMostReach + 1][kColumns];
-    alignas(64) float value[2 * kMostReach + 1][kColumns];
+    alignas(64) float x[kCellularChunk + 64];        // within the cell
+    alignas(64) float down[kCellularChunk + 64];     // from the row of pixels
+    alignas(64) float vertical[kCellularChunk + 64]; // what that adds to a distance
+    alignas(64) float value[kCellularChunk + 64];
 };
 
 } // namespace
@@ -65,120 +69,256 @@ struct CellPoints
 
 #include "platform/nodes/simd.h"
 
+#include "platform/nodes/lattice-inl.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace vellor::nodes::HWY_NAMESPACE {
 namespace {
 
-/// Points lie evenly within a disc around the middle of their cell and circle around it in a turn of
-/// evolution, half of them backwards, so that time loops.
-void placePoints(const CellularState& state, const CellularOctave& octave, int firstColumn, int columns,
-                 int row, CellPoints& points)
+HWY_INLINE bool anyOf(M m)
 {
-    const F width(static_cast<float>(octave.cellsX));
-    for (int dy = -state.reach; dy <= state.reach; ++dy) {
-        const int line = dy + state.reach;
-        const int cellY = ((row + dy) % octave.cellsY + octave.cellsY) % octave.cellsY;
-        for (int i = 0; i < columns; i += kLanes) {
-            const F column = countFrom(static_cast<float>(firstColumn + i));
-            const U cellX = toInteger(column - width * floorOf(column / width));
-            const U hash = hashLattice(cellX, U(static_cast<std::uint32_t>(cellY)), U(octave.seed));
-            const U second = nextHash(hash);
-            const F way = choose((second & U(1u)) == U(1u), F(state.evolution), F(-state.evolution));
-            const SinCos turn = sinCosOfTurns(unitOf(hash) + way);
-            const F radius = sqrtOf(unitOf(second)) * F(0.5f * state.jitter);
-            store(F(0.5f) + radius * turn.cosine, points.x[line] + i);
-            store(F(0.5f) + radius * turn.sine, points.y[line] + i);
-            store(unitOf(nextHash(second)), points.value[line] + i);
+    return !hn::AllFalse(FloatTag(), m.m);
+}
+
+/// A distance along one axis as the metric adds it up; the Euclidean one adds up squares.
+template<Metric metric> HWY_INLINE F partOf(F distance)
+{
+    return metric == Metric::Euclidean ? distance * distance : absOf(distance);
+}
+
+template<Metric metric> HWY_INLINE F togetherOf(F a, F b)
+{
+    return metric == Metric::Chebyshev ? maxOf(a, b) : a + b;
+}
+
+template<Metric metric> HWY_INLINE F distanceOf(F together)
+{
+    return metric == Metric::Euclidean ? sqrtOf(together) : together;
+}
+
+/// The rows of cells around a chunk of a row of pixels; those further off are placed when they are wanted.
+template<Metric metric> class CellRows
+{
+public:
+    CellRows(const CellularState& state, const CellularOctave& octave, const RowJob& job, int from,
+             int columns)
+        : fy(centreOf(job.y, job.height) * static_cast<float>(octave.cellsY)), m_state(state),
+          m_octave(octave), m_from(from), m_columns(columns)
+    {
+        m_row = static_cast<int>(fy);
+        fy -= static_cast<float>(m_row);
+        place(0);
+    }
+
+    /// Line dy is of the cells dy rows down, at most `reach` away.
+    HWY_INLINE void upTo(int reach)
+    {
+        while (m_placed < reach) {
+            ++m_placed;
+            place(-m_placed);
+            place(m_placed);
         }
     }
-}
+    HWY_INLINE const PointLine& line(int dy) const { return m_lines[dy + kReach]; }
 
-/// Distance by a metric; the square of it for the Euclidean one.
-template<Metric metric> HWY_INLINE F lengthOf(F dx, F dy)
-{
-    if constexpr (metric == Metric::Euclidean)
-        return dx * dx + dy * dy;
-    else if constexpr (metric == Metric::Manhattan)
-        return absOf(dx) + absOf(dy);
-    else
-        return maxOf(absOf(dx), absOf(dy));
-}
+    float fy; // of the row of pixels in its cells
 
-struct Nearest
-{
-    F first, second;     // distances
-    F value, otherValue; // of the nearest and the second
-    F x, y;              // the nearest point, from the pixel
+private:
+    /// Points lie evenly within a disc around the middle of their cell and circle around it in a turn of
+    /// evolution, half of them backwards, so that time loops.
+    HWY_NOINLINE void place(int dy)
+    {
+        PointLine& line = m_lines[dy + kReach];
+        const int cells = m_octave.cellsY;
+        const U cellY(static_cast<std::uint32_t>(((m_row + dy) % cells + cells) % cells));
+        for (int i = 0; i < m_columns; i += kLanes) {
+            const U cellX =
+                wrappedCell(countFrom(static_cast<float>(m_from + i)), static_cast<float>(m_octave.cellsX));
+            const U hash = hashLattice(cellX, cellY, U(m_octave.seed)), second = nextHash(hash);
+            const F way = choose((second & U(1u)) == U(1u), F(m_state.evolution), F(-m_state.evolution));
+            const SinCos turn = sinCosOfTurns(unitOf(hash) + way);
+            const F radius = sqrtOf(unitOf(second)) * F(0.5f * m_state.jitter);
+            const F down = F(0.5f) + radius * turn.sine - F(fy - static_cast<float>(dy));
+            store(F(0.5f) + radius * turn.cosine, line.x + i);
+            store(down, line.down + i);
+            store(partOf<metric>(down), line.vertical + i);
+            store(unitOf(nextHash(second)), line.value + i);
+        }
+    }
+
+    const CellularState& m_state;
+    const CellularOctave& m_octave;
+    int m_from, m_columns, m_row = 0, m_placed = 0;
+    std::array<PointLine, 2 * kReach + 1> m_lines;
 };
 
-template<Metric metric>
-HWY_INLINE Nearest nearestOf(const CellPoints& points, int reach, int column, F fx, F fy)
+/// What a vector of pixels sees around it.
+template<Metric metric, class Columns> class View
 {
-    Nearest n{F(1e9f), F(1e9f), F(0.0f), F(0.0f), F(0.0f), F(0.0f)};
-    for (int dy = -reach; dy <= reach; ++dy) {
-        const int line = dy + reach;
-        for (int dx = -reach; dx <= reach; ++dx) {
-            const F x = F(points.x[line][column + dx] + static_cast<float>(dx)) - fx;
-            const F y = F(points.y[line][column + dx] + static_cast<float>(dy)) - fy;
-            const F value(points.value[line][column + dx]);
-            const F length = lengthOf<metric>(x, y);
-            const M closest = length < n.first, second = length < n.second;
-            n.otherValue = choose(closest, n.value, choose(second, value, n.otherValue));
-            n.second = choose(closest, n.first, choose(second, length, n.second));
-            n.value = choose(closest, value, n.value);
-            n.first = choose(closest, length, n.first);
-            n.x = choose(closest, x, n.x);
-            n.y = choose(closest, y, n.y);
-        }
+public:
+    HWY_INLINE View(CellRows<metric>& rows, const Columns& columns, F f, float margin)
+        : m_rows(rows), m_columns(columns), m_f(f), m_margin(margin)
+    {
     }
-    if constexpr (metric == Metric::Euclidean) {
-        n.first = sqrtOf(n.first);
-        n.second = sqrtOf(n.second);
+
+    HWY_INLINE F x(int dx, int dy) const
+    {
+        return read(m_rows.line(dy).x, dx) - (m_f - F(static_cast<float>(dx)));
     }
-    return n;
+    HWY_INLINE F down(int dx, int dy) const { return read(m_rows.line(dy).down, dx); }
+    HWY_INLINE F value(int dx, int dy) const { return read(m_rows.line(dy).value, dx); }
+    HWY_INLINE F together(int dx, int dy) const
+    {
+        return togetherOf<metric>(partOf<metric>(x(dx, dy)), read(m_rows.line(dy).vertical, dx));
+    }
+
+    /// Calls look(dx, dy) for the cells up to two away that may hold points within limit(), a distance as
+    /// together() gives it, and more; limit() may shrink on the way.
+    template<class Look, class Limit> HWY_INLINE void around(const Look& look, const Limit& limit) const
+    {
+        m_rows.upTo(1);
+        block(-1, 1, -1, 1, look);
+        // A little less than the least distance, for what rounding may do to it.
+        const float least = (1.0f + m_margin) * 0.9999f;
+        if (anyOf(limit() > partOf<metric>(F(least))))
+            sides(F(least), look, limit);
+    }
+
+    /// Calls look(dx, dy) for the cells three away.
+    template<class Look> HWY_NOINLINE void farAround(const Look& look) const
+    {
+        m_rows.upTo(3);
+        block(-3, 3, -3, -3, look);
+        block(-3, 3, 3, 3, look);
+        block(-3, -3, -2, 2, look);
+        block(3, 3, -2, 2, look);
+    }
+
+private:
+    HWY_INLINE F read(const float* line, int dx) const { return m_columns.read(line + dx); }
+
+    template<class Look> static HWY_INLINE void block(int x0, int x1, int y0, int y1, const Look& look)
+    {
+        for (int dy = y0; dy <= y1; ++dy)
+            for (int dx = x0; dx <= x1; ++dx)
+                look(dx, dy);
+    }
+
+    /// The corners go with the rows: what may lie in a corner is as far away as the row at least.
+    template<class Look, class Limit>
+    HWY_NOINLINE void sides(F least, const Look& look, const Limit& limit) const
+    {
+        const F right = F(1.0f) - m_f;
+        if (anyOf(limit() > partOf<metric>(least + m_f)))
+            block(-2, -2, -1, 1, look);
+        if (anyOf(limit() > partOf<metric>(least + right)))
+            block(2, 2, -1, 1, look);
+        m_rows.upTo(2);
+        if (anyOf(limit() > partOf<metric>(least + F(m_rows.fy))))
+            block(-2, 2, -2, -2, look);
+        if (anyOf(limit() > partOf<metric>(least + F(1.0f - m_rows.fy))))
+            block(-2, 2, 2, 2, look);
+    }
+
+    CellRows<metric>& m_rows;
+    Columns m_columns;
+    F m_f;
+    float m_margin; // of cells, that points keep from their border
+};
+
+template<Metric metric, class Columns> HWY_INLINE F nearestDistance(const View<metric, Columns>& view)
+{
+    F first(1e9f);
+    view.around([&](int dx, int dy) { first = minOf(first, view.together(dx, dy)); }, [&] { return first; });
+    return distanceOf<metric>(first);
 }
 
-/// Distance to the nearest line half way between the nearest point and another.
-HWY_INLINE F edgeDistance(const CellPoints& points, int reach, int column, F fx, F fy, const Nearest& nearest)
+template<Metric metric, class Columns>
+HWY_INLINE F secondDistance(const View<metric, Columns>& view, bool difference)
 {
-    F best(1e9f);
-    for (int dy = -reach; dy <= reach; ++dy) {
-        const int line = dy + reach;
-        for (int dx = -reach; dx <= reach; ++dx) {
-            const F x = F(points.x[line][column + dx] + static_cast<float>(dx)) - fx;
-            const F y = F(points.y[line][column + dx] + static_cast<float>(dy)) - fy;
-            const F wayX = x - nearest.x, wayY = y - nearest.y;
-            const F square = wayX * wayX + wayY * wayY;
-            const F along = ((x + nearest.x) * wayX + (y + nearest.y) * wayY) * F(0.5f);
-            best = choose(square > F(1e-8f), minOf(best, along / sqrtOf(maxOf(square, F(1e-8f)))), best);
-        }
-    }
-    return best;
+    F first(1e9f), second(1e9f);
+    view.around(
+        [&](int dx, int dy) {
+            const F together = view.together(dx, dy);
+            second = minOf(second, maxOf(first, together));
+            first = minOf(first, together);
+        },
+        [&] { return second; });
+    const F far = distanceOf<metric>(second);
+    return difference ? far - distanceOf<metric>(first) : far;
 }
 
-template<Metric metric>
-HWY_INLINE F cellularValue(const CellularState& state, const CellPoints& points, int column, F fx, F fy,
-                           float cellPixels)
+template<Metric metric, class Columns>
+HWY_INLINE F nearestValue(const View<metric, Columns>& view, float cellPixels)
 {
-    const Nearest n = nearestOf<metric>(points, state.reach, column, fx, fy);
-    switch (state.output) {
-    case CellularOutput::Nearest:
-        return n.first;
-    case CellularOutput::Second:
-        return n.second;
-    case CellularOutput::Difference:
-        return n.second - n.first;
-    case CellularOutput::Edge:
-        return edgeDistance(points, state.reach, column, fx, fy, n) * F(2.0f);
-    case CellularOutput::Value:
-        break;
-    }
+    F first(1e9f), second(1e9f), own(0.0f), other(0.0f);
+    view.around(
+        [&](int dx, int dy) {
+            const F together = view.together(dx, dy), value = view.value(dx, dy);
+            const M closest = together < first;
+            other = choose(closest, own, choose(together < second, value, other));
+            own = choose(closest, value, own);
+            second = minOf(second, maxOf(first, together));
+            first = minOf(first, together);
+        },
+        [&] { return second; });
     // Half the difference is about the distance to the border: smooth it over a pixel.
-    const F own = minOf(F(0.5f) + (n.second - n.first) * F(0.5f * cellPixels), F(1.0f));
-    return lerpOf(n.otherValue, n.value, own);
+    const F apart = distanceOf<metric>(second) - distanceOf<metric>(first);
+    return lerpOf(other, own, minOf(F(0.5f) + apart * F(0.5f * cellPixels), F(1.0f)));
 }
 
-template<Metric metric>
+/// Twice the distance to the nearest line half way between the nearest point P and another one Q. From a
+/// pixel at 0 that distance is (Q^2 - P^2) / (2 |Q - P|); fractions are compared by their squares, crosswise.
+/// As it is at least half of |Q| - |P|, points further off than |P| and twice the distance found don't
+/// matter.
+template<class Columns> HWY_INLINE F edgeDistance(const View<Metric::Euclidean, Columns>& view)
+{
+    F first(1e9f), px(0.0f), py(0.0f);
+    view.around(
+        [&](int dx, int dy) {
+            const F x = view.x(dx, dy), y = view.down(dx, dy), together = view.together(dx, dy);
+            const M closest = together < first;
+            first = choose(closest, together, first);
+            px = choose(closest, x, px);
+            py = choose(closest, y, py);
+        },
+        [&] { return first; });
+    F above(1e9f), below(1.0f);
+    const auto look = [&](int dx, int dy) {
+        const F x = view.x(dx, dy), y = view.down(dx, dy);
+        const F wayX = x - px, wayY = y - py;
+        const F apart = (x + px) * wayX + (y + py) * wayY, square = wayX * wayX + wayY * wayY;
+        const F apartSquare = apart * apart;
+        const M closest = apartSquare * below < above * square; // never P itself
+        above = choose(closest, apartSquare, above);
+        below = choose(closest, square, below);
+    };
+    const F nearest = sqrtOf(first);
+    view.around(look, [&] {
+        const F reach = nearest + sqrtOf(above / below);
+        return reach * reach;
+    });
+    const F edge = sqrtOf(above / below);
+    if (!anyOf(nearest + edge > F(1.9999f)))
+        return edge;
+    view.farAround(look);
+    return sqrtOf(above / below);
+}
+
+template<CellularOutput output, Metric metric, class Columns>
+HWY_INLINE F valueOf(const View<metric, Columns>& view, float cellPixels)
+{
+    if constexpr (output == CellularOutput::Nearest)
+        return nearestDistance(view);
+    else if constexpr (output == CellularOutput::Value)
+        return nearestValue(view, cellPixels);
+    else if constexpr (output == CellularOutput::Edge)
+        return edgeDistance(view);
+    else
+        return secondDistance(view, output == CellularOutput::Difference);
+}
+
+template<CellularOutput output, Metric metric, class Columns>
 void addOctave(const CellularState& state, const CellularOctave& octave, const RowJob& job, int x, int count,
                float* sums)
 {
@@ -186,53 +326,60 @@ void addOctave(const CellularState& state, const CellularOctave& octave, const R
     const auto columnOf = [&](int pixel) {
         return static_cast<int>((static_cast<float>(pixel) + 0.5f) * perPixel);
     };
-    const float down = centreOf(job.y, job.height) * static_cast<float>(octave.cellsY);
-    const int row = static_cast<int>(down);
-    const int first = columnOf(x) - state.reach, last = columnOf(x + count - 1) + state.reach;
-    CellPoints points;
-    placePoints(state, octave, first, last - first + 1, row, points);
-    const F fy(down - static_cast<float>(row));
-    alignas(64) float values[kCellularChunk + 32];
-    for (int i = 0; i < count;) {
-        const int cell = columnOf(x + i);
-        int end = i + 1;
-        while (end < count && columnOf(x + end) == cell)
-            ++end;
-        for (; i < end; i += kLanes) {
-            const F position = (countFrom(static_cast<float>(x + i)) + F(0.5f)) * F(perPixel);
-            storeAt(cellularValue<metric>(state, points, cell - first, position - F(static_cast<float>(cell)),
-                                          fy, 1.0f / perPixel),
-                    values + i);
-        }
-        i = end;
+    const int from = columnOf(x) - kReach, columns = columnOf(x + count + kLanes) + kReach + 1 - from;
+    CellRows<metric> rows(state, octave, job, from, columns);
+    const float margin = 0.5f - 0.5f * state.jitter;
+    const F amplitude(octave.amplitude), step(perPixel);
+    for (int i = 0; i < count; i += kLanes) {
+        const F position = (countFrom(static_cast<float>(x + i)) + F(0.5f)) * step;
+        const U column = toInteger(position);
+        const View<metric, Columns> view(rows, Columns(column, from), position - toFloat(column), margin);
+        store(load(sums + i) + amplitude * valueOf<output>(view, 1.0f / perPixel), sums + i);
     }
-    for (int i = 0; i < count; i += kLanes)
-        store(load(sums + i) + F(octave.amplitude) * load(values + i), sums + i);
 }
 
-void cellularRow(const RowJob& job)
+template<CellularOutput output, Metric metric> void cellularPixels(const RowJob& job)
 {
     const auto& state = static_cast<const CellularState&>(*job.state);
     for (int done = 0; done < job.count; done += kCellularChunk) {
         const int count = std::min(kCellularChunk, job.count - done), x = job.x + done;
         float* result = job.result[0] + done;
         for (int i = 0; i < count; i += kLanes)
-            store(F(0.0f), result + i);
+            store(F(state.offset), result + i);
         for (const CellularOctave& octave : state.octaves) {
-            switch (state.metric) {
-            case Metric::Euclidean:
-                addOctave<Metric::Euclidean>(state, octave, job, x, count, result);
-                break;
-            case Metric::Manhattan:
-                addOctave<Metric::Manhattan>(state, octave, job, x, count, result);
-                break;
-            case Metric::Chebyshev:
-                addOctave<Metric::Chebyshev>(state, octave, job, x, count, result);
-                break;
-            }
+            if (2 * octave.cellsX <= job.width)
+                addOctave<output, metric, NearColumns>(state, octave, job, x, count, result);
+            else
+                addOctave<output, metric, FarColumns>(state, octave, job, x, count, result);
         }
-        for (int i = 0; i < count; i += kLanes)
-            store(load(result + i) * F(state.scale) + F(state.offset), result + i);
+    }
+}
+
+template<CellularOutput output> void cellularPixels(const RowJob& job)
+{
+    switch (static_cast<const CellularState&>(*job.state).metric) {
+    case Metric::Euclidean:
+        return cellularPixels<output, Metric::Euclidean>(job);
+    case Metric::Manhattan:
+        return cellularPixels<output, Metric::Manhattan>(job);
+    case Metric::Chebyshev:
+        return cellularPixels<output, Metric::Chebyshev>(job);
+    }
+}
+
+void cellularRow(const RowJob& job)
+{
+    switch (static_cast<const CellularState&>(*job.state).output) {
+    case CellularOutput::Nearest:
+        return cellularPixels<CellularOutput::Nearest>(job);
+    case CellularOutput::Second:
+        return cellularPixels<CellularOutput::Second>(job);
+    case CellularOutput::Difference:
+        return cellularPixels<CellularOutput::Difference>(job);
+    case CellularOutput::Value:
+        return cellularPixels<CellularOutput::Value>(job);
+    case CellularOutput::Edge:
+        return cellularPixels<CellularOutput::Edge, Metric::Euclidean>(job);
     }
 }
 
@@ -246,22 +393,13 @@ namespace vellor::nodes {
 NODES_ROW_KERNEL(cellularRow)
 
 /// What an octave that is too fine for the pixels has for a mean, so that the brightness does not change with
-/// the size.
-static float meanOfOutput(CellularOutput output)
+/// the size. Measured with full jitter.
+static float meanOfOutput(CellularOutput output, Metric metric)
 {
-    switch (output) {
-    case CellularOutput::Nearest:
-        return 0.42f;
-    case CellularOutput::Second:
-        return 0.75f;
-    case CellularOutput::Difference:
-        return 0.33f;
-    case CellularOutput::Edge:
-        return 0.34f;
-    case CellularOutput::Value:
-        break;
-    }
-    return 0.5f;
+    static constexpr float kMeans[3][5] = {{0.421f, 0.700f, 0.279f, 0.5f, 0.335f},
+                                           {0.531f, 0.874f, 0.343f, 0.5f, 0.335f},
+                                           {0.374f, 0.624f, 0.251f, 0.5f, 0.335f}};
+    return kMeans[static_cast<int>(metric)][static_cast<int>(output)];
 }
 
 static std::unique_ptr<State> prepareCellular(const Setup& setup)
@@ -273,8 +411,7 @@ static std::unique_ptr<State> prepareCellular(const Setup& setup)
     state->output = static_cast<CellularOutput>(held(p[1].i[0], 0, 4));
     state->metric = static_cast<Metric>(held(p[2].i[0], 0, 2));
     state->jitter = held(p[3].f[0], 0.0f, 1.0f);
-    state->evolution = p[4].f[0] - scalar::floorOf(p[4].f[0]);
-    state->reach = state->output == CellularOutput::Nearest ? 1 : 2;
+    state->evolution = held(p[4].f[0] - scalar::floorOf(p[4].f[0]), 0.0f, 1.0f);
     const int octaves = held(p[5].i[0], 1, 12);
     const float gain = held(p[6].f[0], 0.0f, 1.0f);
     float sum = 0.0f, undrawn = 0.0f;
@@ -292,8 +429,9 @@ static std::unique_ptr<State> prepareCellular(const Setup& setup)
         octave.amplitude *= gain;
         octave.seed = scalar::nextHash(octave.seed);
     }
-    state->scale = 1.0f / sum;
-    state->offset = undrawn * meanOfOutput(state->output) / sum;
+    for (CellularOctave& drawn : state->octaves)
+        drawn.amplitude /= sum;
+    state->offset = undrawn * meanOfOutput(state->output, state->metric) / sum;
     return state;
 }
 

@@ -196,4 +196,109 @@ TEST(LatticeNoise, MeanAndSpreadAreTheSameForAnyOctaves)
     }
 }
 
+namespace {
+
+struct CellPoint
+{
+    double x, y, value; // from the pixel; distance counts in cells
+};
+
+/// All points up to four cells away from a place in cells: farther than any that could matter.
+std::vector<CellPoint> pointsAround(double u, double v, const Lattice& lattice, double jitter)
+{
+    std::vector<CellPoint> points;
+    for (int y = int(v) - 4; y <= int(v) + 4; ++y) {
+        for (int x = int(u) - 4; x <= int(u) + 4; ++x) {
+            const std::uint32_t hash =
+                scalar::hashLattice(static_cast<std::uint32_t>(wrappedCell(x, lattice.across)),
+                                    static_cast<std::uint32_t>(wrappedCell(y, lattice.down)), lattice.seed);
+            const std::uint32_t second = scalar::nextHash(hash);
+            const double turns =
+                scalar::unitOf(hash) + (second % 2 == 1 ? lattice.evolution : -lattice.evolution);
+            const double radius = std::sqrt(scalar::unitOf(second)) * 0.5 * jitter;
+            points.push_back({x + 0.5 + radius * std::cos(kTurn * turns) - u,
+                              y + 0.5 + radius * std::sin(kTurn * turns) - v,
+                              scalar::unitOf(scalar::nextHash(second))});
+        }
+    }
+    return points;
+}
+
+/// Of the Euclidean metric, the square: it puts points in the same order.
+double lengthOf(const CellPoint& point, int metric)
+{
+    const double x = std::fabs(point.x), y = std::fabs(point.y);
+    return metric == 0 ? x * x + y * y : metric == 1 ? x + y : std::max(x, y);
+}
+
+/// The nearest point comes first, then the second.
+void putNearestFirst(std::vector<CellPoint>& points, int metric)
+{
+    std::partial_sort(
+        points.begin(), points.begin() + 2, points.end(),
+        [=](const CellPoint& a, const CellPoint& b) { return lengthOf(a, metric) < lengthOf(b, metric); });
+}
+
+/// f1, f2, f2-f1, value, edge of a pixel.
+std::array<double, 5> cellularAt(std::vector<CellPoint> points, int metric)
+{
+    putNearestFirst(points, 0);
+    double border = 1e9;
+    const CellPoint own = points[0];
+    for (std::size_t i = 1; i < points.size(); ++i) {
+        const double wayX = points[i].x - own.x, wayY = points[i].y - own.y;
+        const double along = (points[i].x + own.x) * wayX + (points[i].y + own.y) * wayY;
+        border = std::min(border, along / 2 / std::sqrt(wayX * wayX + wayY * wayY));
+    }
+    putNearestFirst(points, metric);
+    double f1 = lengthOf(points[0], metric), f2 = lengthOf(points[1], metric);
+    if (metric == 0) {
+        f1 = std::sqrt(f1);
+        f2 = std::sqrt(f2);
+    }
+    return {f1, f2, f2 - f1, points[0].value, 2 * border};
+}
+
+} // namespace
+
+TEST(Cellular, MeasuresToAllPoints)
+{
+    struct Size
+    {
+        int width, height, across, down;
+        double jitter;
+    };
+    const Size sizes[] = {
+        {160, 128, 40, 32, 1}, {200, 40, 9, 2, 1}, {90, 70, 60, 60, 0.9}, {64, 64, 3, 1, 0.3}};
+    for (const Size& size : sizes) {
+        for (int metric = 0; metric < 3; ++metric) {
+            std::array<Picture, 5> pictures;
+            for (int output = 0; output < 5; ++output)
+                pictures[output] = Evaluation("cellular", size.width, size.height)
+                                       .set("scale", {double(size.across), double(size.down)})
+                                       .set("jitter", {size.jitter})
+                                       .set("metric", {double(metric)})
+                                       .set("output", {double(output)})
+                                       .set("evolution", {0.2})
+                                       .seed(9)();
+            const Lattice lattice{size.across, size.down, scalar::mixBits(9 + 0x13198a2eu), 0.2};
+            const double apart = double(size.across) / size.width; // values blend where cells are closer
+            for (int y = 0; y < size.height; ++y) {
+                for (int x = 0; x < size.width; ++x) {
+                    const std::array<double, 5> expected =
+                        cellularAt(pointsAround((x + 0.5) / size.width * size.across,
+                                                (y + 0.5) / size.height * size.down, lattice, size.jitter),
+                                   metric);
+                    for (int output = 0; output < 5; ++output) {
+                        if (output == 3 && expected[2] < 1.01 * apart)
+                            continue;
+                        ASSERT_NEAR(pictures[output].at(x, y), expected[output], 1e-4)
+                            << "output " << output << ", metric " << metric << ", pixel " << x << ' ' << y;
+                    }
+                }
+            }
+        }
+    }
+}
+
 } // namespace vellor::nodes::test

@@ -192,22 +192,6 @@ TEST(Perlin, IsHalfOnLatticePointsAndLoops)
     EXPECT_GT(meanDifference(start, middle), 0.02);
 }
 
-TEST(Cellular, WithoutJitterMeasuresToTheMiddles)
-{
-    const Picture f1 = Evaluation("cellular", 64, 64).set("scale", {4, 4}).set("jitter", {0})();
-    const Picture f2 =
-        Evaluation("cellular", 64, 64).set("scale", {4, 4}).set("jitter", {0}).set("output", {1})();
-    const Picture edge =
-        Evaluation("cellular", 64, 64).set("scale", {4, 4}).set("jitter", {0}).set("output", {4})();
-    for (int x = 0; x < 16; ++x) {
-        const float dx = std::fabs((static_cast<float>(x) + 0.5f) / 16.0f - 0.5f), dy = 0.5f - 4.5f / 16.0f;
-        EXPECT_NEAR(f1.at(x, 4), std::sqrt(dx * dx + dy * dy), 1e-5f) << x;
-        const float other = std::min(std::hypot(1.0f - dx, dy), std::hypot(dx, 1.0f - dy));
-        EXPECT_NEAR(f2.at(x, 4), other, 1e-5f) << x;
-        EXPECT_NEAR(edge.at(x, 4), 2.0f * std::min(0.5f - dx, 0.5f - dy), 1e-5f) << x;
-    }
-}
-
 TEST(Shape, AreasAreTrue)
 {
     struct Case
