@@ -58,4 +58,12 @@ void loadEngine(const QString& file)
         throw Failure(Failed, path + ": the engine can't be loaded");
 }
 
+QString loadedEngineText()
+{
+    VellorVersion version = {};
+    Zph::Engine::getCurrentVersion(&version, VELLOR_API_VERSION);
+    return QString::fromUtf8(version.name ? version.name : "") + ' ' +
+           Zph::Engine::engineVersionText(version);
+}
+
 } // namespace vellor::tool

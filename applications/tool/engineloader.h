@@ -9,4 +9,7 @@ namespace vellor::tool {
 /// nothing here, so that a script gives the same pictures for everybody. Throws Failure.
 void loadEngine(const QString& file);
 
+/// "NAME MAJOR.MINOR.PATCH" of the loaded engine.
+QString loadedEngineText();
+
 } // namespace vellor::tool

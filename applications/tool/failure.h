@@ -18,4 +18,9 @@ struct Failure : std::runtime_error
     ExitCode code;
 };
 
+/// Ends a command that a signal interrupted; the process then ends by that signal, as shells expect it.
+struct Interrupted
+{
+};
+
 } // namespace vellor::tool

@@ -1,11 +1,13 @@
 // `vellor`: the work on packages without a window.
 
 #include "applications/tool/failure.h"
+#include "applications/tool/interrupter.h"
 #include "applications/tool/options.h"
 
 #include <QCoreApplication>
 
 #include <algorithm>
+#include <csignal>
 #include <cstdio>
 #include <exception>
 
@@ -13,7 +15,7 @@ namespace {
 
 using namespace vellor::tool;
 
-const Command* const kCommands[] = {&cookCommand, &infoCommand, &nodesCommand};
+const Command* const kCommands[] = {&cookCommand, &renderCommand, &infoCommand, &nodesCommand};
 
 void printOverview(std::FILE* file)
 {
@@ -38,6 +40,9 @@ int run(const Command& command, const std::vector<std::string>& words)
         if (*failure.what())
             std::fprintf(stderr, "vellor: %s\n", failure.what());
         return failure.code;
+    } catch (const Interrupted&) {
+        std::fputs("vellor: interrupted\n", stderr);
+        return std::raise(Interrupter::signal());
     } catch (const std::exception& error) {
         std::fprintf(stderr, "vellor %s: %s\n", command.name, error.what());
         return Failed;

@@ -61,5 +61,6 @@ std::string helpOf(const Command& command);
 extern const Command cookCommand;
 extern const Command infoCommand;
 extern const Command nodesCommand;
+extern const Command renderCommand;
 
 } // namespace vellor::tool

@@ -1,6 +1,7 @@
 #include "applications/tool/sharedoptions.h"
 
 #include "applications/tool/failure.h"
+#include "platform/nodes/instructionset.h"
 
 #include <QFileInfo>
 #include <QStringList>
@@ -10,6 +11,72 @@
 namespace vellor::tool {
 
 using Zph::Applications::Player::CookingAlias;
+using Zph::Applications::Player::EngineOptions;
+
+namespace {
+
+constexpr int kMostThreads = 256;
+constexpr int kInstructionSetShift = 8; // in the flags of the project's own engine
+constexpr float kProgressInterval = 0.1f;
+
+struct InstructionSetName
+{
+    const char* name;
+    nodes::InstructionSet set;
+};
+
+constexpr InstructionSetName kInstructionSets[] = {{"ssse3", nodes::InstructionSet::Ssse3},
+                                                   {"avx2", nodes::InstructionSet::Avx2},
+                                                   {"avx512", nodes::InstructionSet::Avx512}};
+
+} // namespace
+
+const Option kAlias{"--alias", nullptr, "NAME=DIR",
+                    "the folder that includes like NAME://file.vlr are looked up in; may be repeated"};
+const Option kEngine{"--engine", nullptr, "FILE",
+                     "the engine to use; the best one of plugins/engines by default"};
+
+const std::vector<Option>& engineOptions()
+{
+    static const std::vector<Option> options{
+        {"--threads", nullptr, "N", "threads of the engine; all processors by default"},
+        kEngine,
+        {"--instruction-set", nullptr, "ssse3|avx2|avx512",
+         "the highest that the project's own engine may use, for tests: the pictures are the same"},
+        kAlias};
+    return options;
+}
+
+std::vector<Option> joined(std::initializer_list<std::vector<Option>> lists)
+{
+    std::vector<Option> all;
+    for (const std::vector<Option>& list : lists)
+        all.insert(all.end(), list.begin(), list.end());
+    return all;
+}
+
+EngineOptions readEngineOptions(const Arguments& arguments)
+{
+    EngineOptions options;
+    options.progressInterval = kProgressInterval;
+    if (arguments.has("--threads")) {
+        const QString text = QString::fromStdString(arguments.value("--threads"));
+        bool valid = false;
+        options.threads = text.toUInt(&valid);
+        if (!valid || options.threads < 1 || options.threads > kMostThreads)
+            throw UsageError("--threads: expected a number from 1 to " + std::to_string(kMostThreads) +
+                             ", not '" + text.toStdString() + "'");
+    }
+    if (!arguments.has("--instruction-set"))
+        return options;
+    const std::string wanted = arguments.value("--instruction-set");
+    for (const InstructionSetName& known : kInstructionSets)
+        if (wanted == known.name)
+            options.flags = quint32(known.set) << kInstructionSetShift;
+    if (options.flags == 0)
+        throw UsageError("--instruction-set: expected ssse3, avx2 or avx512, not '" + wanted + "'");
+    return options;
+}
 
 QString onlyFile(const Arguments& arguments)
 {

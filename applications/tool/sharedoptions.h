@@ -1,25 +1,33 @@
 #pragma once
 
 #include "applications/player/session/cookingaliases.h"
+#include "applications/player/session/engine.h"
 #include "applications/tool/options.h"
 
 #include <QByteArray>
 #include <QString>
 #include <QVector>
 
+#include <initializer_list>
+
 namespace vellor::tool {
 
 /// Options that several commands take.
-inline const Option kAlias{"--alias", nullptr, "NAME=DIR",
-                           "the folder that includes like NAME://file.vlr are looked up in; may be repeated"};
-inline const Option kEngine{"--engine", nullptr, "FILE",
-                            "the engine to use; the best one of plugins/engines by default"};
+extern const Option kAlias;
+extern const Option kEngine;
+/// The engine, its threads and instruction set, and aliases.
+const std::vector<Option>& engineOptions();
+
+std::vector<Option> joined(std::initializer_list<std::vector<Option>> lists);
 
 /// The one file of the command line. Throws UsageError where there is none or another one.
 QString onlyFile(const Arguments& arguments);
 
 /// The values of kAlias. Throws UsageError, and Failure where there is no such folder.
 QVector<Zph::Applications::Player::CookingAlias> readAliases(const Arguments& arguments);
+
+/// The values of engineOptions() that the session is made with. Throws UsageError.
+Zph::Applications::Player::EngineOptions readEngineOptions(const Arguments& arguments);
 
 /// The values of an option that may be repeated, in their order.
 QStringList allValues(const Arguments& arguments, const char* option);

@@ -15,7 +15,7 @@ QString typeName(quint32 type)
     if (type == ValueType::Image)
         return QStringLiteral("image");
     if (type == ValueType::Text)
-        return QStringLiteral("string");
+        return QStringLiteral("text");
     return valueTypeName(type).toLower();
 }
 

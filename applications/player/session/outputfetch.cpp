@@ -42,6 +42,14 @@ ValueOrSurfacePlayer numericOfType(quint32 type, const Words& words)
     }
 }
 
+template<typename T> bool copyIf(const ValueOrSurfacePlayer::ValueData& number, InputValue& value)
+{
+    const auto* data = dynamic_cast<const Orn::Module::Value::DataT<T>*>(&number);
+    if (data)
+        std::memcpy(value.words.data(), &data->value, sizeof data->value);
+    return data;
+}
+
 bool canBeFetched(quint32 type)
 {
     return type <= VELLOR_TYPE_INTEGER4 && type != VELLOR_TYPE_STRING && type != VELLOR_TYPE_STRING + 1;
@@ -68,6 +76,16 @@ quint32 fetchOutput(VellorHandle* handle, quint32 index, ValueOrSurfacePlayer& r
     if (error == VELLOR_OK)
         result = numericOfType(desc.type, words);
     return error;
+}
+
+InputValue componentsOf(const ValueOrSurfacePlayer::ValueData& number)
+{
+    InputValue value;
+    copyIf<float>(number, value) || copyIf<int>(number, value) ||
+        copyIf<std::array<float, 2>>(number, value) || copyIf<std::array<float, 3>>(number, value) ||
+        copyIf<std::array<float, 4>>(number, value) || copyIf<std::array<int, 2>>(number, value) ||
+        copyIf<std::array<int, 3>>(number, value) || copyIf<std::array<int, 4>>(number, value);
+    return value;
 }
 
 } // namespace Zph::Applications::Player

@@ -3,6 +3,7 @@
 #include "orncommon/image/codec/surfacecodec.h"
 #include "orncommon/image/codec/surfacecodecmanager.h"
 #include "orncommon/image/qimageconversion.h"
+#include "orncommon/image/surfaceoperations.h"
 
 #include <QBuffer>
 #include <QCoreApplication>
@@ -155,6 +156,19 @@ SurfacePtr fromBlocks(const VellorTexture& texture, Buffer buffer)
     return surface;
 }
 
+uint8_t formatCode(PixelFormat format)
+{
+    const int layout = getChannelsCount(format) == 1 ? VELLOR_FORMAT_GRAYSCALE : VELLOR_FORMAT_RGBA;
+    switch (getBitsPerChannel(format)) {
+    case 8:
+        return uint8_t(layout | VELLOR_FORMAT_8BITS);
+    case 16:
+        return uint8_t(layout | (isFloatFormat(format) ? VELLOR_FORMAT_16FLOAT : VELLOR_FORMAT_16BITS));
+    default:
+        return uint8_t(layout | VELLOR_FORMAT_32FLOAT);
+    }
+}
+
 SurfacePtr notSupported(const VellorTexture& texture)
 {
     QImage tile(std::max<int>(texture.width, 1), std::max<int>(texture.height, 1), QImage::Format_ARGB32);
@@ -185,6 +199,33 @@ QSharedPointer<Surface> surfaceFromTexture(const VellorTexture& texture)
             surface = fromBlocks(texture, std::move(buffer));
     }
     return surface ? surface : notSupported(texture);
+}
+
+VellorTexture textureFromSurface(const SurfacePtr& surface, SurfacePtr& holder)
+{
+    constexpr unsigned longest = std::numeric_limits<uint16_t>::max();
+    VellorTexture texture = {};
+    if (!surface || surface->isEmpty() || surface->width() > longest || surface->height() > longest)
+        return texture;
+    holder = surface;
+    const unsigned channels = getChannelsCount(surface->format());
+    const bool isSigned = surface->description().flags & SurfaceDescription::SignedComponents;
+    PixelFormat format = channels == 3 ? withChannels(surface->format(), 4) : surface->format();
+    if (isSigned)
+        format = withChannels(L32F, channels == 3 ? 4 : channels);
+    const Orn::Image::Core::ConversionParameters opaque{255};
+    if (format != surface->format())
+        Orn::Image::Core::convertTo(*surface, holder, format, &opaque);
+    else if (surface->pitch() != surface->lineSize())
+        holder = Orn::Image::Core::clone(*surface);
+    if (!holder)
+        return texture;
+    texture.buffer = holder->data();
+    texture.width = uint16_t(holder->width());
+    texture.height = uint16_t(holder->height());
+    texture.pixelFormat = formatCode(format);
+    texture.channelOrder = isBlueFirst(format) ? VELLOR_ORDER_BGRA : VELLOR_ORDER_RGBA;
+    return texture;
 }
 
 } // namespace Zph::Applications::Player

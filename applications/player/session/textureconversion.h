@@ -14,4 +14,10 @@ namespace Zph::Applications::Player {
 /// when there is no memory. Any thread.
 QSharedPointer<Orn::Surfaces::Surface> surfaceFromTexture(const VellorTexture& texture);
 
+/// A picture as the value of an image input. It shows the surface's own pixels, so the surface must outlive
+/// it, unless its format or its pitch has to be changed first: then `holder` gets a surface that must. A null
+/// buffer when there is no memory, or a side is too long for an engine.
+VellorTexture textureFromSurface(const QSharedPointer<Orn::Surfaces::Surface>& surface,
+                                 QSharedPointer<Orn::Surfaces::Surface>& holder);
+
 } // namespace Zph::Applications::Player

@@ -5,6 +5,9 @@
 #include <QDebug>
 
 #include <algorithm>
+#include <cstdarg>
+
+#include <dlfcn.h>
 
 namespace Orn::Image::Codec {
 
@@ -21,6 +24,17 @@ std::vector<FreeImageType> exportTypes(FreeImageFormat plugin)
         if (FreeImage_FIFSupportsExportType(FREE_IMAGE_FORMAT(plugin), type))
             types.push_back(type);
     return types;
+}
+
+/// FreeImage's TIFF plug-in rests on libtiff, which writes what displeases it straight on standard error,
+/// beside what the plug-in reports. FreeImage links it, this library doesn't.
+void silenceLibTiff()
+{
+    using Handler = void (*)(char const*, char const*, va_list);
+    using SetHandler = Handler (*)(Handler);
+    for (char const* name : {"TIFFSetErrorHandler", "TIFFSetWarningHandler"})
+        if (auto const set = reinterpret_cast<SetHandler>(dlsym(RTLD_DEFAULT, name)))
+            set(nullptr);
 }
 
 } // namespace
@@ -44,6 +58,7 @@ FreeImageMgr::FreeImageMgr()
       }
 {
     FreeImage_Initialise(FALSE);
+    silenceLibTiff();
 }
 
 FreeImageMgr::~FreeImageMgr()

@@ -1,0 +1,206 @@
+#include "applications/player/output/picturefile.h"
+
+#include "orncommon/image/codec/surfacecodec.h"
+#include "orncommon/image/codec/surfacecodecmanager.h"
+#include "orncommon/image/surfaceoperations.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QTemporaryFile>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace Zph::Applications::Player {
+
+namespace {
+
+using namespace Orn::Surfaces;
+using Orn::Image::Codec::SurfaceCodecManager;
+using Orn::Image::Codec::SurfaceCodecOptions;
+using SurfacePtr = QSharedPointer<Surface>;
+
+QString translated(const char* text)
+{
+    return QCoreApplication::translate("PictureFile", text);
+}
+
+QString systemError()
+{
+    return QString::fromLocal8Bit(std::strerror(errno));
+}
+
+mode_t usualPermissions()
+{
+    const mode_t mask = umask(0);
+    umask(mask);
+    return 0666 & ~mask;
+}
+
+// A file on its way to `path`. Where the system can, it has no name until all of it is there, so that not
+// even a process that is killed leaves a part of it.
+class FileOnItsWay
+{
+public:
+    FileOnItsWay(const QString& path, const std::atomic<bool>* cancelled)
+        : m_path(path), m_file(hiddenName() + "XXXXXX"), m_device(m_file, cancelled)
+    {
+    }
+
+    bool open() { return m_file.open() && m_device.open(QIODevice::WriteOnly); }
+    QIODevice& device() { return m_device; }
+    bool hasFailed() const { return m_device.hasFailed(); }
+
+    // Empty if the file stands at its path now.
+    QString finish()
+    {
+        if (m_device.hasFailed() || !m_file.flush() || m_file.error() != QFileDevice::NoError)
+            return reason();
+        if (fchmod(m_file.handle(), usualPermissions()) != 0)
+            return systemError();
+        static std::atomic<int> counter{0};
+        const QString named = hiddenName() + QString::number(getpid()) + '-' + QString::number(++counter);
+        if (!m_file.rename(named))
+            return reason();
+        if (std::rename(QFile::encodeName(named).constData(), QFile::encodeName(m_path).constData()) != 0)
+            return systemError(); // the file goes with the object
+        m_file.setAutoRemove(false);
+        return {};
+    }
+
+    QString reason() const { return m_device.isCancelled() ? translated("cancelled") : m_file.errorString(); }
+
+private:
+    // Encoders don't all look at whether their bytes are taken.
+    class Device : public QIODevice
+    {
+    public:
+        Device(QFileDevice& file, const std::atomic<bool>* cancelled) : m_file(file), m_cancelled(cancelled)
+        {
+        }
+
+        bool isCancelled() const { return m_cancelled && *m_cancelled; }
+        bool hasFailed() const { return m_hasFailed || isCancelled(); }
+        qint64 size() const override { return m_file.size(); }
+        qint64 pos() const override { return m_file.pos(); }
+        bool seek(qint64 position) override { return QIODevice::seek(position) && m_file.seek(position); }
+
+    protected:
+        qint64 readData(char*, qint64) override { return -1; }
+        qint64 writeData(const char* data, qint64 size) override
+        {
+            const qint64 written = hasFailed() ? -1 : m_file.write(data, size);
+            m_hasFailed |= written != size;
+            return written;
+        }
+
+    private:
+        QFileDevice& m_file;
+        const std::atomic<bool>* m_cancelled;
+        bool m_hasFailed = false;
+    };
+
+    QString hiddenName() const
+    {
+        const QFileInfo info(m_path);
+        return info.dir().filePath('.' + info.fileName() + '.');
+    }
+
+    QString m_path;
+    QTemporaryFile m_file;
+    Device m_device;
+};
+
+PixelFormat inDepth(PixelFormat format, PictureDepth depth)
+{
+    switch (depth) {
+    case PictureDepth::Bits8:
+        return withChannels(L8, getChannelsCount(format));
+    case PictureDepth::Bits16:
+        return withChannels(L16, getChannelsCount(format));
+    case PictureDepth::Half:
+        return withChannels(L16F, getChannelsCount(format));
+    case PictureDepth::Float:
+        return withChannels(L32F, getChannelsCount(format));
+    default:
+        return format;
+    }
+}
+
+// Null when there is no memory.
+SurfacePtr converted(const SurfacePtr& picture, PictureDepth depth)
+{
+    const PixelFormat format = inDepth(picture->format(), depth);
+    if (format == picture->format() || depth == PictureDepth::OfPicture)
+        return picture;
+    SurfacePtr result;
+    const ConversionParameters opaque{255};
+    Orn::Image::Core::convertTo(*picture, result, format, &opaque);
+    return result;
+}
+
+SurfaceCodecOptions codecOptions(const QByteArray& format, const Surface& picture)
+{
+    using Orn::Image::Codec::Action;
+    const SurfaceCodecManager& manager = SurfaceCodecManager::instance();
+    SurfaceCodecOptions options;
+    manager.getOptions(options, Action::Write, manager.getFormatOptionIdFromFormat(format));
+    if (format == "exr")
+        options.setValue(QStringLiteral("exr_use_float"), getBitsPerChannel(picture.format()) == 32);
+    return options;
+}
+
+} // namespace
+
+QStringList pictureFormats()
+{
+    QStringList extensions;
+    for (const auto& format : SurfaceCodecManager::instance().getWritableFormats())
+        extensions.append(format.extension.toLower());
+    extensions.removeDuplicates();
+    extensions.sort();
+    return extensions;
+}
+
+QVector<PictureDepth> depthsOf(const QString& format)
+{
+    using Depth = PictureDepth;
+    static const QStringList of8 = {"tga", "targa", "bmp", "jpg", "jpeg", "jif", "jpe", "webp"};
+    if (of8.contains(format))
+        return {Depth::Bits8};
+    if (format == "png")
+        return {Depth::Bits8, Depth::Bits16};
+    if (format == "exr")
+        return {Depth::Half, Depth::Float};
+    if (format == "hdr")
+        return {Depth::Float};
+    if (format == "tif" || format == "tiff")
+        return {Depth::Bits8, Depth::Bits16, Depth::Float};
+    return {Depth::Bits8, Depth::Bits16, Depth::Half, Depth::Float};
+}
+
+QString writePictureFile(const SurfacePtr& picture, const QString& path, const PictureFileOptions& options)
+{
+    const SurfacePtr source = picture ? converted(picture, options.depth) : picture;
+    if (!source || source->isEmpty())
+        return translated("there is no memory for the picture");
+    FileOnItsWay file(path, options.cancelled);
+    if (!file.open())
+        return file.reason();
+    const QByteArray format = options.format.toLatin1();
+    const auto writer = SurfaceCodecManager::instance().createWriter(file.device(), format);
+    if (!writer)
+        return translated("pictures can't be written in the format '%1'").arg(options.format);
+    const SurfaceCodecOptions codec = codecOptions(format, *source);
+    const bool isEncoded = writer->write(source, &codec);
+    if (!isEncoded && !file.hasFailed())
+        return translated("the picture can't be written in the format '%1'").arg(options.format);
+    return file.finish();
+}
+
+} // namespace Zph::Applications::Player

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "orncommon/surfaces/surface.h"
+
+#include <QSharedPointer>
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+#include <atomic>
+
+namespace Zph::Applications::Player {
+
+// What one channel of a file holds.
+enum class PictureDepth
+{
+    OfPicture, // what the picture has, or the nearest that the format knows
+    Bits8,
+    Bits16,
+    Half,
+    Float
+};
+
+// The extensions in which pictures can be written, lower case and sorted. The codecs are registered before.
+QStringList pictureFormats();
+
+// The depths that files of a format can hold, of those that may be asked for; all of them for a format of
+// which nothing is known.
+QVector<PictureDepth> depthsOf(const QString& format);
+
+struct PictureFileOptions
+{
+    QString format; // an extension of pictureFormats()
+    PictureDepth depth = PictureDepth::OfPicture;
+    const std::atomic<bool>* cancelled = nullptr; // once it is true, writing fails soon
+};
+
+// Writes a picture through a temporary file in the folder of `path`, which takes the place of `path` only
+// when all of it is there. Returns an empty text, or what went wrong; then what stood at `path` is as it was.
+// Any thread.
+QString writePictureFile(const QSharedPointer<Orn::Surfaces::Surface>& picture, const QString& path,
+                         const PictureFileOptions& options);
+
+} // namespace Zph::Applications::Player

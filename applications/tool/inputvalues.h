@@ -1,0 +1,65 @@
+#pragma once
+
+#include "applications/player/description/inputdetails.h"
+#include "applications/player/description/inputsink.h"
+#include "applications/player/description/presetdescription.h"
+#include "orncommon/surfaces/surface.h"
+
+#include <QSharedPointer>
+#include <QStringList>
+
+#include <vector>
+
+namespace vellor::tool {
+
+/// The values of the inputs of some graphs of a package, from the command line, and which of them the engine
+/// has not been told yet. What is wrong with a value is thrown as UsageError, a picture that can't be read as
+/// Failure.
+class InputValues
+{
+public:
+    using PackageModel = Zph::Applications::Player::PackageModel;
+    using PresetDescription = Zph::Applications::Player::PresetDescription;
+
+    /// All at their defaults: inputs of the graphs with these keys, and of no graph.
+    InputValues(const PackageModel& package, const QStringList& graphs);
+
+    /// Every input that the preset doesn't name goes back to its default, save pictures, which stay.
+    void apply(const PresetDescription& preset);
+
+    /// "ID=VALUE": numbers with "," between them, "#rrggbb" for a colour, a choice by its number or label, a
+    /// text, the path of a picture. In each graph that has such an input.
+    void assign(const QString& assignment);
+
+    /// `size` is "1024" or "1024x512", powers of two up to 16384.
+    void setSize(const QString& size);
+    void setSeed(const QString& seed);
+    /// Seconds. Nothing happens where no input depends on time.
+    void setTime(float seconds);
+    bool hasTime() const { return !find("$time").empty(); }
+
+    /// Tells the engine what it has not been told yet. Throws Failure for a value that it refuses.
+    void push(Zph::Applications::Player::InputSink& engine);
+
+private:
+    struct Entry
+    {
+        Zph::Applications::Player::PackageInput input;
+        Zph::Applications::Player::InputDetails details;
+        Zph::Applications::Player::InputValue value;
+        QString text; // of a text input
+        QSharedPointer<Orn::Surfaces::Surface> picture;
+        bool dirty = false;
+    };
+
+    std::vector<std::size_t> find(const QString& identifier) const;
+    /// Throws UsageError with the inputs that there are.
+    std::vector<std::size_t> findOrThrow(const QString& identifier) const;
+    bool pushOne(const Entry& entry, Zph::Applications::Player::InputSink& engine) const;
+    static void assignText(Entry& entry, const QString& text);
+    static void readPicture(Entry& entry, const QString& path);
+
+    std::vector<Entry> m_entries;
+};
+
+} // namespace vellor::tool

@@ -1,0 +1,92 @@
+#include "applications/tool/engineloader.h"
+#include "applications/tool/failure.h"
+#include "applications/tool/package.h"
+#include "applications/tool/renderer.h"
+#include "applications/tool/sharedoptions.h"
+#include "orncommon/image/codec/defaultcodecs.h"
+#include "orncommon/image/codec/surfacecodecmanager.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+
+#include <csignal>
+
+namespace vellor::tool {
+
+namespace {
+
+using namespace Zph::Applications::Player;
+
+/// What goes to standard output: a line for each output as it is done, or all of it as JSON at the end.
+class Report
+{
+public:
+    explicit Report(const Arguments& arguments)
+        : m_isJson(arguments.has("--json")), m_isHash(arguments.has("--hash"))
+    {
+        m_clock.start();
+    }
+
+    void add(const RenderedOutput& rendered)
+    {
+        if (m_isJson)
+            m_outputs.append(reportJson(rendered));
+        else
+            m_code = std::max(
+                m_code, printOut((m_isHash ? hashLine(rendered) : reportLine(rendered)).toUtf8() + '\n'));
+    }
+
+    int finish(const Package& package)
+    {
+        if (!m_isJson)
+            return m_code;
+        const QJsonObject report{{"file", package.file()},
+                                 {"engine", loadedEngineText()},
+                                 {"outputs", m_outputs},
+                                 {"seconds", double(m_clock.nsecsElapsed()) * 1e-9}};
+        return printOut(QJsonDocument(report).toJson());
+    }
+
+private:
+    bool m_isJson, m_isHash;
+    int m_code = Done;
+    QJsonArray m_outputs;
+    QElapsedTimer m_clock;
+};
+
+int runRender(const Arguments& arguments)
+{
+    const QString file = onlyFile(arguments);
+    Orn::Image::Codec::registerDefaultCodecs(Orn::Image::Codec::SurfaceCodecManager::instance());
+    RenderSettings settings = readRenderSettings(arguments);
+    const EngineOptions engineOptions = readEngineOptions(arguments);
+    settings.encodeBeside = engineOptions.threads != 1;
+    const QVector<CookingAlias> aliases = readAliases(arguments);
+    loadEngine(QString::fromStdString(arguments.value("--engine")));
+    const Package package(file, {aliases, engineOptions});
+    Selection selection = readSelection(package, arguments);
+    if (settings.isAnimation && !selection.values.hasTime())
+        throw UsageError("--frames: the package has no input $time, all frames would be the same");
+
+    Report report(arguments);
+    Renderer renderer(package, selection, settings);
+    renderer.onRendered = [&](const RenderedOutput& rendered) { report.add(rendered); };
+    renderer.run();
+    if (Interrupter::signal() != 0)
+        throw Interrupted();
+    return report.finish(package);
+}
+
+} // namespace
+
+const Command renderCommand{"render", "FILE",
+                            "Computes the outputs of a package and writes each picture as a file, and each "
+                            "number on standard output. FILE is "
+                            "a .vlr, .vlrar, .vlrasm or .vlrbin.",
+                            joined({renderOptions(),
+                                    selectionOptions(),
+                                    {{"--json", nullptr, nullptr, "a report on standard output"}},
+                                    engineOptions()}),
+                            runRender};
+
+} // namespace vellor::tool

@@ -1,0 +1,160 @@
+#include "applications/tool/renderer.h"
+
+#include "applications/player/description/outputlabel.h"
+#include "applications/player/description/valuetype.h"
+#include "applications/player/output/pixelhash.h"
+#include "applications/player/session/outputfetch.h"
+#include "applications/tool/failure.h"
+#include "applications/tool/package.h"
+
+#include <QCryptographicHash>
+#include <QDir>
+#include <QFileInfo>
+
+namespace vellor::tool {
+
+using namespace Zph::Applications::Player;
+
+namespace {
+
+constexpr std::size_t kWaitingPictures = 2; // each of them holds memory
+
+QByteArray numberHash(quint32 type, const InputValue& value)
+{
+    const int bytes = componentCount(type) * int(sizeof(quint32));
+    const auto* data = reinterpret_cast<const char*>(value.words.data());
+    return QCryptographicHash::hash(QByteArray(data, bytes), QCryptographicHash::Md5);
+}
+
+} // namespace
+
+Renderer::Renderer(const Package& package, Selection& selection, const RenderSettings& settings)
+    : m_package(package), m_selection(selection), m_settings(settings),
+      m_names(settings.pattern, defaultBaseNamePattern(package.model(), settings.isAnimation)),
+      m_interrupter(package.engine()), m_generator(package, selection, m_interrupter),
+      m_queue(settings.encodeBeside ? kWaitingPictures : 0)
+{
+    m_generator.onProgress = [this](int percent) { showProgress(percent); };
+    m_generator.onOutput = [this](int place, const Generator::Result& result, double seconds) {
+        RenderedOutput& rendered = m_outputs[std::size_t(m_firstOfFrame + place)];
+        rendered.seconds = seconds;
+        ++m_doneOfFrame;
+        take(rendered, result);
+    };
+}
+
+void Renderer::run()
+{
+    if (!m_settings.folder.isEmpty() && !QDir().mkpath(m_settings.folder))
+        throw Failure(Unwritable, m_settings.folder + ": the folder can't be made");
+    for (m_frame = m_settings.firstFrame; m_frame <= m_settings.lastFrame && !m_interrupter.isRequested();
+         ++m_frame) {
+        renderFrame(m_frame);
+        tellFinished(false);
+    }
+    m_queue.finish();
+    m_progress.hide();
+    tellFinished(true);
+}
+
+void Renderer::renderFrame(int frame)
+{
+    const std::optional<int> number = m_settings.isAnimation ? std::optional<int>(frame) : std::nullopt;
+    {
+        const std::lock_guard lock(m_mutex);
+        m_firstOfFrame = int(m_outputs.size());
+        for (const PackageOutput& output : qAsConst(m_selection.outputs)) {
+            RenderedOutput rendered;
+            rendered.output = output;
+            rendered.frame = number;
+            rendered.file = pathOf(output, number);
+            m_outputs.push_back(rendered);
+        }
+    }
+    m_doneOfFrame = 0;
+    if (m_settings.isAnimation)
+        m_selection.values.setTime(float(double(frame) / m_settings.framesPerSecond));
+    showProgress(0);
+    m_generator.run();
+}
+
+QString Renderer::pathOf(const PackageOutput& output, std::optional<int> frame)
+{
+    if (m_settings.folder.isEmpty() || componentCount(output.type) > 0)
+        return {};
+    const QString usage = outputUsageText(m_package.model().description().output(output.uid).element);
+    const BaseNameSource source = baseNameSource(exportLabel(output), output.uid, usage, m_selection.preset);
+    return QDir::cleanPath(
+        QDir(m_settings.folder).filePath(m_names.next(source, frame) + '.' + m_settings.format));
+}
+
+void Renderer::take(RenderedOutput& rendered, const Generator::Result& result)
+{
+    if (result.isSurface()) {
+        m_queue.post([this, &rendered, result] { encode(rendered, result); });
+        return;
+    }
+    const std::lock_guard lock(m_mutex);
+    if (result.isValue())
+        rendered.value = componentsOf(*result.value());
+    rendered.hash = numberHash(rendered.output.type, rendered.value);
+    rendered.isDone = true;
+}
+
+void Renderer::encode(RenderedOutput& rendered, const Generator::Result& result)
+{
+    const auto surface = result.surface();
+    const QByteArray hash = pixelHash(*surface);
+    QElapsedTimer clock;
+    clock.start();
+    QString error;
+    if (!rendered.file.isEmpty())
+        error = writePictureFile(surface, rendered.file,
+                                 {m_settings.format, m_settings.depth, &m_interrupter.flag()});
+    if (!error.isEmpty())
+        m_interrupter.request();
+    const std::lock_guard lock(m_mutex);
+    rendered.width = surface->width();
+    rendered.height = surface->height();
+    rendered.hash = hash;
+    rendered.encodingSeconds = double(clock.nsecsElapsed()) * 1e-9;
+    rendered.fileBytes = rendered.file.isEmpty() ? 0 : QFileInfo(rendered.file).size();
+    rendered.error = error;
+    rendered.isDone = true;
+}
+
+/// Tells of what is done from the front on, as far as it goes; at the end of everything that is done.
+void Renderer::tellFinished(bool all)
+{
+    for (;;) {
+        std::unique_lock lock(m_mutex);
+        if (m_outputs.empty() || (!all && !m_outputs.front().isDone))
+            return;
+        const RenderedOutput rendered = std::move(m_outputs.front());
+        m_outputs.pop_front();
+        lock.unlock();
+        if (Interrupter::signal() == 0 && !rendered.error.isEmpty())
+            throw Failure(Unwritable, rendered.file + ": " + rendered.error);
+        if (rendered.isDone && rendered.error.isEmpty() && onRendered) {
+            m_progress.hide();
+            onRendered(rendered);
+        }
+    }
+}
+
+void Renderer::showProgress(int percent)
+{
+    const int frames = m_settings.lastFrame - m_settings.firstFrame + 1;
+    const int outputs = m_selection.outputs.size();
+    QString text;
+    if (m_settings.isAnimation)
+        text = QStringLiteral("frame %1 of %2").arg(m_frame - m_settings.firstFrame + 1).arg(frames);
+    if (outputs > 1)
+        text += QStringLiteral("%1output %2 of %3")
+                    .arg(text.isEmpty() ? "" : ", ")
+                    .arg(std::min(m_doneOfFrame + 1, outputs))
+                    .arg(outputs);
+    m_progress.show((m_frame - m_settings.firstFrame + percent * 0.01) / frames, text);
+}
+
+} // namespace vellor::tool

@@ -1,0 +1,117 @@
+#include "applications/tool/rendersettings.h"
+
+#include <QRegularExpression>
+
+#include <cmath>
+
+namespace vellor::tool {
+
+using namespace Zph::Applications::Player;
+
+namespace {
+
+struct DepthName
+{
+    const char* name;
+    PictureDepth depth;
+};
+
+constexpr DepthName kDepths[] = {{"8", PictureDepth::Bits8},
+                                 {"16", PictureDepth::Bits16},
+                                 {"16f", PictureDepth::Half},
+                                 {"32f", PictureDepth::Float}};
+
+QString textOf(const Arguments& arguments, const char* option, const char* fallback = "")
+{
+    return QString::fromStdString(arguments.value(option, fallback));
+}
+
+[[noreturn]] void wrong(const char* option, const QString& expected, const QString& text)
+{
+    throw UsageError(QStringLiteral("%1: expected %2, not '%3'").arg(option, expected, text).toStdString());
+}
+
+QString readFormat(const Arguments& arguments)
+{
+    QString format = textOf(arguments, "--format", "png").toLower();
+    if (format.startsWith('.'))
+        format.remove(0, 1);
+    const QStringList known = pictureFormats();
+    if (!known.contains(format))
+        wrong("--format", "one of " + known.join(", "), format);
+    return format;
+}
+
+PictureDepth readDepth(const Arguments& arguments, const QString& format)
+{
+    if (!arguments.has("--depth"))
+        return PictureDepth::OfPicture;
+    const QString text = textOf(arguments, "--depth");
+    const QVector<PictureDepth> held = depthsOf(format);
+    QStringList names;
+    for (const DepthName& candidate : kDepths) {
+        if (!held.contains(candidate.depth))
+            continue;
+        names.append(candidate.name);
+        if (text == candidate.name)
+            return candidate.depth;
+    }
+    wrong("--depth", names.join(" or ") + " for " + format, text);
+}
+
+void readFrames(const Arguments& arguments, RenderSettings& settings)
+{
+    static const QRegularExpression range(QStringLiteral("^([0-9]{1,9})(?:-([0-9]{1,9}))?$"));
+    const QString text = textOf(arguments, "--frames");
+    const QRegularExpressionMatch match = range.match(text);
+    settings.isAnimation = arguments.has("--frames");
+    settings.firstFrame = match.captured(1).toInt();
+    settings.lastFrame = match.captured(2).isEmpty() ? settings.firstFrame : match.captured(2).toInt();
+    if (settings.isAnimation && (!match.hasMatch() || settings.lastFrame < settings.firstFrame))
+        wrong("--frames", "a range like 0-99", text);
+}
+
+double readRate(const Arguments& arguments)
+{
+    const QString text = textOf(arguments, "--fps", "30");
+    bool valid = false;
+    const double rate = text.toDouble(&valid);
+    if (!valid || !(rate > 0.0) || !std::isfinite(rate))
+        wrong("--fps", "a number above 0", text);
+    return rate;
+}
+
+} // namespace
+
+const std::vector<Option>& renderOptions()
+{
+    static const std::vector<Option> options{
+        {"--directory", "-o", "DIR", "the folder for the files, made if needed; the current one by default"},
+        {"--format", nullptr, "EXT", "the format of the files: png (the default), tga, tif, exr, jpg..."},
+        {"--depth", nullptr, "8|16|16f|32f",
+         "bits of a channel, f for floating point; what the output has by default"},
+        {"--pattern", nullptr, "NAME",
+         "the names of files: %O output, %G graph, %P package, %F path, %U usage, %I uid, %R preset, #### "
+         "frame"},
+        {"--frames", nullptr, "A-B", "renders the frames from A to B, for packages with an input $time"},
+        {"--fps", nullptr, "N", "frames in a second; 30 by default"},
+        {"--hash", nullptr, nullptr,
+         "prints the MD5 digest of each output's raw pixels; writes files only with -o"},
+    };
+    return options;
+}
+
+RenderSettings readRenderSettings(const Arguments& arguments)
+{
+    RenderSettings settings;
+    if (!arguments.has("--hash") || arguments.has("--directory"))
+        settings.folder = textOf(arguments, "--directory", ".");
+    settings.pattern = textOf(arguments, "--pattern");
+    settings.format = readFormat(arguments);
+    settings.depth = readDepth(arguments, settings.format);
+    readFrames(arguments, settings);
+    settings.framesPerSecond = readRate(arguments);
+    return settings;
+}
+
+} // namespace vellor::tool

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "applications/player/output/picturefile.h"
+#include "applications/tool/options.h"
+
+namespace vellor::tool {
+
+/// What `vellor render` does with the pictures.
+struct RenderSettings
+{
+    QString folder;  // empty: no file is written
+    QString pattern; // empty: the usual one
+    QString format;  // an extension
+    Zph::Applications::Player::PictureDepth depth = Zph::Applications::Player::PictureDepth::OfPicture;
+    bool isAnimation = false;
+    int firstFrame = 0;
+    int lastFrame = 0;
+    double framesPerSecond = 30.0;
+    bool encodeBeside = true; // files are encoded while the next output is generated
+};
+
+/// The options that readRenderSettings() reads.
+const std::vector<Option>& renderOptions();
+
+/// The codecs are registered before. Throws UsageError.
+RenderSettings readRenderSettings(const Arguments& arguments);
+
+} // namespace vellor::tool

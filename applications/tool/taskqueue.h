@@ -1,0 +1,38 @@
+#pragma once
+
+#include <condition_variable>
+#include <deque>
+#include <functional>
+#include <mutex>
+#include <thread>
+
+namespace vellor::tool {
+
+/// Runs tasks one after the other beside the thread that posts them. Tasks don't throw.
+class TaskQueue
+{
+public:
+    /// `limit` tasks may wait, since each holds a picture; with 0 post() runs the task itself.
+    explicit TaskQueue(std::size_t limit);
+    /// Waits until all tasks are done.
+    ~TaskQueue();
+    TaskQueue(const TaskQueue&) = delete;
+    TaskQueue& operator=(const TaskQueue&) = delete;
+
+    /// Waits while the queue is full.
+    void post(std::function<void()> task);
+    /// Waits until all tasks are done. Nothing is posted after it.
+    void finish();
+
+private:
+    void run();
+
+    std::size_t m_limit;
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    std::deque<std::function<void()>> m_tasks;
+    bool m_isClosed = false;
+    std::thread m_thread;
+};
+
+} // namespace vellor::tool

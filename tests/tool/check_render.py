@@ -1,0 +1,224 @@
+"""Runs `vellor render` as scripts would: values, names, formats, frames, failures, and what is left on the disk.
+
+Usage: check_render.py VELLOR
+"""
+import hashlib
+import json
+import os
+import pathlib
+import resource
+import signal
+import struct
+import subprocess
+import sys
+import tempfile
+import time
+import zlib
+
+PACKAGE = """<package formatversion="1"><graph identifier="wall" label="Wall">
+<inputs>
+ <input identifier="$outputsize" default="3,3"/><input identifier="$randomseed" default="0"/>
+ <input identifier="$time" type="float"/>
+ <input identifier="grey" type="float" default="0.2" widget="slider" min="0" max="1" clamp="on"/>
+ <input identifier="rows" type="int2" default="2,3"/>
+ <input identifier="tint" type="float3" default="#000000" widget="color"/>
+ <input identifier="bond" type="int" default="0" widget="combobox"><item value="0" text="Stack"/><item value="4" text="Half Bond"/></input>
+ <input identifier="wet" type="bool" default="off"/>
+ <input identifier="title" type="text" default="O"/>
+ <input identifier="photo" type="image"/>
+</inputs>
+<nodes>
+ <node id="colour" type="uniform" channels="colour"><param name="colour" expr="float4(input.tint, 1)"/></node>
+ <node id="height" type="uniform" depth="u16"><param name="colour" expr="float4(float3(input.grey + $time), 1)"/></node>
+ <node id="noise" type="whitenoise"/>
+ <node id="shown" type="imageinput"><param name="image" input="photo"/></node>
+</nodes>
+<outputs>
+ <output identifier="base" from="colour" usage="basecolor" label="Base Color"/>
+ <output identifier="height" from="height" usage="height" label="height" format="grey16"/>
+ <output identifier="noise" from="noise" label="Base Color"/>
+ <output identifier="rows" value="input.rows" label="Rows"/>
+ <output identifier="state" value="input.bond + input.wet"/>
+</outputs>
+<presets><preset label="Bright"><set input="grey" value="0.8"/><set input="tint" value="#ffffff"/></preset></presets>
+</graph></package>"""
+
+SLOW = """<package formatversion="1"><graph identifier="slow"><inputs><input identifier="$outputsize" default="13,13"/></inputs>
+<nodes>%s</nodes><outputs>%s</outputs></graph></package>""" % (
+    "".join(f'<node id="n{i}" type="perlin" seed="{i}"/><node id="b{i}" type="gaussianblur"><in name="input" from="n{i}"/></node>' for i in range(12)),
+    "".join(f'<output identifier="o{i}" from="b{i}"/>' for i in range(12)))
+
+failures = []
+
+
+def check(what, fits, got=""):
+    if not fits:
+        failures.append(what)
+        print(f"{what}: {got!r}")
+
+
+def png_grey_or_colour(data):
+    """The header and the unfiltered first pixel of a PNG file: width, height, bits, channels, samples."""
+    width, height, bits, kind = struct.unpack(">IIBB", data[16:26])
+    body, at = b"", 8
+    while at < len(data):
+        size, = struct.unpack(">I", data[at:at + 4])
+        if data[at + 4:at + 8] == b"IDAT":
+            body += data[at + 8:at + 8 + size]
+        at += 12 + size
+    channels = {0: 1, 2: 3, 6: 4}[kind]
+    raw = zlib.decompress(body)
+    pixel = raw[1:1 + channels * bits // 8]
+    return width, height, bits, channels, struct.unpack(f">{channels}{'B' if bits == 8 else 'H'}", pixel)
+
+
+class Place:
+    """A folder with the package, and the program in it."""
+
+    def __init__(self, vellor, folder):
+        self.vellor, self.folder = vellor, pathlib.Path(folder)
+        (self.folder / "wall.vlr").write_text(PACKAGE)
+        (self.folder / "slow.vlr").write_text(SLOW)
+
+    def run(self, *words, **more):
+        return subprocess.run([self.vellor, "render", *words], cwd=self.folder, capture_output=True, text=True, **more)
+
+    def report(self, *words):
+        told = self.run("wall.vlr", "--json", *words)
+        check(f"{words} works", told.returncode == 0 and told.stderr == "", told)
+        return {entry["identifier"]: entry for entry in json.loads(told.stdout)["outputs"]} if told.stdout else {}
+
+    def files(self, folder):
+        return sorted(os.listdir(self.folder / folder)) if (self.folder / folder).exists() else []
+
+    def png(self, name):
+        return png_grey_or_colour((self.folder / name).read_bytes())
+
+
+def check_pictures(place):
+    told = place.report("-o", "out", "--set", "tint=#ff8000", "--set", "grey=0.5", "--size", "8x4")
+    check("files", place.files("out") == ["wall_Base_Color.png", "wall_Base_Color[2].png", "wall_height.png"] or
+          place.files("out") == ["wall_Base_Color[2].png", "wall_Base_Color.png", "wall_height.png"], place.files("out"))
+    check("colour", place.png("out/wall_Base_Color.png")[:2] == (8, 4) and
+          place.png("out/wall_Base_Color.png")[4][:3] == (255, 128, 0), place.png("out/wall_Base_Color.png"))
+    check("16 bits", place.png("out/wall_height.png") == (8, 4, 16, 1, (32768,)), place.png("out/wall_height.png"))
+    check("report", told["base"]["file"] == "out/wall_Base_Color.png" and told["base"]["size"] == [8, 4] and
+          told["base"]["bytes"] == (place.folder / "out/wall_Base_Color.png").stat().st_size, told["base"])
+    check("hash", told["height"]["hash"] == hashlib.md5(b"\x00\x80" * 32).hexdigest(), told["height"])
+    check("numbers", told["rows"]["value"] == [2, 3] and "file" not in told["rows"], told["rows"])
+    place.report("-o", "deep", "--output", "height", "--depth", "8")
+    check("8 bits", place.png("deep/wall_height.png")[2:] == (8, 1, (51,)), place.files("deep"))
+    place.report("-o", "named", "--pattern", "%O-%U %I %R", "--preset", "Bright", "--output", "base", "--format", "tga")
+    check("pattern", len(place.files("named")) == 1 and place.files("named")[0].startswith("Base_Color_basecolor_") and
+          place.files("named")[0].endswith("_Bright.tga"), place.files("named"))
+    for extension in ("exr", "tif", "bmp", "jpg"):
+        place.report("-o", extension, "--format", extension)
+        check(extension, len(place.files(extension)) == 3, place.files(extension))
+
+
+def check_values(place):
+    def value(*words):
+        told = place.report("--hash", *words)
+        return told["state"]["value"], told["rows"]["value"], told["base"]["hash"], told["height"]["hash"], told["noise"]["hash"]
+
+    plain = value()
+    check("no file by --hash", place.files(".").count("wall_Base_Color.png") == 0, place.files("."))
+    bright = value("--preset", "Bright")
+    check("preset", bright[2] != plain[2] and bright[3] == value("--set", "grey=0.8")[3] != plain[3], bright)
+    check("over a preset", value("--preset", "Bright", "--set", "grey=0.2")[3] == plain[3], bright)
+    for words, wanted in [(["bond=Half Bond"], 4), (["bond=half bond"], 4), (["bond=4"], 4), (["wet=on"], 1), (["wet=1"], 1),
+                          (["bond=4", "wet=true"], 5)]:
+        options = [part for word in words for part in ("--set", word)]
+        check(str(words), value(*options)[0] == wanted, value(*options))
+    check("integers", value("--set", "rows=-7,9")[1] == [-7, 9])
+    check("a colour in two ways", value("--set", "tint=1,0,0.2")[2] == value("--set", "tint=#ff0033")[2])
+    check("seed", value("--seed", "7")[4] != plain[4] == value("--seed", "0")[4])
+    check("threads", value("--size", "512", "--threads", "1") == value("--size", "512", "--threads", "2"))
+    check("instruction sets", value("--size", "64", "--instruction-set", "ssse3") == value("--size", "64"))
+    place.report("-o", "picture", "--output", "base", "--set", "tint=#336699")
+    value("--set", "photo=picture/wall_Base_Color.png", "--set", "title=A word")
+    lines = place.run("wall.vlr", "--hash").stdout.splitlines()
+    check("hash lines", lines[0] == plain[2] + "  wall/base" and len(lines) == 5, lines)
+
+
+def check_frames(place):
+    told = place.run("wall.vlr", "-o", "frames", "--frames", "9-11", "--fps", "20", "--output", "height", "--json")
+    entries = json.loads(told.stdout)["outputs"]
+    check("frames", place.files("frames") == ["wall_height_0009.png", "wall_height_0010.png", "wall_height_0011.png"], place.files("frames"))
+    check("frame numbers", [entry["frame"] for entry in entries] == [9, 10, 11], entries)
+    check("time", abs(place.png("frames/wall_height_0010.png")[4][0] - 0.7 * 65535) < 1, place.png("frames/wall_height_0010.png"))
+
+
+def check_errors(place):
+    (place.folder / "text.png").write_text("text")
+    for words, code, message in [
+            (["wall.vlr", "--set", "gray=1"], 1, "there is no input 'gray'; there are $outputsize"),
+            (["wall.vlr", "--set", "grey"], 1, "expected ID=VALUE"),
+            (["wall.vlr", "--set", "grey=1.5"], 1, "expected at most 1, not '1.5'"),
+            (["wall.vlr", "--set", "grey=nan"], 1, "expected a number"),
+            (["wall.vlr", "--set", "rows=1"], 1, "expected 2 whole numbers"),
+            (["wall.vlr", "--set", "tint=red"], 1, "expected 3 numbers"),
+            (["wall.vlr", "--set", "tint=#12345"], 1, "expected #rrggbb"),
+            (["wall.vlr", "--set", "bond=1"], 1, "expected 0 (Stack), 4 (Half Bond), not '1'"),
+            (["wall.vlr", "--set", "photo=gone.png"], 2, "gone.png: the file can't be read"),
+            (["wall.vlr", "--set", "photo=text.png"], 2, "text.png: the file holds no picture"),
+            (["wall.vlr", "--size", "100"], 1, "powers of two"), (["wall.vlr", "--size", "32768"], 1, "powers of two"),
+            (["slow.vlr", "--seed", "1"], 1, "no input $randomseed"),
+            (["wall.vlr", "--output", "x"], 1, "there are base, height, noise, rows, state"),
+            (["wall.vlr", "--graph", "x"], 1, "there are pkg://wall"), (["wall.vlr", "--preset", "x"], 1, "there are 'Bright'"),
+            (["wall.vlr", "--format", "doc"], 1, "one of bmp"), (["wall.vlr", "--format", "tga", "--depth", "16"], 1, "expected 8 for tga"),
+            (["wall.vlr", "--frames", "9-1"], 1, "a range"), (["slow.vlr", "--frames", "0-1"], 1, "no input $time"),
+            (["wall.vlr", "--threads", "0"], 1, "from 1 to 256"), (["gone.vlr"], 2, "gone.vlr: the file can't be read"),
+            (["wall.vlr", "-o", "wall.vlr/x"], 4, "the folder can't be made")]:
+        told = place.run(*words)
+        fits = told.returncode == code and message in told.stderr and told.stderr.count("\n") == 1 and told.stdout == ""
+        check(" ".join(words), fits, told)
+
+
+def check_no_room(place):
+    """Files that grow beyond the limit stand for a full disk; the limit hits in the middle of a picture."""
+    (place.folder / "full").mkdir()
+    (place.folder / "full/wall_Base_Color[2].png").write_text("kept")
+
+    def limit():
+        signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+        resource.setrlimit(resource.RLIMIT_FSIZE, (20000, 20000))
+
+    for extension in ("png", "tga", "exr", "tif"):
+        told = place.run("wall.vlr", "-o", "full", "--size", "512", "--output", "noise", "--format", extension, "--pattern",
+                         "%G_%O[2]", preexec_fn=limit)
+        fits = told.returncode == 4 and "full/wall_Base_Color_2_." + extension in told.stderr and told.stderr.count("\n") == 1
+        check(f"no room for {extension}", fits, told)
+        check("nothing left", place.files("full") == ["wall_Base_Color[2].png"], place.files("full"))
+
+    os.chmod(place.folder, 0o755)
+    (place.folder / "closed").mkdir()
+    (place.folder / "closed").chmod(0o555)
+    told = place.run("wall.vlr", "-o", "closed", preexec_fn=lambda: os.setuid(65534) if os.getuid() == 0 else None)
+    check("a folder that is not writable", told.returncode == 4 and place.files("closed") == [], told)
+
+
+def check_interruption(place):
+    (place.folder / "stopped").mkdir()
+    process = subprocess.Popen([place.vellor, "render", "slow.vlr", "-o", "stopped"], cwd=place.folder, stdout=subprocess.PIPE,
+                               stderr=subprocess.PIPE, text=True)
+    time.sleep(1.0)
+    sent = time.monotonic()
+    process.send_signal(signal.SIGINT)
+    _, errors = process.communicate()
+    seconds = time.monotonic() - sent
+    check("ends by the signal", process.returncode == -signal.SIGINT and errors == "vellor: interrupted\n", (process.returncode, errors))
+    check("ends soon", seconds < 3.0, seconds)
+    check("no part of a file", all(name.startswith("slow_o") for name in place.files("stopped")), place.files("stopped"))
+
+
+def main():
+    with tempfile.TemporaryDirectory() as name:
+        place = Place(os.path.abspath(sys.argv[1]), name)
+        for part in (check_pictures, check_values, check_frames, check_errors, check_no_room, check_interruption):
+            part(place)
+    return 1 if failures else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
