@@ -8,6 +8,7 @@
 #define VELLOR_NODES_POINTROW_INL_H
 #endif
 
+#include "platform/nodes/powertable.h"
 #include "platform/nodes/simd.h"
 
 #include <algorithm>
@@ -68,6 +69,29 @@ template<class Function> HWY_INLINE void mapColours(const RowJob& job, Function 
 HWY_INLINE F luminanceOf(Rgb colour)
 {
     return colour.r * F(0.2126f) + colour.g * F(0.7152f) + colour.b * F(0.0722f);
+}
+
+/// x^exponent of a table that is exact; 0 for what is below 2^-126.
+HWY_INLINE F raised(const PowerTable& table, F x)
+{
+    const U bits = bitsOf(maxOf(x, F(0.0f)));
+    const F t = floatOfBits((bits & U(0x007fffffu)) | U(0x3f800000u)) - F(1.0f);
+    F p(table.coefficients[PowerTable::kDegree]);
+    for (int k = PowerTable::kDegree - 1; k >= 0; --k)
+        p = p * t + F(table.coefficients[k]);
+    return p * gather(table.scales.data(), bits >> 23);
+}
+
+/// Calls use with the function that raises to the table's exponent.
+template<class Use> HWY_INLINE void withPower(const PowerTable& table, Use use)
+{
+    if (table.exact) {
+        const PowerTable& exact = table;
+        use([&exact](F x) { return raised(exact, x); });
+    } else {
+        const F exponent(table.exponent);
+        use([exponent](F x) { return powOfPositive(x, exponent); });
+    }
 }
 
 } // namespace vellor::nodes::HWY_NAMESPACE

@@ -29,6 +29,14 @@ enum class BlendMode
     LinearBurn,
     Average,
     Negation,
+    HardMix,
+    // What mixes whole colours stands last.
+    Hue,
+    Saturation,
+    Colour,
+    Luminosity,
+    DarkerColour,
+    LighterColour,
     Count
 };
 
@@ -56,7 +64,7 @@ struct BlendState : State
 #define HWY_TARGET_INCLUDE "platform/nodes/combining/blend.cpp"
 #include <hwy/foreach_target.h>
 
-#include "platform/nodes/simd.h"
+#include "platform/nodes/pointrow-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace vellor::nodes::HWY_NAMESPACE {
@@ -106,7 +114,8 @@ HWY_INLINE F pinLightOf(F b, F s)
     return choose(s <= F(0.5f), minOf(b, twice), maxOf(b, twice - F(1.0f)));
 }
 
-/// What mode makes of background b and source s where both are opaque.
+/// What mode makes of background b and source s where both are opaque. For a mode of whole colours, b and s
+/// are grey.
 template<BlendMode mode> HWY_INLINE F mixed(F b, F s)
 {
     switch (mode) {
@@ -150,86 +159,216 @@ template<BlendMode mode> HWY_INLINE F mixed(F b, F s)
         return (b + s) * F(0.5f);
     case BlendMode::Negation:
         return F(1.0f) - absOf(F(1.0f) - b - s);
+    case BlendMode::HardMix:
+        return choose(b + s < F(1.0f), F(0.0f), F(1.0f));
+    case BlendMode::Hue:
+    case BlendMode::Saturation:
+    case BlendMode::Colour:
+        return b;
+    case BlendMode::DarkerColour:
+        return minOf(b, s);
+    case BlendMode::LighterColour:
+        return maxOf(b, s);
     default:
         return s;
     }
 }
 
-/// The operands of one row. A picture that isn't connected counts as 0 everywhere, a mask as 1.
-struct BlendRow
+/// The weights of Compositing and Blending Level 1.
+HWY_INLINE F lumOf(Rgb c)
 {
-    const RowJob& job;
-    const BlendState& state;
+    return F(0.3f) * c.r + F(0.59f) * c.g + F(0.11f) * c.b;
+}
 
-    HWY_INLINE F source(int c, int i) const { return at(job.operands[c], i); }
-    HWY_INLINE F background(int c, int i) const { return at(job.operands[kMaxChannels + c], i); }
-    HWY_INLINE F weight(int i) const
-    {
-        const float* mask = job.operands[2 * kMaxChannels];
-        return mask ? load(mask + i) * F(state.opacity) : F(state.opacity);
+HWY_INLINE F highOf(Rgb c)
+{
+    return maxOf(maxOf(c.r, c.g), c.b);
+}
+
+HWY_INLINE F lowOf(Rgb c)
+{
+    return minOf(minOf(c.r, c.g), c.b);
+}
+
+/// lum + (c - lum) * factor.
+HWY_INLINE Rgb spreadOf(Rgb c, F lum, F factor)
+{
+    return {lum + (c.r - lum) * factor, lum + (c.g - lum) * factor, lum + (c.b - lum) * factor};
+}
+
+/// Brought to the luminosity lum, and drawn towards its grey where that leaves 0 to 1.
+HWY_INLINE Rgb withLum(Rgb c, F lum)
+{
+    const F shift = lum - lumOf(c);
+    c = {c.r + shift, c.g + shift, c.b + shift};
+    const F low = lowOf(c), under = lum - low;
+    const M below = (low < F(0.0f)) & (under > F(0.0f));
+    c = spreadOf(c, lum, choose(below, maxOf(lum, F(0.0f)) / choose(below, under, F(1.0f)), F(1.0f)));
+    const F high = highOf(c), over = high - lum;
+    const M above = (high > F(1.0f)) & (over > F(0.0f));
+    return spreadOf(c, lum,
+                    choose(above, maxOf(F(1.0f) - lum, F(0.0f)) / choose(above, over, F(1.0f)), F(1.0f)));
+}
+
+/// Brought to the saturation of another colour.
+HWY_INLINE Rgb withSaturationOf(Rgb c, Rgb other)
+{
+    const F low = lowOf(c), span = highOf(c) - low;
+    const M grey = span <= F(0.0f);
+    const F factor = choose(grey, F(0.0f), (highOf(other) - lowOf(other)) / choose(grey, F(1.0f), span));
+    return {(c.r - low) * factor, (c.g - low) * factor, (c.b - low) * factor};
+}
+
+HWY_INLINE Rgb choose(M m, Rgb yes, Rgb no)
+{
+    return {choose(m, yes.r, no.r), choose(m, yes.g, no.g), choose(m, yes.b, no.b)};
+}
+
+template<BlendMode mode> HWY_INLINE Rgb mixed(Rgb b, Rgb s)
+{
+    switch (mode) {
+    case BlendMode::Hue:
+        return withLum(withSaturationOf(s, b), lumOf(b));
+    case BlendMode::Saturation:
+        return withLum(withSaturationOf(b, s), lumOf(b));
+    case BlendMode::Colour:
+        return withLum(s, lumOf(b));
+    case BlendMode::Luminosity:
+        return withLum(b, lumOf(s));
+    case BlendMode::DarkerColour:
+        return choose(lumOf(s) < lumOf(b), s, b);
+    case BlendMode::LighterColour:
+        return choose(lumOf(s) > lumOf(b), s, b);
+    default:
+        return {mixed<mode>(b.r, s.r), mixed<mode>(b.g, s.g), mixed<mode>(b.b, s.b)};
     }
-    HWY_INLINE void put(F value, int c, int i) const
+}
+
+/// The row of a picture; one that isn't connected counts as 0 everywhere.
+struct BlendOperand
+{
+    BlendOperand(const RowJob& job, int operand)
+        : r(job.operands[operand * kMaxChannels]), g(job.operands[operand * kMaxChannels + 1]),
+          b(job.operands[operand * kMaxChannels + 2]), a(job.operands[operand * kMaxChannels + 3])
     {
-        store(state.clamped ? clampOf(value, F(0.0f), F(1.0f)) : value, job.result[c] + i);
     }
+
     static HWY_INLINE F at(const float* row, int i) { return row ? load(row + i) : F(0.0f); }
+    HWY_INLINE Rgb colour(int i) const { return {at(r, i), at(g, i), at(b, i)}; }
+    HWY_INLINE F alpha(int i) const { return at(a, i); }
+
+    const float *r, *g, *b, *a;
 };
 
-template<BlendMode mode> void blendChannel(const BlendRow& row, int c, bool sourceAlpha)
+/// How much of the source shows: the opacity, times the mask if there is one.
+struct BlendWeight
 {
-    for (int i = 0; i < row.job.count; i += kLanes) {
-        const F b = row.background(c, i);
-        F weight = row.weight(i);
-        if (sourceAlpha)
-            weight *= row.source(3, i);
-        row.put(lerpOf(b, mixed<mode>(b, row.source(c, i)), weight), c, i);
+    explicit BlendWeight(const RowJob& job)
+        : mask(job.operands[2 * kMaxChannels]), opacity(static_cast<const BlendState&>(*job.state).opacity)
+    {
+    }
+
+    HWY_INLINE F at(int i) const { return mask ? load(mask + i) * opacity : opacity; }
+
+    const float* mask;
+    F opacity;
+};
+
+/// Holds values to a range: 0 to 1, or all there are.
+struct BlendRange
+{
+    explicit BlendRange(const RowJob& job)
+        : low(static_cast<const BlendState&>(*job.state).clamped ? 0.0f : -3e38f),
+          high(static_cast<const BlendState&>(*job.state).clamped ? 1.0f : 3e38f)
+    {
+    }
+
+    HWY_INLINE void put(F value, float* to) const { store(clampOf(value, low, high), to); }
+
+    F low, high;
+};
+
+template<BlendMode mode> void blendChannel(const RowJob& job, int c)
+{
+    const float *source = job.operands[c], *background = job.operands[kMaxChannels + c];
+    float* result = job.result[c];
+    const BlendWeight weight(job);
+    const BlendRange range(job);
+    const int count = job.count;
+    for (int i = 0; i < count; i += kLanes) {
+        const F b = BlendOperand::at(background, i), s = BlendOperand::at(source, i);
+        range.put(lerpOf(b, mixed<mode>(b, s), weight.at(i)), result + i);
+    }
+}
+
+/// Red, green and blue, weighed by the source's alpha too if told.
+template<BlendMode mode> void blendColours(const RowJob& job, bool byAlpha)
+{
+    const BlendOperand source(job, 0), background(job, 1);
+    float *toR = job.result[0], *toG = job.result[1], *toB = job.result[2];
+    const BlendWeight weight(job);
+    const BlendRange range(job);
+    const int count = job.count;
+    for (int i = 0; i < count; i += kLanes) {
+        const Rgb b = background.colour(i), m = mixed<mode>(b, source.colour(i));
+        const F w = byAlpha ? weight.at(i) * source.alpha(i) : weight.at(i);
+        range.put(lerpOf(b.r, m.r, w), toR + i);
+        range.put(lerpOf(b.g, m.g, w), toG + i);
+        range.put(lerpOf(b.b, m.b, w), toB + i);
     }
 }
 
 /// Source over background with straight alpha.
-template<BlendMode mode> void blendOver(const BlendRow& row)
+template<BlendMode mode> void blendOver(const RowJob& job)
 {
-    for (int i = 0; i < row.job.count; i += kLanes) {
-        const F sa = row.source(3, i) * row.weight(i), ba = row.background(3, i);
+    const BlendOperand source(job, 0), background(job, 1);
+    float *toR = job.result[0], *toG = job.result[1], *toB = job.result[2], *toA = job.result[3];
+    const BlendWeight weight(job);
+    const BlendRange range(job);
+    const int count = job.count;
+    for (int i = 0; i < count; i += kLanes) {
+        const F sa = source.alpha(i) * weight.at(i), ba = background.alpha(i);
         const F both = sa * ba, only = sa - both, under = ba - both;
         const F alpha = sa + under;
-        const F inverse = F(1.0f) / choose(alpha == F(0.0f), F(1.0f), alpha);
-        for (int c = 0; c < 3; ++c) {
-            const F b = row.background(c, i), s = row.source(c, i);
-            const F sum = both * mixed<mode>(b, s) + (only * s + under * b);
-            row.put(choose(alpha == F(0.0f), b, sum * inverse), c, i);
-        }
-        row.put(alpha, 3, i);
+        const M none = alpha == F(0.0f);
+        const F inverse = F(1.0f) / choose(none, F(1.0f), alpha);
+        const Rgb b = background.colour(i), s = source.colour(i), m = mixed<mode>(b, s);
+        range.put(choose(none, b.r, (both * m.r + (only * s.r + under * b.r)) * inverse), toR + i);
+        range.put(choose(none, b.g, (both * m.g + (only * s.g + under * b.g)) * inverse), toG + i);
+        range.put(choose(none, b.b, (both * m.b + (only * s.b + under * b.b)) * inverse), toB + i);
+        range.put(alpha, toA + i);
     }
 }
 
-template<BlendMode mode> void blendMode(const BlendRow& row)
+template<BlendMode mode> void blendMode(const RowJob& job)
 {
-    if (row.job.channels == 1)
-        return blendChannel<mode>(row, 0, false);
-    if (row.state.alpha == AlphaRule::Over)
-        return blendOver<mode>(row);
-    for (int c = 0; c < 3; ++c)
-        blendChannel<mode>(row, c, row.state.alpha == AlphaRule::Keep);
-    if (row.state.alpha == AlphaRule::Channel)
-        return blendChannel<mode>(row, 3, false);
-    for (int i = 0; i < row.job.count; i += kLanes)
-        row.put(row.background(3, i), 3, i);
+    const AlphaRule rule = static_cast<const BlendState&>(*job.state).alpha;
+    if (job.channels == 1)
+        return blendChannel<mode>(job, 0);
+    if (rule == AlphaRule::Over)
+        return blendOver<mode>(job);
+    blendColours<mode>(job, rule == AlphaRule::Keep);
+    if (rule == AlphaRule::Channel)
+        return blendChannel<mode>(job, 3);
+    const BlendOperand background(job, 1);
+    const BlendRange range(job);
+    for (int i = 0; i < job.count; i += kLanes)
+        range.put(background.alpha(i), job.result[3] + i);
 }
 
-template<int mode> void dispatchMode(const BlendRow& row)
+template<int mode> void dispatchMode(const RowJob& job)
 {
     if constexpr (mode < static_cast<int>(BlendMode::Count)) {
-        if (static_cast<int>(row.state.mode) == mode)
-            blendMode<static_cast<BlendMode>(mode)>(row);
+        if (static_cast<int>(static_cast<const BlendState&>(*job.state).mode) == mode)
+            blendMode<static_cast<BlendMode>(mode)>(job);
         else
-            dispatchMode<mode + 1>(row);
+            dispatchMode<mode + 1>(job);
     }
 }
 
 void blendRow(const RowJob& job)
 {
-    dispatchMode<0>({job, static_cast<const BlendState&>(*job.state)});
+    dispatchMode<0>(job);
 }
 
 } // namespace
@@ -260,7 +399,9 @@ const NodeDeclaration blendNode{
     "the usual "
     "ones beyond it, with b for the background and s for the source: add b + s, subtract b - s, divide b / s "
     "up to 1, "
-    "linearlight b + 2 s - 1, linearburn b + s - 1, average (b + s) / 2, negation 1 - |1 - b - s|.",
+    "linearlight b + 2 s - 1, linearburn b + s - 1, average (b + s) / 2, negation 1 - |1 - b - s|, hardmix 1 "
+    "where b + s reaches 1 and 0 elsewhere, darkercolour and "
+    "lightercolour the one of lower or higher luminosity.",
     ResultChannels::FromOperands,
     Chance::None,
     {{"source", OperandChannels::Result, false,
@@ -272,11 +413,13 @@ const NodeDeclaration blendNode{
       ParameterType::Choice,
       {0},
       0,
-      20,
+      27,
       "How the two are mixed.",
-      {"normal",     "add",       "subtract",    "multiply",   "divide",     "screen",  "overlay",
-       "softlight",  "hardlight", "linearlight", "vividlight", "pinlight",   "darken",  "lighten",
-       "difference", "exclusion", "colourdodge", "colourburn", "linearburn", "average", "negation"}},
+      {"normal",     "add",        "subtract",     "multiply",     "divide",      "screen",
+       "overlay",    "softlight",  "hardlight",    "linearlight",  "vividlight",  "pinlight",
+       "darken",     "lighten",    "difference",   "exclusion",    "colourdodge", "colourburn",
+       "linearburn", "average",    "negation",     "hardmix",      "hue",         "saturation",
+       "colour",     "luminosity", "darkercolour", "lightercolour"}},
      {"opacity", ParameterType::Float, {1.0}, 0, 1, "How much of the source shows."},
      {"alpha",
       ParameterType::Choice,

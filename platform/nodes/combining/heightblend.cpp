@@ -1,6 +1,9 @@
+#include "platform/nodes/dispatch.h"
 #include "platform/nodes/kinds.h"
 #include "platform/nodes/parameters.h"
 
+#ifndef VELLOR_HEIGHTBLEND_STATE
+#define VELLOR_HEIGHTBLEND_STATE
 namespace vellor::nodes {
 namespace {
 
@@ -10,7 +13,55 @@ struct HeightblendState : State
     bool mask = false;
 };
 
-std::unique_ptr<State> prepareHeightblend(const Setup& setup)
+} // namespace
+} // namespace vellor::nodes
+#endif
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "platform/nodes/combining/heightblend.cpp"
+#include <hwy/foreach_target.h>
+
+#include "platform/nodes/pointrow-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace vellor::nodes::HWY_NAMESPACE {
+namespace {
+
+template<bool givesMask> void blendHeights(const RowJob& job, const HeightblendState& state)
+{
+    const float *top = job.operands[0], *bottom = job.operands[kMaxChannels],
+                *mask = job.operands[2 * kMaxChannels];
+    float* result = job.result[0];
+    const F offset(state.offset), factor(state.factor);
+    const int count = job.count;
+    for (int i = 0; i < count; i += kLanes) {
+        const F low = load(bottom + i);
+        const F raised = load(top + i) + offset + (mask ? load(mask + i) * F(2.0f) - F(2.0f) : F(0.0f));
+        const F t = clampOf((raised - low) * factor + F(0.5f), F(0.0f), F(1.0f));
+        const F weight = t * t * (F(3.0f) - F(2.0f) * t);
+        store(givesMask ? weight : low + (raised - low) * weight, result + i);
+    }
+}
+
+void heightblendRow(const RowJob& job)
+{
+    const auto& state = static_cast<const HeightblendState&>(*job.state);
+    if (state.mask)
+        blendHeights<true>(job, state);
+    else
+        blendHeights<false>(job, state);
+}
+
+} // namespace
+} // namespace vellor::nodes::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace vellor::nodes {
+
+NODES_ROW_KERNEL(heightblendRow)
+
+static std::unique_ptr<State> prepareHeightblend(const Setup& setup)
 {
     auto state = std::make_unique<HeightblendState>();
     state->offset = setup.parameters[0].f[0];
@@ -18,21 +69,6 @@ std::unique_ptr<State> prepareHeightblend(const Setup& setup)
     state->mask = setup.parameters[2].i[0] == 1;
     return state;
 }
-
-void heightblendRow(const RowJob& job)
-{
-    const auto& state = static_cast<const HeightblendState&>(*job.state);
-    const float *top = job.operands[0], *bottom = job.operands[kMaxChannels],
-                *mask = job.operands[2 * kMaxChannels];
-    for (int i = 0; i < job.count; ++i) {
-        const float raised = top[i] + state.offset + (mask ? mask[i] * 2.0f - 2.0f : 0.0f);
-        const float t = held((raised - bottom[i]) * state.factor + 0.5f, 0.0f, 1.0f);
-        const float weight = t * t * (3.0f - 2.0f * t);
-        job.result[0][i] = state.mask ? weight : bottom[i] + (raised - bottom[i]) * weight;
-    }
-}
-
-} // namespace
 
 const NodeDeclaration heightblendNode{
     "heightblend",
@@ -59,6 +95,7 @@ const NodeDeclaration heightblendNode{
       "The blended height, or the mask that is white where the top shows.",
       {"height", "mask"}}},
     prepareHeightblend,
-    heightblendRow};
+    runheightblendRow};
 
 } // namespace vellor::nodes
+#endif

@@ -1,5 +1,6 @@
 #include "platform/nodes/curve.h"
 #include "platform/nodes/gradient.h"
+#include "platform/nodes/powertable.h"
 #include "platform/nodes/scalar.h"
 
 #include <gtest/gtest.h>
@@ -68,6 +69,33 @@ TEST(Math, PowersStayWithinTwoUlpAndTheExponent)
         }
         EXPECT_LE(worst, 2.0 + std::fabs(y)) << y;
     }
+}
+
+TEST(Math, TabledPowersStayWithinFourUlp)
+{
+    for (const float y : {0.05f, 1 / 2.4f, 1 / 2.2f, 0.9f, 1.8f, 2.2f, 2.4f, 3.2f}) {
+        const PowerTable table(y);
+        ASSERT_TRUE(table.exact);
+        double worst = 0.0;
+        for (int i = 0; i <= 400000; ++i) {
+            const auto x = static_cast<float>(std::exp2(-30.0 + 36.0 * i / 400000.0));
+            const double exact = std::pow(double(x), double(y));
+            if (exact < std::ldexp(1.0, -126))
+                continue;
+            // As the kernels put it together.
+            const std::uint32_t bits = scalar::bitsOf(x);
+            const float t = scalar::floatOfBits((bits & 0x7fffffu) | 0x3f800000u) - 1.0f;
+            float p = 0.0f;
+            for (int k = PowerTable::kDegree; k >= 0; --k)
+                p = p * t + table.coefficients[k];
+            worst = std::max(worst, std::fabs(p * table.scales[bits >> 23] - exact) /
+                                        std::ldexp(1.0, std::ilogb(exact) - 23));
+        }
+        EXPECT_LE(worst, 4.0) << y;
+    }
+    EXPECT_EQ(PowerTable(2.2f).scales[127], 1.0f);
+    EXPECT_LT(PowerTable(3.2f).scales[255], std::numeric_limits<float>::infinity());
+    EXPECT_FALSE(PowerTable(10.0f).exact);
 }
 
 TEST(Math, SpecialValues)

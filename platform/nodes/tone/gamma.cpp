@@ -1,6 +1,7 @@
 #include "platform/nodes/dispatch.h"
 #include "platform/nodes/kinds.h"
 #include "platform/nodes/parameters.h"
+#include "platform/nodes/powertable.h"
 
 #ifndef VELLOR_GAMMA_STATE
 #define VELLOR_GAMMA_STATE
@@ -9,7 +10,7 @@ namespace {
 
 struct GammaState : State
 {
-    float exponent = 1.0f;
+    PowerTable power;
 };
 
 } // namespace
@@ -28,8 +29,7 @@ namespace {
 
 void gammaRow(const RowJob& job)
 {
-    const F exponent(static_cast<const GammaState&>(*job.state).exponent);
-    mapTones(job, [=](F x) { return powOfPositive(x, exponent); });
+    withPower(static_cast<const GammaState&>(*job.state).power, [&](auto power) { mapTones(job, power); });
 }
 
 } // namespace
@@ -44,7 +44,7 @@ NODES_ROW_KERNEL(gammaRow)
 static std::unique_ptr<State> prepareGamma(const Setup& setup)
 {
     auto state = std::make_unique<GammaState>();
-    state->exponent = 1.0f / held(setup.parameters[0].f[0], 1e-3f, 1e3f);
+    state->power = PowerTable(1.0f / held(setup.parameters[0].f[0], 1e-3f, 1e3f));
     return state;
 }
 

@@ -1,5 +1,6 @@
 #include "platform/nodes/dispatch.h"
 #include "platform/nodes/kinds.h"
+#include "platform/nodes/powertable.h"
 
 #ifndef VELLOR_LEVELS_STATE
 #define VELLOR_LEVELS_STATE
@@ -8,7 +9,8 @@ namespace {
 
 struct LevelsState : State
 {
-    std::array<float, kMaxChannels> inLow{}, factor{}, exponent{}, outLow{}, outSpan{};
+    std::array<float, kMaxChannels> inLow{}, factor{}, outLow{}, outSpan{};
+    std::array<PowerTable, kMaxChannels> power;
 };
 
 } // namespace
@@ -29,13 +31,15 @@ void levelsRow(const RowJob& job)
 {
     const auto& state = static_cast<const LevelsState&>(*job.state);
     for (int c = 0; c < job.channels; ++c) {
-        const F inLow(state.inLow[c]), factor(state.factor[c]), exponent(state.exponent[c]);
+        const F inLow(state.inLow[c]), factor(state.factor[c]);
         const F outLow(state.outLow[c]), outSpan(state.outSpan[c]);
         const auto position = [=](F x) { return clampOf((x - inLow) * factor, F(0.0f), F(1.0f)); };
-        if (state.exponent[c] == 1.0f)
+        if (state.power[c].exponent == 1.0f)
             mapChannel(job, c, [=](F x) { return outLow + outSpan * position(x); });
         else
-            mapChannel(job, c, [=](F x) { return outLow + outSpan * powOfPositive(position(x), exponent); });
+            withPower(state.power[c], [&](auto power) {
+                mapChannel(job, c, [=](F x) { return outLow + outSpan * power(position(x)); });
+            });
     }
 }
 
@@ -57,7 +61,7 @@ static std::unique_ptr<State> prepareLevels(const Setup& setup)
         state->inLow[c] = p[0].f[c];
         // Equal bounds make a step: a factor that leaves nothing between 0 and 1.
         state->factor[c] = span == 0.0f ? 1e30f : 1.0f / span;
-        state->exponent[c] = 1.0f / std::min(std::max(p[2].f[c], 1e-3f), 1e3f);
+        state->power[c] = PowerTable(1.0f / std::min(std::max(p[2].f[c], 1e-3f), 1e3f));
         state->outLow[c] = p[3].f[c];
         state->outSpan[c] = p[4].f[c] - p[3].f[c];
     }

@@ -1,11 +1,26 @@
 #include "platform/nodes/dispatch.h"
 #include "platform/nodes/kinds.h"
+#include "platform/nodes/powertable.h"
+
+#ifndef VELLOR_LINEARTOSRGB_STATE
+#define VELLOR_LINEARTOSRGB_STATE
+namespace vellor::nodes {
+namespace {
+
+struct LineartosrgbState : State
+{
+    PowerTable power{1.0f / 2.4f};
+};
+
+} // namespace
+} // namespace vellor::nodes
+#endif
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "platform/nodes/tone/lineartosrgb.cpp"
 #include <hwy/foreach_target.h>
 
-#include "platform/nodes/colour-inl.h"
+#include "platform/nodes/pointrow-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace vellor::nodes::HWY_NAMESPACE {
@@ -13,7 +28,10 @@ namespace {
 
 void lineartosrgbRow(const RowJob& job)
 {
-    mapTones(job, [](F x) { return srgbOfLinear(x); });
+    const PowerTable& power = static_cast<const LineartosrgbState&>(*job.state).power;
+    mapTones(job, [&power](F x) {
+        return choose(x <= F(0.0031308f), x * F(12.92f), F(1.055f) * raised(power, x) - F(0.055f));
+    });
 }
 
 } // namespace
@@ -25,6 +43,11 @@ namespace vellor::nodes {
 
 NODES_ROW_KERNEL(lineartosrgbRow)
 
+static std::unique_ptr<State> prepareLineartosrgb(const Setup&)
+{
+    return std::make_unique<LineartosrgbState>();
+}
+
 const NodeDeclaration lineartosrgbNode{
     "lineartosrgb",
     "Linear to sRGB",
@@ -34,7 +57,7 @@ const NodeDeclaration lineartosrgbNode{
     Chance::None,
     {{"input", OperandChannels::Result, true, "The picture to change."}},
     {},
-    nullptr,
+    prepareLineartosrgb,
     runlineartosrgbRow};
 
 } // namespace vellor::nodes

@@ -1,11 +1,26 @@
 #include "platform/nodes/dispatch.h"
 #include "platform/nodes/kinds.h"
+#include "platform/nodes/powertable.h"
+
+#ifndef VELLOR_SRGBTOLINEAR_STATE
+#define VELLOR_SRGBTOLINEAR_STATE
+namespace vellor::nodes {
+namespace {
+
+struct SrgbtolinearState : State
+{
+    PowerTable power{2.4f};
+};
+
+} // namespace
+} // namespace vellor::nodes
+#endif
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "platform/nodes/tone/srgbtolinear.cpp"
 #include <hwy/foreach_target.h>
 
-#include "platform/nodes/colour-inl.h"
+#include "platform/nodes/pointrow-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace vellor::nodes::HWY_NAMESPACE {
@@ -13,7 +28,11 @@ namespace {
 
 void srgbtolinearRow(const RowJob& job)
 {
-    mapTones(job, [](F x) { return linearOfSrgb(x); });
+    const PowerTable& power = static_cast<const SrgbtolinearState&>(*job.state).power;
+    mapTones(job, [&power](F x) {
+        return choose(x <= F(0.04045f), x * F(1.0f / 12.92f),
+                      raised(power, (x + F(0.055f)) * F(1.0f / 1.055f)));
+    });
 }
 
 } // namespace
@@ -25,6 +44,11 @@ namespace vellor::nodes {
 
 NODES_ROW_KERNEL(srgbtolinearRow)
 
+static std::unique_ptr<State> prepareSrgbtolinear(const Setup&)
+{
+    return std::make_unique<SrgbtolinearState>();
+}
+
 const NodeDeclaration srgbtolinearNode{
     "srgbtolinear",
     "sRGB to Linear",
@@ -34,7 +58,7 @@ const NodeDeclaration srgbtolinearNode{
     Chance::None,
     {{"input", OperandChannels::Result, true, "The picture to change."}},
     {},
-    nullptr,
+    prepareSrgbtolinear,
     runsrgbtolinearRow};
 
 } // namespace vellor::nodes
