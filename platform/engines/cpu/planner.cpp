@@ -1,6 +1,7 @@
 #include "platform/engines/cpu/planner.h"
 
 #include "platform/engines/cpu/resample.h"
+#include "platform/nodes/form.h"
 
 #include <algorithm>
 #include <cstring>
@@ -212,6 +213,7 @@ void Planner::addNode(int node)
         if (source.operands[i] != program::kNone)
             planned.operands[i] = resampled(planned_[source.operands[i]], planned.width, planned.height);
     addParameters(node, planned);
+    planned.kind = &nodes::formFor(*planned.kind, planned.parameters.data());
     planned.key = keyOf(node, planned);
     planned_[node] = static_cast<int>(plan_.nodes.size());
     plan_.nodes.push_back(std::move(planned));

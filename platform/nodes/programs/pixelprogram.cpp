@@ -1,10 +1,12 @@
 #include "platform/nodes/dispatch.h"
+#include "platform/nodes/form.h"
 #include "platform/nodes/kinds.h"
 #include "platform/nodes/rows.h"
 #include "platform/nodes/valueoperations.h"
 #include "platform/program/types.h"
 
 #include <algorithm>
+#include <array>
 
 #ifndef VELLOR_PIXELPROGRAM_STATE
 #define VELLOR_PIXELPROGRAM_STATE
@@ -17,7 +19,12 @@ struct PixelProgramState : State
 {
     program::ValueProgram program;
     std::vector<std::uint32_t> inputs; // what Input operations read, by instruction
+    std::vector<bool> own;             // by instruction: samples at the pixel's own position
+    std::vector<bool> once;            // by instruction: gives the same for all pixels
 };
+
+/// Rows of all channels of all operands, from a chunk's first pixel on; null for those that there aren't.
+using OperandRows = std::array<const float*, 4 * kMaxChannels>;
 
 } // namespace
 } // namespace vellor::nodes
@@ -40,31 +47,52 @@ using program::Op;
 class Machine
 {
 public:
-    Machine(const PixelProgramState& state, const AreaJob& job)
-        : m_state(state), m_job(job),
-          m_words((std::size_t(state.program.registerCount) + 1) * kProgramChunk + 16)
+    /// For pictures of a size. Operands are there for programs that sample at other positions than their own.
+    Machine(const PixelProgramState& state, int width, int height, const ImageView* operands)
+        : m_state(state), m_operands(operands), m_width(width), m_height(height),
+          m_size((std::size_t(state.program.registerCount) + 1) * kProgramChunk),
+          m_memory(new std::uint32_t[m_size + 16]), m_lines(m_memory.get())
     {
-        while (reinterpret_cast<std::uintptr_t>(m_words.data() + m_first) % 64 != 0)
-            ++m_first;
+        while (reinterpret_cast<std::uintptr_t>(m_lines) % 64 != 0)
+            ++m_lines;
+        std::fill_n(m_lines + m_size - kProgramChunk, kProgramChunk, 0u);
+        m_count = kProgramChunk;
+        runWhere(true);
     }
 
-    void run(int x, int y, int count)
+    void run(int x, int y, int count, const OperandRows& rows)
     {
+        m_rows = &rows;
         m_x = x;
         m_y = y;
         m_count = count;
-        for (std::size_t i = 0; i < m_state.program.instructions.size(); ++i)
-            step(m_state.program.instructions[i], i);
+        runWhere(false);
     }
 
+    /// Channel c of the result of the last run.
+    F result(int c, int i)
+    {
+        // One number for colour is a grey; what else is missing is 1.
+        const int given = program::componentCount(m_state.program.type);
+        const int from = c < given ? c : given == 1 && c < 3 ? 0 : -1;
+        return from < 0 ? F(1.0f) : readFloat(m_state.program.result + from, i);
+    }
+
+private:
     /// The line of a register; one line beyond the last stands for fields that an operation doesn't use.
     std::uint32_t* words(int index)
     {
         const int line = std::min<int>(index, m_state.program.registerCount);
-        return m_words.data() + m_first + std::size_t(line) * kProgramChunk;
+        return m_lines + std::size_t(line) * kProgramChunk;
     }
 
-private:
+    void runWhere(bool once)
+    {
+        for (std::size_t i = 0; i < m_state.program.instructions.size(); ++i)
+            if (m_state.once[i] == once)
+                step(m_state.program.instructions[i], i);
+    }
+
     F readFloat(int index, int i) { return floatOfBits(loadAt(words(index) + i)); }
     void put(F value, int index, int i) { storeAt(bitsOf(value), words(index) + i); }
 
@@ -97,17 +125,17 @@ private:
         case Op::IToF:
             return fill(in, [&](int i) { return bitsOf(toFloat(loadAt(words(in.a) + i))); });
         case Op::PixelX:
-            return fill(in, [&](int i) { return bitsOf(centresFrom(m_x + i, m_job.result.width)); });
+            return fill(in, [&](int i) { return bitsOf(centresFrom(m_x + i, m_width)); });
         case Op::PixelY:
-            return fill(in, [&](int) { return bitsOf(F(centreOf(m_y, m_job.result.height))); });
+            return fill(in, [&](int) { return bitsOf(F(centreOf(m_y, m_height))); });
         case Op::ImageWidth:
-            return fill(in, [&](int) { return U(static_cast<std::uint32_t>(m_job.result.width)); });
+            return fill(in, [&](int) { return U(static_cast<std::uint32_t>(m_width)); });
         case Op::ImageHeight:
-            return fill(in, [&](int) { return U(static_cast<std::uint32_t>(m_job.result.height)); });
+            return fill(in, [&](int) { return U(static_cast<std::uint32_t>(m_height)); });
         case Op::SampleGrey:
-            return sample(in, 1);
+            return sample(in, 1, m_state.own[index]);
         case Op::SampleColour:
-            return sample(in, kMaxChannels);
+            return sample(in, kMaxChannels, m_state.own[index]);
         case Op::FLess:
             return compare(in, [](F a, F b) { return a < b; });
         case Op::FLessEqual:
@@ -205,52 +233,80 @@ private:
 
     /// An operand that isn't connected is 0 everywhere. Grey spreads over colours, colour adds up to its
     /// luminance.
-    void sample(const Instruction& in, int channels)
+    void sample(const Instruction& in, int channels, bool own)
     {
-        const ImageView& image = m_job.operands[in.a];
+        const float* const* rows = m_rows->data() + in.a * kMaxChannels;
+        const int given = !rows[0] ? 0 : rows[1] ? kMaxChannels : 1;
         for (int i = 0; i < m_count; i += kLanes) {
             F values[kMaxChannels] = {F(0.0f), F(0.0f), F(0.0f), F(0.0f)};
-            if (image.channels > 0) {
-                const BilinearTaps taps(image, readFloat(in.b, i), readFloat(in.c, i));
-                for (int c = 0; c < image.channels; ++c)
-                    values[c] = taps.read(image.planes[c]);
-                if (channels == 1 && image.channels > 1)
-                    values[0] = values[0] * F(0.2126f) + values[1] * F(0.7152f) + values[2] * F(0.0722f);
-                if (channels > 1 && image.channels == 1) {
-                    values[1] = values[2] = values[0];
-                    values[3] = F(1.0f);
-                }
+            if (own)
+                for (int c = 0; c < given; ++c)
+                    values[c] = load(rows[c] + i);
+            else if (given > 0)
+                sampleFreely(in, i, values);
+            if (channels == 1 && given > 1)
+                values[0] = values[0] * F(0.2126f) + values[1] * F(0.7152f) + values[2] * F(0.0722f);
+            if (channels > 1 && given == 1) {
+                values[1] = values[2] = values[0];
+                values[3] = F(1.0f);
             }
             for (int c = 0; c < channels; ++c)
                 put(values[c], in.dst + c, i);
         }
     }
 
+    void sampleFreely(const Instruction& in, int i, F* values)
+    {
+        const ImageView& image = m_operands[in.a];
+        const BilinearTaps taps(image, readFloat(in.b, i), readFloat(in.c, i));
+        for (int c = 0; c < image.channels; ++c)
+            values[c] = taps.read(image.planes[c]);
+    }
+
     const PixelProgramState& m_state;
-    const AreaJob& m_job;
-    std::vector<std::uint32_t> m_words;
-    std::size_t m_first = 0;
+    const ImageView* m_operands;
+    const OperandRows* m_rows = nullptr;
+    int m_width, m_height;
+    std::size_t m_size;
+    std::unique_ptr<std::uint32_t[]> m_memory;
+    std::uint32_t* m_lines;
     int m_x = 0, m_y = 0, m_count = 0;
 };
 
 void pixelProgramArea(const AreaJob& job)
 {
     const auto& state = static_cast<const PixelProgramState&>(*job.state);
-    Machine machine(state, job);
-    const int given = program::componentCount(state.program.type);
+    Machine machine(state, job.result.width, job.result.height, job.operands);
+    OperandRows rows{};
     for (int y = job.y0; y < job.y1; ++y) {
         for (int x = 0; x < job.result.width; x += kProgramChunk) {
             const int count = std::min(kProgramChunk, job.result.width - x);
-            machine.run(x, y, count);
-            for (int c = 0; c < job.result.channels; ++c) {
-                float* to = rowOf(job.result, c, y) + x;
-                // One number for colour is a grey; what else is missing is 1.
-                const int from = c < given ? c : given == 1 && c < 3 ? 0 : -1;
-                const std::uint32_t* words = machine.words(state.program.result + std::max(from, 0));
-                for (int i = 0; i < count; i += kLanes)
-                    store(from < 0 ? F(1.0f) : floatOfBits(loadAt(words + i)), to + i);
+            for (int i = 0; i < static_cast<int>(rows.size()); ++i) {
+                const ImageView& image = job.operands[i / kMaxChannels];
+                const int c = i % kMaxChannels;
+                rows[i] = c < image.channels ? rowOf(image, c, y) + x : nullptr;
             }
+            machine.run(x, y, count, rows);
+            for (int c = 0; c < job.result.channels; ++c)
+                for (int i = 0; i < count; i += kLanes)
+                    store(machine.result(c, i), rowOf(job.result, c, y) + x + i);
         }
+    }
+}
+
+void pixelProgramRow(const RowJob& job)
+{
+    const auto& state = static_cast<const PixelProgramState&>(*job.state);
+    Machine machine(state, job.width, job.height, nullptr);
+    OperandRows rows{};
+    for (int x = 0; x < job.count; x += kProgramChunk) {
+        const int count = std::min(kProgramChunk, job.count - x);
+        for (std::size_t i = 0; i < rows.size(); ++i)
+            rows[i] = job.operands[i] ? job.operands[i] + x : nullptr;
+        machine.run(job.x + x, job.y, count, rows);
+        for (int c = 0; c < job.channels; ++c)
+            for (int i = 0; i < count; i += kLanes)
+                store(machine.result(c, i), job.result[c] + x + i);
     }
 }
 
@@ -262,6 +318,53 @@ HWY_AFTER_NAMESPACE();
 namespace vellor::nodes {
 
 NODES_AREA_KERNEL(pixelProgramArea)
+NODES_ROW_KERNEL(pixelProgramRow)
+
+static bool isSample(const program::Instruction& in)
+{
+    return in.op == program::Op::SampleGrey || in.op == program::Op::SampleColour;
+}
+
+/// Which instructions sample at the pixel's own position, whose interpolation is the pixel itself.
+static std::vector<bool> ownSamples(const program::ValueProgram& program)
+{
+    using program::Op;
+    std::vector<Op> writer(std::size_t(program.registerCount) + kMaxChannels, Op::Constant); // by register
+    std::vector<bool> own;
+    for (const program::Instruction& in : program.instructions) {
+        own.push_back(isSample(in) && writer[in.b] == Op::PixelX && writer[in.c] == Op::PixelY);
+        const Op origin = in.op == Op::Copy ? writer[in.a] : in.op;
+        std::fill_n(writer.begin() + in.dst, in.op == Op::SampleColour ? kMaxChannels : 1, origin);
+    }
+    return own;
+}
+
+/// Which instructions give the same for all pixels, in registers that nothing else writes.
+static std::vector<bool> onceAndForAll(const program::ValueProgram& program)
+{
+    using program::Op;
+    std::vector<int> writes(std::size_t(program.registerCount) + kMaxChannels, 0); // by register
+    for (const program::Instruction& in : program.instructions)
+        for (int c = 0; c < (in.op == Op::SampleColour ? kMaxChannels : 1); ++c)
+            ++writes[in.dst + c];
+    std::vector<bool> once;
+    for (const program::Instruction& in : program.instructions)
+        once.push_back(writes[in.dst] == 1 && (in.op == Op::Constant || in.op == Op::Input ||
+                                               in.op == Op::ImageWidth || in.op == Op::ImageHeight));
+    return once;
+}
+
+/// Whether no picture is read at another place than the pixel's own.
+static bool readsOwnPixel(const program::ValueProgram* program)
+{
+    if (!program)
+        return true;
+    const std::vector<bool> own = ownSamples(*program);
+    for (std::size_t i = 0; i < own.size(); ++i)
+        if (isSample(program->instructions[i]) && !own[i])
+            return false;
+    return true;
+}
 
 /// Without a program, the result is 0.
 static program::ValueProgram emptyProgram()
@@ -280,6 +383,8 @@ static std::unique_ptr<State> preparePixelProgram(const Setup& setup)
     for (const program::Instruction& in : state->program.instructions)
         state->inputs.push_back(in.op == program::Op::Input ? setup.inputWords[4 * std::size_t(in.a) + in.b]
                                                             : 0u);
+    state->own = ownSamples(state->program);
+    state->once = onceAndForAll(state->program);
     return state;
 }
 
@@ -304,6 +409,17 @@ const NodeDeclaration pixelprogramNode{
     preparePixelProgram,
     nullptr,
     runpixelProgramArea};
+
+const NodeDeclaration& formFor(const NodeDeclaration& kind, const ParameterValue* parameters)
+{
+    static const NodeDeclaration point = [] {
+        NodeDeclaration form = pixelprogramNode;
+        form.row = runpixelProgramRow;
+        form.area = nullptr;
+        return form;
+    }();
+    return &kind == &pixelprogramNode && readsOwnPixel(parameters[0].program) ? point : kind;
+}
 
 } // namespace vellor::nodes
 #endif

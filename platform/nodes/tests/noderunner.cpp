@@ -1,5 +1,6 @@
 #include "platform/nodes/tests/noderunner.h"
 
+#include "platform/nodes/form.h"
 #include "platform/nodes/rows.h"
 
 #include <cmath>
@@ -214,14 +215,15 @@ Picture Evaluation::operator()()
     setup.inputWords = m_inputs.data();
     setup.image = m_image.view();
     const std::unique_ptr<State> state = m_node.prepare ? m_node.prepare(setup) : nullptr;
-    if (m_node.area)
+    const NodeDeclaration& form = formFor(m_node, m_parameters.data());
+    if (form.area)
         return runPasses(state.get(), setup);
     Picture result(m_width, m_height, m_channels);
-    runRows(state.get(), result);
+    runRows(form, state.get(), result);
     return result;
 }
 
-void Evaluation::runRows(const State* state, Picture& result)
+void Evaluation::runRows(const NodeDeclaration& form, const State* state, Picture& result)
 {
     // One line for each channel of each operand and of the result, so that every job starts on an aligned
     // place.
@@ -241,7 +243,7 @@ void Evaluation::runRows(const State* state, Picture& result)
             }
             for (int c = 0; c < kMaxChannels; ++c)
                 job.result[c] = &lines.at(0, static_cast<int>(m_views.size()) * kMaxChannels + c);
-            m_node.row(job);
+            form.row(job);
             for (int c = 0; c < m_channels; ++c)
                 std::copy_n(job.result[c], job.count, &result.at(x, y, c));
         }

@@ -80,7 +80,7 @@ public:
 
 private:
     ParameterValue& value(const char* name);
-    void runRows(const State* state, Picture& result);
+    void runRows(const NodeDeclaration& form, const State* state, Picture& result);
     Picture runPasses(const State* state, const Setup& setup);
 
     const NodeDeclaration& m_node;

@@ -1,4 +1,5 @@
 #include "platform/nodes/valueevaluator.h"
+#include "platform/nodes/form.h"
 #include "platform/nodes/scalar.h"
 #include "platform/nodes/tests/noderunner.h"
 
@@ -163,6 +164,34 @@ TEST(PixelProgram, SamplesOperandsAtPositions)
     for (int y = 0; y < 16; ++y)
         for (int x = 0; x < 16; ++x)
             EXPECT_FLOAT_EQ(result.at(x, y), source.at(x + 4, y));
+}
+
+TEST(PixelProgram, ReadsItsOwnPixelAsAPointKernel)
+{
+    // 0.5 * colour of picture 0 + picture 1, a grey; picture 2 is not connected.
+    ValueProgram program;
+    program.instructions = {
+        {Op::PixelX, 0, 0, 0, 0},     {Op::PixelY, 1, 0, 0, 0},     {Op::SampleColour, 2, 0, 0, 1},
+        {Op::SampleGrey, 6, 1, 0, 1}, {Op::SampleGrey, 7, 2, 0, 1}, {Op::FAdd, 6, 6, 7, 0},
+        {Op::Constant, 8, 0, 0, 0},   {Op::FMul, 9, 2, 8, 0},       {Op::FAdd, 9, 9, 6, 0}};
+    program.constants = {bitsOf(0.5f)};
+    program.registerCount = 10;
+    program.result = 9;
+    program.perPixel = true;
+    const test::Picture colour = test::noise(300, 8, 4), grey = test::noise(300, 8, 1, 2);
+    test::Evaluation run("pixelprogram", 300, 8);
+    run.setProgram("program", program).operand(colour).operand(grey).skip().skip();
+    ParameterValue parameter;
+    parameter.program = &program;
+    const NodeDeclaration& kind = *findNode("pixelprogram");
+    EXPECT_NE(formFor(kind, &parameter).row, nullptr);
+    const test::Picture result = run();
+    for (int x = 0; x < 300; ++x)
+        EXPECT_EQ(result.at(x, 5), 0.5f * colour.at(x, 5) + grey.at(x, 5));
+    // Across the other diagonal, it has to read elsewhere.
+    program.instructions[2].b = 1;
+    program.instructions[2].c = 0;
+    EXPECT_EQ(formFor(kind, &parameter).row, nullptr);
 }
 
 } // namespace vellor::nodes
