@@ -48,7 +48,7 @@ struct LatticeRow
     float f;
 };
 
-constexpr int kFractalChunk = 512; // pixels; no more columns than that, but for the margins
+constexpr int kFractalChunk = 2048; // pixels; no more columns than that, but for the margins
 
 template<int lines> struct LatticeLines
 {

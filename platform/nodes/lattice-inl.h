@@ -24,10 +24,13 @@ inline float fadeOf(float t)
     return t * t * t * (t * (t * 6.0f - 15.0f) + 10.0f);
 }
 
-/// A whole number modulo a count of cells.
+/// A whole number modulo a count of cells; exact up to 2^23.
 HWY_INLINE U wrappedCell(F cell, float count)
 {
-    return toInteger(cell - F(count) * floorOf(cell / F(count)));
+    // The quotient's rounding is one cell off at most.
+    const F rest = cell - F(count) * floorOf(cell * F(1.0f / count));
+    const F above = choose(rest < F(0.0f), rest + F(count), rest);
+    return toInteger(choose(above < F(count), above, above - F(count)));
 }
 
 /// An angle around a lattice point with this hash, in turns. Angles go around in a turn of evolution, half of

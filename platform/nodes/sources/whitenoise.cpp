@@ -27,21 +27,30 @@ HWY_BEFORE_NAMESPACE();
 namespace vellor::nodes::HWY_NAMESPACE {
 namespace {
 
+template<bool normal> void fillRow(U x, U y, U seed, int count, float* result)
+{
+    for (int i = 0; i < count; i += kLanes) {
+        const U hash = hashLattice(x, y, seed);
+        F value = unitOf(hash);
+        if constexpr (normal) {
+            // G. Box and M. Muller: a normal deviate of two even ones; 1 - value is above 0.
+            const F radius = sqrtOf(F(-2.0f) * logOf(F(1.0f) - value));
+            value = F(0.5f) + F(1.0f / 6.0f) * radius * sinCosOfTurns(unitOf(nextHash(hash))).cosine;
+        }
+        store(value, result + i);
+        x = x + U(static_cast<std::uint32_t>(kLanes));
+    }
+}
+
 void whiteNoiseRow(const RowJob& job)
 {
     const auto& state = static_cast<const WhiteNoiseState&>(*job.state);
+    const U x = countFrom(static_cast<std::uint32_t>(job.x)), y(static_cast<std::uint32_t>(job.y));
     for (int c = 0; c < std::min(job.channels, 3); ++c) {
-        for (int i = 0; i < job.count; i += kLanes) {
-            const U hash = hashLattice(countFrom(static_cast<std::uint32_t>(job.x + i)),
-                                       U(static_cast<std::uint32_t>(job.y)), U(state.seeds[c]));
-            F value = unitOf(hash);
-            if (state.normal) {
-                // G. Box and M. Muller: a normal deviate of two even ones; 1 - value is above 0.
-                const F radius = sqrtOf(F(-2.0f) * logOf(F(1.0f) - value));
-                value = F(0.5f) + F(1.0f / 6.0f) * radius * sinCosOfTurns(unitOf(nextHash(hash))).cosine;
-            }
-            store(value, job.result[c] + i);
-        }
+        if (state.normal)
+            fillRow<true>(x, y, U(state.seeds[c]), job.count, job.result[c]);
+        else
+            fillRow<false>(x, y, U(state.seeds[c]), job.count, job.result[c]);
     }
     if (job.channels == 4)
         std::fill_n(job.result[3], job.count, 1.0f);
