@@ -2,6 +2,8 @@
 
 #include "benchmarks/operations/rivals.h"
 
+#include <vellor/engine.h>
+
 #include <opencv2/imgproc.hpp>
 
 #include <algorithm>
@@ -53,6 +55,28 @@ void directGaussian(benchmark::State& state)
         [&] { cv::GaussianBlur(source, result, cv::Size(33, 33), 4, 4, cv::BORDER_REFLECT); });
 }
 
+/// From packed pixels to packed pixels. The rival works on integers and rounds after each box.
+template<int depth, std::uint8_t format> void packedGaussian(benchmark::State& state)
+{
+    constexpr double kSigma = 16;
+    OperationGraph graph(kSide, kSide, int(state.range(0)));
+    cv::Mat source, result, between, packed;
+    testPicture(4).convertTo(source, CV_MAKETYPE(depth, 4), depth == CV_8U ? 255 : 65535);
+    packed.create(source.size(), source.type());
+    const int node = graph.addNode("gaussianblur", 4, {graph.addPacked(format, source.data)},
+                                   {{"sigma", kSigma * 1000.0 / kSide}});
+    compare(
+        state, "OpenCV blur, three boxes", Aim::AtLeast, 1.2,
+        [&] {
+            graph.run(node);
+            graph.pack(format, packed.data);
+        },
+        [&] { threeBoxes(source, result, between, kSigma); });
+    cv::Mat difference;
+    cv::absdiff(packed, result, difference);
+    state.counters["mean_difference"] = cv::mean(difference)[0] / (depth == CV_8U ? 255 : 65535);
+}
+
 const bool registered = [] {
     registerOperation("gaussian blur, sigma 4, grey float", gaussian<4>);
     registerOperation("gaussian blur, sigma 8, grey float", gaussian<8>);
@@ -60,6 +84,9 @@ const bool registered = [] {
     registerOperation("gaussian blur, sigma 32, grey float", gaussian<32>);
     registerOperation("gaussian blur, sigma 64, grey float", gaussian<64>);
     registerOperation("gaussian blur, sigma 4, grey float, direct rival", directGaussian);
+    registerOperation("gaussian blur, sigma 16, RGBA at 8 bits", packedGaussian<CV_8U, VELLOR_FORMAT_RGBA>);
+    registerOperation("gaussian blur, sigma 16, RGBA at 16 bits",
+                      packedGaussian<CV_16U, VELLOR_FORMAT_RGBA | VELLOR_FORMAT_16BITS>);
     return true;
 }();
 

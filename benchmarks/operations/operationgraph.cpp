@@ -1,5 +1,7 @@
 #include "benchmarks/operations/operationgraph.h"
 
+#include "platform/engines/cpu/outputconverter.h"
+#include "platform/engines/cpu/rowloop.h"
 #include "platform/engines/cpu/stagerunner.h"
 
 #include <cstdio>
@@ -56,6 +58,29 @@ int OperationGraph::addPicture(int channels, const Fill& fill)
     return static_cast<int>(m_plan.nodes.size()) - 1;
 }
 
+int OperationGraph::addPacked(std::uint8_t format, const void* pixels)
+{
+    VellorTexture texture{};
+    texture.buffer = const_cast<void*>(pixels);
+    texture.width = static_cast<std::uint16_t>(m_width);
+    texture.height = static_cast<std::uint16_t>(m_height);
+    texture.pixelFormat = format;
+    texture.channelOrder = VELLOR_ORDER_RGBA;
+    PlanNode node;
+    node.kind = &pictureKind();
+    node.source = HostImage::copy(texture);
+    if (!node.source)
+        fail("The picture's format can't be read");
+    node.width = m_width;
+    node.height = m_height;
+    node.channels = node.source->channels();
+    node.key = {1, m_plan.nodes.size()};
+    node.compute = true;
+    m_plan.nodes.push_back(std::move(node));
+    m_pictures.push_back(nullptr);
+    return static_cast<int>(m_plan.nodes.size()) - 1;
+}
+
 int OperationGraph::addNode(const char* kind, int channels, const std::vector<int>& operands,
                             const std::vector<Setting>& settings)
 {
@@ -106,4 +131,11 @@ void OperationGraph::run(int node)
         if (runStage(context, schedule, stage) != StageResult::Done)
             fail("A stage was lost");
     m_result = m_store.get(m_plan.nodes[node].key);
+}
+
+void OperationGraph::pack(std::uint8_t format, void* pixels)
+{
+    Monitor monitor(m_stop, [](std::uint32_t, std::uint32_t) {});
+    const RowLoop loop{m_threads, monitor, m_resources, m_height, m_width, 0};
+    loop.run([&](int y0, int y1, int) { convertRows(m_result->view(), format, y0, y1, pixels); });
 }

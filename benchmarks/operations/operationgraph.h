@@ -37,6 +37,8 @@ public:
     /// The value of a pixel's channel, 0 to 1 in each direction.
     using Fill = std::function<float(int x, int y, int channel)>;
     int addPicture(int channels, const Fill& fill);
+    /// A raw picture of the graph's size in a host's format, which is unpacked anew in each run. A copy.
+    int addPacked(std::uint8_t format, const void* pixels);
     /// A node of a kind with operands in the order of its declaration; -1 leaves one out. Unknown names end
     /// the program.
     int addNode(const char* kind, int channels, const std::vector<int>& operands,
@@ -48,6 +50,8 @@ public:
     /// Computes a node with nothing kept from before but the pictures, in memory that an earlier run has
     /// touched.
     void run(int node);
+    /// Writes the result of the last run in a host's raw format, as an output of the engine is written.
+    void pack(std::uint8_t format, void* pixels);
     /// The result of the last run.
     std::shared_ptr<const vellor::cpu::Image> result() const { return m_result; }
 
