@@ -55,6 +55,18 @@ void directGaussian(benchmark::State& state)
         [&] { cv::GaussianBlur(source, result, cv::Size(33, 33), 4, 4, cv::BORDER_REFLECT); });
 }
 
+template<int radius> void box(benchmark::State& state)
+{
+    OperationGraph graph(kSide, kSide, int(state.range(0)));
+    const cv::Mat source = testPicture(1);
+    const int node =
+        graph.addNode("boxblur", 1, {addMatrix(graph, source)}, {{"radius", radius * 1000.0 / kSide}});
+    cv::Mat result;
+    compare(
+        state, "OpenCV blur", Aim::AtLeast, 1.4, [&] { graph.run(node); },
+        [&] { cv::blur(source, result, cv::Size(2 * radius + 1, 2 * radius + 1)); });
+}
+
 /// From packed pixels to packed pixels. The rival works on integers and rounds after each box.
 template<int depth, std::uint8_t format> void packedGaussian(benchmark::State& state)
 {
@@ -84,6 +96,9 @@ const bool registered = [] {
     registerOperation("gaussian blur, sigma 32, grey float", gaussian<32>);
     registerOperation("gaussian blur, sigma 64, grey float", gaussian<64>);
     registerOperation("gaussian blur, sigma 4, grey float, direct rival", directGaussian);
+    registerOperation("box blur, radius 4, grey float", box<4>);
+    registerOperation("box blur, radius 16, grey float", box<16>);
+    registerOperation("box blur, radius 64, grey float", box<64>);
     registerOperation("gaussian blur, sigma 16, RGBA at 8 bits", packedGaussian<CV_8U, VELLOR_FORMAT_RGBA>);
     registerOperation("gaussian blur, sigma 16, RGBA at 16 bits",
                       packedGaussian<CV_16U, VELLOR_FORMAT_RGBA | VELLOR_FORMAT_16BITS>);

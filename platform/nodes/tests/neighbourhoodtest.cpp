@@ -68,6 +68,31 @@ TEST(GaussianBlur, AgreesWithTheDefinition)
     EXPECT_TRUE(Evaluation("gaussianblur", 32, 32).set("sigma", {0}).operand(in)() == in);
 }
 
+TEST(BoxBlur, IsTheMeanOverASquare)
+{
+    for (const double radius : {0.0, 0.3, 1.0, 7.25, 31.0, 36.6, 48.0}) {
+        for (const int height : {96, 70, 5}) {
+            const int width = 96, reach = static_cast<int>(radius) + 1;
+            const Picture in = noise(width, height);
+            const Picture out =
+                Evaluation("boxblur", width, height).set("radius", {radius * 1000.0 / width}).operand(in)();
+            const auto weight = [&](int d) {
+                return std::min(1.0, std::max(0.0, radius + 1.0 - std::abs(d)));
+            };
+            for (int y = 0; y < height; y += 13) {
+                for (int x = 0; x < width; x += 5) {
+                    double sum = 0.0;
+                    for (int dy = -reach; dy <= reach; ++dy)
+                        for (int dx = -reach; dx <= reach; ++dx)
+                            sum += weight(dx) * weight(dy) * in.at(x + dx, y + dy);
+                    EXPECT_NEAR(out.at(x, y), sum / std::pow(2.0 * radius + 1.0, 2), 2e-6)
+                        << radius << ", " << height;
+                }
+            }
+        }
+    }
+}
+
 TEST(DirectionalBlur, IsTheMeanAlongALine)
 {
     const Picture in = noise(64, 64);
