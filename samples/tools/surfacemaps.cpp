@@ -161,7 +161,7 @@ Vec shade(const SurfaceMaps::Point& p, const Vec& n, const Vec& toViewer, float 
 /// Linear light to a display: a filmic shoulder, then sRGB's curve.
 float displayed(float light)
 {
-    const float x = light * 0.85f, film = x * (2.51f * x + 0.03f) / (x * (2.43f * x + 0.59f) + 0.14f);
+    const float x = light * 0.7f, film = x * (2.51f * x + 0.03f) / (x * (2.43f * x + 0.59f) + 0.14f);
     const float v = std::clamp(film, 0.0f, 1.0f);
     return v <= 0.0031308f ? 12.92f * v : 1.055f * std::pow(v, 1 / 2.4f) - 0.055f;
 }
