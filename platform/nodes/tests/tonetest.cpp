@@ -139,6 +139,38 @@ TEST(Tone, ColoursAreKeptApart)
     EXPECT_EQ(replaced.at(2, 0, 1), 1.0f);
 }
 
+TEST(AutoLevels, StretchesWhatIsThere)
+{
+    // 0.2 to 0.6 evenly in red, 0.3 to 0.5 in green and blue, and one pixel that is no number.
+    Picture in(100, 50, 4);
+    for (int i = 0; i < 20000; ++i) {
+        const float x = (i / 4 % 5000 + 0.5f) / 5000;
+        in.at(i / 4 % 100, i / 400, i % 4) = i % 4 == 0 ? 0.2f + 0.4f * x : i % 4 == 3 ? x : 0.3f + 0.2f * x;
+    }
+    const float low = in.at(0, 0), high = in.at(99, 49);
+    in.at(50, 20) = std::nanf("");
+    const Picture together = Evaluation("autolevels", 100, 50).operand(in)();
+    EXPECT_NEAR(together.at(30, 30, 0), (in.at(30, 30, 0) - low) / (high - low), 1e-6f);
+    EXPECT_NEAR(together.at(30, 30, 2), (in.at(30, 30, 2) - low) / (high - low), 1e-6f);
+    EXPECT_EQ(together.at(30, 30, 3), in.at(30, 30, 3));
+    Evaluation run("autolevels", 100, 50);
+    run.set("channels", {1}).set("outlow", {0.1}).set("outhigh", {0.9}).operand(in);
+    EXPECT_NEAR(run().at(0, 0, 1), 0.1f, 1e-6f);
+    EXPECT_NEAR(run().at(99, 49, 1), 0.9f, 1e-6f);
+    // With a tenth cut off below and a fifth above, 0.24 becomes 0 and 0.52 becomes 1.
+    const Picture cut = Evaluation("autolevels", 100, 50)
+                            .set("channels", {1})
+                            .set("cliplow", {0.1})
+                            .set("cliphigh", {0.2})
+                            .operand(in)();
+    EXPECT_NEAR(cut.at(30, 20, 0), (in.at(30, 20, 0) - 0.24f) / 0.28f, 2e-3f);
+    EXPECT_EQ(cut.at(0, 4, 0), 0.0f);
+    EXPECT_EQ(cut.at(0, 41, 0), 1.0f);
+    EXPECT_EQ(
+        Evaluation("autolevels", 8, 8).operand(drawn(8, 8, [](float, float) { return 0.4f; }))().at(3, 3),
+        0.0f);
+}
+
 TEST(Tone, CurveAndGradientMap)
 {
     const Picture in = ramp();
