@@ -2,6 +2,8 @@
 #include "platform/nodes/kinds.h"
 #include "platform/nodes/rows.h"
 
+#include <hwy/cache_control.h>
+
 #ifndef VELLOR_NORMAL_STATE
 #define VELLOR_NORMAL_STATE
 namespace vellor::nodes {
@@ -9,10 +11,13 @@ namespace {
 
 struct NormalState : State
 {
-    float strengthX = 1.0f, strengthY = 1.0f; // factors of the difference of two pixels apart by two
-    bool invertX = false, invertY = false;
-    bool fullZ = false, dropZ = false, yInAlpha = false;
+    float strength = 1.0f; // factor of the difference of two pixels apart by two
+    float baseZ = 0.5f, gainZ = 0.5f;
+    bool invertX = false, invertY = false, yInAlpha = false;
 };
+
+// From here on the four planes of the result go past every cache before anybody reads them.
+constexpr std::int64_t kStreamedPixels = 1 << 21;
 
 } // namespace
 } // namespace vellor::nodes
@@ -28,7 +33,12 @@ HWY_BEFORE_NAMESPACE();
 namespace vellor::nodes::HWY_NAMESPACE {
 namespace {
 
-using Window = RowWindow<1>;
+/// A vector of pixels and its neighbours, read from lines that may be read one pixel beyond on either side.
+struct Slopes
+{
+    F dx, dy; // differences of two pixels apart by two
+    F middle;
+};
 
 /// Weights 3, 10, 3 keep the slope's direction true under rotation (H. Scharr).
 HWY_INLINE F weighted(F a, F b, F c)
@@ -36,49 +46,89 @@ HWY_INLINE F weighted(F a, F b, F c)
     return (a + c) * F(3.0f / 16.0f) + b * F(10.0f / 16.0f);
 }
 
-HWY_INLINE F differenceX(const Window& row, int i)
+HWY_INLINE Slopes slopesAt(const float* const (&lines)[3], int i)
 {
-    return loadAt(row.at(i + 1)) - loadAt(row.at(i - 1));
+    const F left[3] = {loadAt(lines[0] + i - 1), loadAt(lines[1] + i - 1), loadAt(lines[2] + i - 1)};
+    const F right[3] = {loadAt(lines[0] + i + 1), loadAt(lines[1] + i + 1), loadAt(lines[2] + i + 1)};
+    const F above = loadAt(lines[0] + i), below = loadAt(lines[2] + i);
+    return {weighted(right[0], right[1], right[2]) - weighted(left[0], left[1], left[2]),
+            weighted(left[2] - left[0], below - above, right[2] - right[0]), loadAt(lines[1] + i)};
 }
 
-HWY_INLINE F differenceY(const Window& above, const Window& below, int i)
+template<bool streamed> HWY_INLINE void put(F value, float* p)
 {
-    return loadAt(below.at(i)) - loadAt(above.at(i));
+    if constexpr (streamed)
+        hn::Stream(value.v, FloatTag(), p);
+    else
+        store(value, p);
 }
 
-void normalChunk(const NormalState& state, const Window (&rows)[3], int count, float* const (&result)[4])
+/// Results lie at multiples of a vector. Streamed stores spare large pictures the reading of what they
+/// overwrite.
+template<bool streamed, bool yInAlpha>
+void normalVectors(const NormalState& state, const float* const (&lines)[3], float* const (&result)[4],
+                   int from, int to)
 {
-    const F half(0.5f), zero(0.0f);
+    const F half(0.5f), one(1.0f), strength(-state.strength);
     const F signX(state.invertX ? -0.5f : 0.5f), signY(state.invertY ? -0.5f : 0.5f);
-    for (int i = 0; i < count; i += kLanes) {
-        const F dx = weighted(differenceX(rows[0], i), differenceX(rows[1], i), differenceX(rows[2], i));
-        const F dy = weighted(differenceY(rows[0], rows[2], i - 1), differenceY(rows[0], rows[2], i),
-                              differenceY(rows[0], rows[2], i + 1));
-        const F nx = -dx * F(state.strengthX), ny = -dy * F(state.strengthY);
-        const F z = F(1.0f) / sqrtOf(nx * nx + ny * ny + F(1.0f));
-        const F x = half + signX * (nx * z), y = half + signY * (ny * z);
-        storeAt(x, result[0] + i);
-        storeAt(state.yInAlpha ? zero : y, result[1] + i);
-        storeAt(state.dropZ ? zero : state.fullZ ? z : half + half * z, result[2] + i);
-        storeAt(state.yInAlpha ? y : loadAt(rows[1].at(i)), result[3] + i);
+    const F baseZ(state.baseZ), gainZ(state.gainZ);
+    for (int i = from; i < to; i += kLanes) {
+        const Slopes slopes = slopesAt(lines, i);
+        const F nx = slopes.dx * strength, ny = slopes.dy * strength;
+        const F z = one / sqrtOf(nx * nx + ny * ny + one);
+        const F y = half + signY * (ny * z);
+        put<streamed>(half + signX * (nx * z), result[0] + i);
+        put<streamed>(yInAlpha ? F(0.0f) : y, result[1] + i);
+        put<streamed>(baseZ + gainZ * z, result[2] + i);
+        put<streamed>(yInAlpha ? y : slopes.middle, result[3] + i);
     }
+}
+
+template<bool streamed, bool yInAlpha>
+void normalRow(const NormalState& state, const ImageView& height, int y, float* const (&result)[4])
+{
+    const int width = height.width;
+    const float* rows[3];
+    for (int r = 0; r < 3; ++r)
+        rows[r] = rowOf(height, 0, y + r - 1);
+    // The first vector of a row and its last ones have neighbours across the picture's sides.
+    const auto edge = [&](int from, int to) {
+        alignas(64) float windows[3][3 * kLanes + 32];
+        const float* lines[3];
+        for (int r = 0; r < 3; ++r) {
+            copyWrapped(rows[r], width, from - 1, to - from + kLanes + 1, windows[r]);
+            lines[r] = windows[r] + 1;
+        }
+        float* const places[4] = {result[0] + from, result[1] + from, result[2] + from, result[3] + from};
+        normalVectors<streamed, yInAlpha>(state, lines, places, 0, to - from);
+    };
+    const int inner = (width - 1) / kLanes * kLanes; // up to here vectors have their right neighbours
+    edge(0, std::min(kLanes, width));
+    if (inner > kLanes)
+        normalVectors<streamed, yInAlpha>(state, rows, result, kLanes, inner);
+    if (width > kLanes)
+        edge(std::max(inner, kLanes), width);
+}
+
+template<bool streamed, bool yInAlpha> void normalRows(const AreaJob& job)
+{
+    const auto& state = static_cast<const NormalState&>(*job.state);
+    for (int y = job.y0; y < job.y1; ++y)
+        normalRow<streamed, yInAlpha>(state, job.operands[0], y,
+                                      {rowOf(job.result, 0, y), rowOf(job.result, 1, y),
+                                       rowOf(job.result, 2, y), rowOf(job.result, 3, y)});
+    if (streamed)
+        hwy::FlushStream();
 }
 
 void normalArea(const AreaJob& job)
 {
     const auto& state = static_cast<const NormalState&>(*job.state);
-    const ImageView& height = job.operands[0];
-    Window rows[3];
-    for (int y = job.y0; y < job.y1; ++y) {
-        for (int x = 0; x < job.result.width; x += kChunk) {
-            const int count = std::min(kChunk, job.result.width - x);
-            for (int r = 0; r < 3; ++r)
-                rows[r].fill(height, 0, x, y + r - 1, count);
-            float* const result[4] = {rowOf(job.result, 0, y) + x, rowOf(job.result, 1, y) + x,
-                                      rowOf(job.result, 2, y) + x, rowOf(job.result, 3, y) + x};
-            normalChunk(state, rows, count, result);
-        }
-    }
+    const bool large = std::int64_t(job.result.width) * job.result.height >= kStreamedPixels;
+    if (large)
+        state.yInAlpha ? normalRows<true, true>(job) : normalRows<true, false>(job);
+    else
+        state.yInAlpha ? normalRows<false, true>(job) : normalRows<false, false>(job);
 }
 
 } // namespace
@@ -94,15 +144,13 @@ static std::unique_ptr<State> prepareNormal(const Setup& setup)
 {
     auto state = std::make_unique<NormalState>();
     // One hundredth of the width per unit; half for the distance of two pixels. Pixels are square.
-    const float strength = setup.parameters[0].f[0] * 0.01f * 0.5f * static_cast<float>(setup.width);
+    state->strength = setup.parameters[0].f[0] * 0.01f * 0.5f * static_cast<float>(setup.width);
     const int format = setup.parameters[1].i[0];
-    state->strengthX = strength;
-    state->strengthY = strength;
     state->invertX = (format & 1) != 0;
     state->invertY = (format & 2) != 0;
-    state->fullZ = (format & 4) != 0;
-    state->dropZ = (format & 8) != 0;
     state->yInAlpha = (format & 12) == 12;
+    state->baseZ = (format & 12) == 0 ? 0.5f : 0.0f;
+    state->gainZ = (format & 8) != 0 ? 0.0f : (format & 4) != 0 ? 1.0f : 0.5f;
     return state;
 }
 
