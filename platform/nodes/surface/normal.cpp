@@ -27,33 +27,11 @@ constexpr std::int64_t kStreamedPixels = 1 << 21;
 #define HWY_TARGET_INCLUDE "platform/nodes/surface/normal.cpp"
 #include <hwy/foreach_target.h>
 
-#include "platform/nodes/simd.h"
+#include "platform/nodes/surface/slopes-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace vellor::nodes::HWY_NAMESPACE {
 namespace {
-
-/// A vector of pixels and its neighbours, read from lines that may be read one pixel beyond on either side.
-struct Slopes
-{
-    F dx, dy; // differences of two pixels apart by two
-    F middle;
-};
-
-/// Weights 3, 10, 3 keep the slope's direction true under rotation (H. Scharr).
-HWY_INLINE F weighted(F a, F b, F c)
-{
-    return (a + c) * F(3.0f / 16.0f) + b * F(10.0f / 16.0f);
-}
-
-HWY_INLINE Slopes slopesAt(const float* const (&lines)[3], int i)
-{
-    const F left[3] = {loadAt(lines[0] + i - 1), loadAt(lines[1] + i - 1), loadAt(lines[2] + i - 1)};
-    const F right[3] = {loadAt(lines[0] + i + 1), loadAt(lines[1] + i + 1), loadAt(lines[2] + i + 1)};
-    const F above = loadAt(lines[0] + i), below = loadAt(lines[2] + i);
-    return {weighted(right[0], right[1], right[2]) - weighted(left[0], left[1], left[2]),
-            weighted(left[2] - left[0], below - above, right[2] - right[0]), loadAt(lines[1] + i)};
-}
 
 template<bool streamed> HWY_INLINE void put(F value, float* p)
 {
@@ -63,51 +41,25 @@ template<bool streamed> HWY_INLINE void put(F value, float* p)
         store(value, p);
 }
 
-/// Results lie at multiples of a vector. Streamed stores spare large pictures the reading of what they
-/// overwrite.
+/// Streamed stores spare large pictures the reading of what they overwrite.
 template<bool streamed, bool yInAlpha>
-void normalVectors(const NormalState& state, const float* const (&lines)[3], float* const (&result)[4],
-                   int from, int to)
+void normalRow(const NormalState& state, const ImageView& height, int y, float* const (&result)[4])
 {
     const F half(0.5f), one(1.0f), strength(-state.strength);
     const F signX(state.invertX ? -0.5f : 0.5f), signY(state.invertY ? -0.5f : 0.5f);
     const F baseZ(state.baseZ), gainZ(state.gainZ);
-    for (int i = from; i < to; i += kLanes) {
-        const Slopes slopes = slopesAt(lines, i);
-        const F nx = slopes.dx * strength, ny = slopes.dy * strength;
-        const F z = one / sqrtOf(nx * nx + ny * ny + one);
-        const F y = half + signY * (ny * z);
-        put<streamed>(half + signX * (nx * z), result[0] + i);
-        put<streamed>(yInAlpha ? F(0.0f) : y, result[1] + i);
-        put<streamed>(baseZ + gainZ * z, result[2] + i);
-        put<streamed>(yInAlpha ? y : slopes.middle, result[3] + i);
-    }
-}
-
-template<bool streamed, bool yInAlpha>
-void normalRow(const NormalState& state, const ImageView& height, int y, float* const (&result)[4])
-{
-    const int width = height.width;
-    const float* rows[3];
-    for (int r = 0; r < 3; ++r)
-        rows[r] = rowOf(height, 0, y + r - 1);
-    // The first vector of a row and its last ones have neighbours across the picture's sides.
-    const auto edge = [&](int from, int to) {
-        alignas(64) float windows[3][3 * kLanes + 32];
-        const float* lines[3];
-        for (int r = 0; r < 3; ++r) {
-            copyWrapped(rows[r], width, from - 1, to - from + kLanes + 1, windows[r]);
-            lines[r] = windows[r] + 1;
+    forSlopesOfRow(height, y, [&](const float* const(&lines)[3], int count, int x) {
+        for (int i = 0; i < count; i += kLanes) {
+            const Slopes slopes = slopesAt(lines, i);
+            const F nx = slopes.dx * strength, ny = slopes.dy * strength;
+            const F z = one / sqrtOf(nx * nx + ny * ny + one);
+            const F green = half + signY * (ny * z);
+            put<streamed>(half + signX * (nx * z), result[0] + x + i);
+            put<streamed>(yInAlpha ? F(0.0f) : green, result[1] + x + i);
+            put<streamed>(baseZ + gainZ * z, result[2] + x + i);
+            put<streamed>(yInAlpha ? green : slopes.middle, result[3] + x + i);
         }
-        float* const places[4] = {result[0] + from, result[1] + from, result[2] + from, result[3] + from};
-        normalVectors<streamed, yInAlpha>(state, lines, places, 0, to - from);
-    };
-    const int inner = (width - 1) / kLanes * kLanes; // up to here vectors have their right neighbours
-    edge(0, std::min(kLanes, width));
-    if (inner > kLanes)
-        normalVectors<streamed, yInAlpha>(state, rows, result, kLanes, inner);
-    if (width > kLanes)
-        edge(std::max(inner, kLanes), width);
+    });
 }
 
 template<bool streamed, bool yInAlpha> void normalRows(const AreaJob& job)

@@ -285,6 +285,33 @@ std::vector<Sheet> sheets()
             .set("strengthvariation", {0.7})
             .operand(regionsOf(size))();
     });
+    addChoices("bevel", "profile", [](Evaluation& run, int size) {
+        run.set("width", {0.1})
+            .operand(Evaluation("shape", size, size).set("shape", {3}).set("sides", {5})());
+    });
+    add("slope", [](int size) {
+        return Evaluation("slope", size, size).set("intensity", {30}).operand(reliefOf(size))();
+    });
+    add("slope-direction", [](int size) {
+        return Evaluation("slope", size, size).set("output", {1}).operand(reliefOf(size))();
+    });
+    const auto bricksNormal = [](int size) {
+        return Evaluation("normal", size, size).operand(heightOf(size))();
+    };
+    add("light", [=](int size) {
+        return Evaluation("light", size, size).set("specular", {0.3}).operand(bricksNormal(size))();
+    });
+    add("shadow", [](int size) { return Evaluation("shadow", size, size).operand(heightOf(size))(); });
+    add("shadow-perlin", [](int size) {
+        return Evaluation("shadow", size, size).set("depth", {20}).operand(reliefOf(size))();
+    });
+    add("shadow-shapes", [](int size) {
+        return Evaluation("shadow", size, size)
+            .set("angle", {0.57})
+            .operand(Evaluation("tile", size, size).set("share", {0.2})())();
+    });
+    add("heightfromnormal",
+        [=](int size) { return Evaluation("heightfromnormal", size, size).operand(bricksNormal(size))(); });
     // MORE
     return all;
 }
