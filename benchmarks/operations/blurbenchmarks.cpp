@@ -89,6 +89,33 @@ template<int depth, std::uint8_t format> void packedGaussian(benchmark::State& s
     state.counters["mean_difference"] = cv::mean(difference)[0] / (depth == CV_8U ? 255 : 65535);
 }
 
+// For information: no aim.
+void median(benchmark::State& state)
+{
+    OperationGraph graph(kSide, kSide, int(state.range(0)));
+    const cv::Mat source = testPicture(1);
+    const int node = graph.addNode("median", 1, {addMatrix(graph, source)}, {{"radius", 2}});
+    cv::Mat result;
+    compare(
+        state, "OpenCV medianBlur", Aim::AtLeast, 0.0, [&] { graph.run(node); },
+        [&] { cv::medianBlur(source, result, 5); });
+}
+
+template<int shape> void dilate(benchmark::State& state)
+{
+    constexpr int kRadius = 10;
+    OperationGraph graph(kSide, kSide, int(state.range(0)));
+    const cv::Mat source = testPicture(1);
+    const int node =
+        graph.addNode("dilate", 1, {addMatrix(graph, source)},
+                      {{"radius", kRadius * 1000.0 / kSide}, {"shape", shape == cv::MORPH_RECT}});
+    const cv::Mat element = cv::getStructuringElement(shape, cv::Size(2 * kRadius + 1, 2 * kRadius + 1));
+    cv::Mat result;
+    compare(
+        state, "OpenCV dilate", Aim::AtLeast, 0.0, [&] { graph.run(node); },
+        [&] { cv::dilate(source, result, element); });
+}
+
 const bool registered = [] {
     registerOperation("gaussian blur, sigma 4, grey float", gaussian<4>);
     registerOperation("gaussian blur, sigma 8, grey float", gaussian<8>);
@@ -102,6 +129,9 @@ const bool registered = [] {
     registerOperation("gaussian blur, sigma 16, RGBA at 8 bits", packedGaussian<CV_8U, VELLOR_FORMAT_RGBA>);
     registerOperation("gaussian blur, sigma 16, RGBA at 16 bits",
                       packedGaussian<CV_16U, VELLOR_FORMAT_RGBA | VELLOR_FORMAT_16BITS>);
+    registerOperation("median, 5 x 5, grey float", median);
+    registerOperation("dilate, disc of radius 10, grey float", dilate<cv::MORPH_ELLIPSE>);
+    registerOperation("dilate, square of radius 10, grey float", dilate<cv::MORPH_RECT>);
     return true;
 }();
 

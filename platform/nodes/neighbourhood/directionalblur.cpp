@@ -16,6 +16,7 @@ struct DirectionalBlurState : State
 {
     std::array<int, 2> samples{1, 1};
     std::array<float, 2> stepX{}, stepY{}; // pixels from one sample to the next
+    std::array<float, 2> first{};          // place of the first sample, in steps from the pixel
 };
 
 } // namespace
@@ -62,7 +63,7 @@ void directionalBlurArea(const AreaJob& job)
                 for (int i = 0; i < count; i += kLanes)
                     store(F(0.0f), sums + i);
                 for (int s = 0; s < samples; ++s) {
-                    const float place = static_cast<float>(s) - 0.5f * static_cast<float>(samples - 1);
+                    const float place = state.first[job.pass] + static_cast<float>(s);
                     addMoved(source, c, x, y, place * state.stepX[job.pass], place * state.stepY[job.pass],
                              count, sums);
                 }
@@ -99,6 +100,13 @@ static std::unique_ptr<State> prepareDirectionalBlur(const Setup& setup)
     const float wide = step * static_cast<float>(first);
     state->stepX = {step * turn.cosine, wide * turn.cosine};
     state->stepY = {step * turn.sine, wide * turn.sine};
+    const int side = held(setup.parameters[2].i[0], 0, 2);
+    if (side == 0)
+        state->first = {-0.5f * static_cast<float>(first - 1), -0.5f * static_cast<float>(second - 1)};
+    else if (side == 1)
+        state->first = {0.5f, 0.0f};
+    else
+        state->first = {-0.5f - static_cast<float>(first - 1), -static_cast<float>(second - 1)};
     return state;
 }
 
@@ -107,29 +115,32 @@ static std::vector<ScratchShape> directionalBlurScratch(const State*, const Setu
     return {{setup.width, setup.height, setup.channels}};
 }
 
-const NodeDeclaration directionalblurNode{"directionalblur",
-                                          "Directional Blur",
-                                          "Neighbourhood",
-                                          "The mean along a line through each pixel. Wraps around.",
-                                          ResultChannels::FromOperands,
-                                          Chance::None,
-                                          {{"input", OperandChannels::Result, true, "The picture to blur."}},
-                                          {{"length",
-                                            ParameterType::Float,
-                                            {50.0},
-                                            0,
-                                            500,
-                                            "The line's length in thousandths of the picture's width."},
-                                           {"angle",
-                                            ParameterType::Float,
-                                            {0.0},
-                                            0,
-                                            1,
-                                            "The line's direction, clockwise from the right in turns."}},
-                                          prepareDirectionalBlur,
-                                          nullptr,
-                                          rundirectionalBlurArea,
-                                          directionalBlurScratch};
+const NodeDeclaration directionalblurNode{
+    "directionalblur",
+    "Directional Blur",
+    "Neighbourhood",
+    "The mean along a line through each pixel or on one side of it. Wraps around.",
+    ResultChannels::FromOperands,
+    Chance::None,
+    {{"input", OperandChannels::Result, true, "The picture to blur."}},
+    {{"length",
+      ParameterType::Float,
+      {50.0},
+      0,
+      500,
+      "The line's length in thousandths of the picture's width."},
+     {"angle", ParameterType::Float, {0.0}, 0, 1, "The line's direction, clockwise from the right in turns."},
+     {"side",
+      ParameterType::Choice,
+      {0},
+      0,
+      2,
+      "Where the line lies: on both sides of a pixel, ahead of it or behind it.",
+      {"both", "ahead", "behind"}}},
+    prepareDirectionalBlur,
+    nullptr,
+    rundirectionalBlurArea,
+    directionalBlurScratch};
 
 } // namespace vellor::nodes
 #endif

@@ -1,0 +1,32 @@
+#include "platform/nodes/kinds.h"
+#include "platform/nodes/neighbourhood/morphology.h"
+
+namespace vellor::nodes {
+
+static std::unique_ptr<State> prepareDilate(const Setup& setup)
+{
+    return prepareMorphology(setup, false);
+}
+
+const NodeDeclaration dilateNode{
+    "dilate",
+    "Dilate",
+    "Neighbourhood",
+    "The greatest value of each channel under a disc or a square around each pixel: what is light grows. "
+    "Wraps "
+    "around.",
+    ResultChannels::FromOperands,
+    Chance::None,
+    {{"input", OperandChannels::Result, true, "The picture."}},
+    {{"radius",
+      ParameterType::Float,
+      {5.0},
+      0,
+      100,
+      "How far the shape reaches, in thousandths of the picture's width, rounded to whole pixels."},
+     {"shape", ParameterType::Choice, {0}, 0, 1, "The shape.", {"disc", "square"}}},
+    prepareDilate,
+    nullptr,
+    runMorphology};
+
+} // namespace vellor::nodes
