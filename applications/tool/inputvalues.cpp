@@ -4,6 +4,7 @@
 #include "applications/player/description/valuetype.h"
 #include "applications/player/session/textureconversion.h"
 #include "applications/tool/failure.h"
+#include "applications/tool/identifiers.h"
 #include "applications/tool/valueparser.h"
 #include "orncommon/image/codec/surfacecodecmanager.h"
 
@@ -106,8 +107,7 @@ void InputValues::push(InputSink& engine)
 {
     for (Entry& entry : m_entries) {
         if (entry.dirty && !pushOne(entry, engine))
-            throw Failure(Failed,
-                          "the engine refuses the value of the input '" + entry.details.identifier + "'");
+            throw Failure(Failed, "the engine refuses the value of the input '" + idOf(entry.input) + "'");
         entry.dirty = false;
     }
 }
@@ -132,11 +132,7 @@ std::vector<std::size_t> InputValues::find(const QString& identifier) const
 {
     std::vector<std::size_t> found;
     for (std::size_t i = 0; i < m_entries.size(); ++i) {
-        const Entry& entry = m_entries[i];
-        const bool isNamed = entry.details.identifier.isEmpty()
-                                 ? identifier == "uid:" + QString::number(entry.input.uid)
-                                 : identifier == entry.details.identifier;
-        if (isNamed)
+        if (idOf(m_entries[i].input) == identifier)
             found.push_back(i);
     }
     return found;
@@ -149,8 +145,8 @@ std::vector<std::size_t> InputValues::findOrThrow(const QString& identifier) con
         return found;
     QStringList names;
     for (const Entry& entry : m_entries)
-        if (!names.contains(entry.details.identifier) && !entry.details.identifier.isEmpty())
-            names.append(entry.details.identifier);
+        names.append(idOf(entry.input));
+    names.removeDuplicates();
     names.sort();
     throw UsageError("there is no input '" + identifier.toStdString() + "'; there are " +
                      names.join(", ").toStdString());

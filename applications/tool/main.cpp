@@ -15,7 +15,8 @@ namespace {
 
 using namespace vellor::tool;
 
-const Command* const kCommands[] = {&cookCommand, &renderCommand, &infoCommand, &nodesCommand};
+const Command* const kCommands[] = {&cookCommand, &renderCommand, &infoCommand, &profileCommand,
+                                    &nodesCommand};
 
 void printOverview(std::FILE* file)
 {

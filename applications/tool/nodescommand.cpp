@@ -18,9 +18,9 @@ using nodes::ResultChannels;
 
 const char* nameOf(ParameterType type)
 {
-    static const char* const names[] = {"float", "float2", "float3",   "float4",        "int",
-                                        "int2",  "int3",   "int4",     "bool",          "choice",
-                                        "text",  "curve",  "gradient", "pixel program", "image input", "picture file"};
+    static const char* const names[] = {
+        "float", "float2", "float3", "float4", "int",      "int2",          "int3",        "int4",
+        "bool",  "choice", "text",   "curve",  "gradient", "pixel program", "image input", "picture file"};
     return names[static_cast<int>(type)];
 }
 

@@ -61,6 +61,7 @@ std::string helpOf(const Command& command);
 extern const Command cookCommand;
 extern const Command infoCommand;
 extern const Command nodesCommand;
+extern const Command profileCommand;
 extern const Command renderCommand;
 
 } // namespace vellor::tool

@@ -1,6 +1,7 @@
 #include "applications/player/description/inputdetails.h"
 #include "applications/player/description/outputformatname.h"
 #include "applications/player/description/valuetype.h"
+#include "applications/tool/identifiers.h"
 #include "applications/tool/package.h"
 #include "applications/tool/packageinfo.h"
 #include "applications/tool/texttable.h"
@@ -63,8 +64,7 @@ QString inputsText(const PackageModel& model, const QString& graph)
         if (details.group != group)
             table.addLine('[' + details.group + ']');
         group = details.group;
-        const QString id =
-            details.identifier.isEmpty() ? "uid:" + QString::number(input.uid) : details.identifier;
+        const QString id = idOf(input);
         table.addRow({id, typeName(input.type), defaultText(input, details), rangeText(details),
                       details.widget, details.label == id ? QString() : details.label});
         for (const InputDetails::Choice& choice : details.choices)
@@ -82,8 +82,7 @@ QString outputsText(const PackageModel& model, const QString& graph)
                              : output.width == 0
                                  ? QStringLiteral("by inputs")
                                  : QStringLiteral("%1x%2").arg(output.width).arg(output.height);
-        table.addRow({output.identifier.isEmpty() ? "uid:" + QString::number(output.uid) : output.identifier,
-                      output.usages.join(','), output.boolean ? "bool" : typeName(output.type),
+        table.addRow({idOf(output), output.usages.join(','), output.boolean ? "bool" : typeName(output.type),
                       isImage ? outputFormatName(output.pixelFormat) : QString(), size, output.label});
     }
     return "\n  Outputs\n" + table.text(4);

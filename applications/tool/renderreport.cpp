@@ -2,6 +2,7 @@
 
 #include "applications/player/description/outputformatname.h"
 #include "applications/player/description/valuetype.h"
+#include "applications/tool/identifiers.h"
 #include "applications/tool/valuetext.h"
 
 #include <QJsonArray>
@@ -27,11 +28,7 @@ QString sizeText(qint64 bytes)
 
 QString outputName(const RenderedOutput& rendered)
 {
-    const PackageOutput& output = rendered.output;
-    QString graph = output.graphKey;
-    const QString id = output.identifier.isEmpty() ? "uid:" + QString::number(output.uid) : output.identifier;
-    return graph.remove("pkg://") + '/' + id +
-           (rendered.frame ? '#' + QString::number(*rendered.frame) : QString());
+    return pathOf(rendered.output) + (rendered.frame ? '#' + QString::number(*rendered.frame) : QString());
 }
 
 QString reportLine(const RenderedOutput& rendered)

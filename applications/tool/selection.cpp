@@ -1,5 +1,6 @@
 #include "applications/tool/selection.h"
 
+#include "applications/tool/identifiers.h"
 #include "applications/tool/package.h"
 #include "applications/tool/sharedoptions.h"
 
@@ -26,11 +27,6 @@ QStringList chosenGraphs(const PackageModel& model, const Arguments& arguments)
                      keys.join(", ").toStdString());
 }
 
-QString nameOf(const PackageOutput& output)
-{
-    return output.identifier.isEmpty() ? "uid:" + QString::number(output.uid) : output.identifier;
-}
-
 QVector<PackageOutput> chosenOutputs(const PackageModel& model, const QStringList& graphs,
                                      const Arguments& arguments)
 {
@@ -41,7 +37,7 @@ QVector<PackageOutput> chosenOutputs(const PackageModel& model, const QStringLis
     const QStringList wanted = allValues(arguments, "--output");
     QStringList names;
     for (const PackageOutput& output : qAsConst(all))
-        names.append(nameOf(output));
+        names.append(idOf(output));
     for (const QString& name : wanted)
         if (!names.contains(name))
             throw UsageError("there is no output '" + name.toStdString() + "'; there are " +
@@ -50,7 +46,7 @@ QVector<PackageOutput> chosenOutputs(const PackageModel& model, const QStringLis
         return all;
     QVector<PackageOutput> chosen;
     std::copy_if(all.cbegin(), all.cend(), std::back_inserter(chosen),
-                 [&](const PackageOutput& output) { return wanted.contains(nameOf(output)); });
+                 [&](const PackageOutput& output) { return wanted.contains(idOf(output)); });
     return chosen;
 }
 

@@ -107,6 +107,11 @@ QString engineVersionText(const VellorVersion& version)
     return text;
 }
 
+VellorFunction optionalEntryPoint(const char* symbol)
+{
+    return isLoaded() ? backEnd()->optionalEntryPoint(symbol) : nullptr;
+}
+
 void getCurrentVersion(VellorVersion* version, uint32_t apiVersion)
 {
     if (isLoaded())

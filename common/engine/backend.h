@@ -38,6 +38,10 @@ QString engineDescription(uint32_t engineId);
 /// "major.minor.patch", with "-label" if there is a label.
 QString engineVersionText(const VellorVersion& version);
 
+/// An entry point that an engine may have beside those of <vellor/engine.h>; null when there is none. It
+/// lives as long as the engine is loaded.
+VellorFunction optionalEntryPoint(const char* symbol);
+
 void getCurrentVersion(VellorVersion* version, uint32_t apiVersion);
 uint32_t contextInit(VellorContext** context, VellorDevice* device, uint32_t apiVersion, uint32_t reserved);
 void contextRelease(VellorContext* context);

@@ -57,6 +57,9 @@ public:
     /// As it was given to the constructor.
     const QString& path() const { return m_path; }
 
+    /// Any other symbol of the library; null if it has none of that name.
+    VellorFunction optionalEntryPoint(const char* symbol) { return m_library.resolve(symbol); }
+
     bool isValid() const override { return m_valid; }
     void getCurrentVersion(VellorVersion* version, uint32_t apiVersion) const override
     {

@@ -1,0 +1,32 @@
+#include "applications/tool/identifiers.h"
+
+namespace vellor::tool {
+
+using namespace Zph::Applications::Player;
+
+namespace {
+
+QString idOr(const QString& identifier, quint32 uid)
+{
+    return identifier.isEmpty() ? "uid:" + QString::number(uid) : identifier;
+}
+
+} // namespace
+
+QString idOf(const PackageInput& input)
+{
+    return idOr(input.element.attribute(QStringLiteral("identifier")), input.uid);
+}
+
+QString idOf(const PackageOutput& output)
+{
+    return idOr(output.identifier, output.uid);
+}
+
+QString pathOf(const PackageOutput& output)
+{
+    QString graph = output.graphKey;
+    return graph.remove(QLatin1String("pkg://")) + '/' + idOf(output);
+}
+
+} // namespace vellor::tool

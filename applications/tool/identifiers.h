@@ -1,0 +1,14 @@
+#pragma once
+
+#include "applications/player/description/packagemodel.h"
+
+namespace vellor::tool {
+
+/// What command lines call an input or an output: its identifier, or "uid:7" where nothing describes it.
+QString idOf(const Zph::Applications::Player::PackageInput& input);
+QString idOf(const Zph::Applications::Player::PackageOutput& output);
+
+/// "bricks/basecolor".
+QString pathOf(const Zph::Applications::Player::PackageOutput& output);
+
+} // namespace vellor::tool
