@@ -2,7 +2,8 @@
 
 #include "applications/tool/failure.h"
 #include "applications/tool/interrupter.h"
-#include "applications/tool/options.h"
+#include "applications/tool/manual.h"
+#include "applications/tool/sharedoptions.h"
 
 #include <QCoreApplication>
 
@@ -10,28 +11,16 @@
 #include <csignal>
 #include <cstdio>
 #include <exception>
+#include <optional>
 
 namespace {
 
 using namespace vellor::tool;
 
-const Command* const kCommands[] = {&cookCommand, &renderCommand, &infoCommand, &profileCommand,
-                                    &nodesCommand};
-
-void printOverview(std::FILE* file)
-{
-    std::fprintf(file, "usage: vellor COMMAND ...\n\n");
-    for (const Command* command : kCommands)
-        std::fprintf(file, "  %-8s %s\n", command->name, command->help);
-    std::fprintf(file, "\n\"vellor COMMAND --help\" tells more.\n");
-}
-
 int run(const Command& command, const std::vector<std::string>& words)
 {
-    if (std::find(words.begin(), words.end(), "--help") != words.end()) {
-        std::fputs(helpOf(command).c_str(), stdout);
-        return Done;
-    }
+    if (std::find(words.begin(), words.end(), "--help") != words.end())
+        return printOut(QByteArray::fromStdString(helpOf(command)));
     try {
         return command.run(parseArguments(command, words));
     } catch (const UsageError& error) {
@@ -50,6 +39,20 @@ int run(const Command& command, const std::vector<std::string>& words)
     }
 }
 
+/// What an option in the place of a command prints.
+std::optional<std::string> textOf(const std::string& option)
+{
+    if (option == "--help")
+        return overview();
+    if (option == "--version")
+        return std::string("vellor " VELLOR_VERSION "\n");
+    if (option == "--man")
+        return manualPage();
+    if (option == "--bash-completion")
+        return bashCompletion();
+    return std::nullopt;
+}
+
 /// Standard error belongs to the commands' own lines, and these say why; what libraries log comes on top.
 void dropLogLines(QtMsgType, const QMessageLogContext&, const QString&)
 {
@@ -62,14 +65,17 @@ int main(int argc, char** argv)
     qInstallMessageHandler(dropLogLines);
     const QCoreApplication application(argc, argv);
     const std::vector<std::string> words(argv + std::min(argc, 1), argv + argc);
-    if (words.empty() || words.front() == "--help") {
-        printOverview(words.empty() ? stderr : stdout);
-        return words.empty() ? WrongUsage : Done;
+    const std::string first = words.empty() ? std::string() : words.front();
+    if (first.empty()) {
+        std::fputs(overview().c_str(), stderr);
+        return WrongUsage;
     }
-    for (const Command* command : kCommands) {
-        if (words.front() == command->name)
+    if (const auto text = textOf(first))
+        return printOut(QByteArray::fromStdString(*text));
+    for (const Command* command : allCommands()) {
+        if (first == command->name)
             return run(*command, {words.begin() + 1, words.end()});
     }
-    std::fprintf(stderr, "vellor: unknown command '%s'\n", words.front().c_str());
+    std::fprintf(stderr, "vellor: unknown command '%s'\n", first.c_str());
     return WrongUsage;
 }

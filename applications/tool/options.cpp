@@ -53,20 +53,4 @@ Arguments parseArguments(const Command& command, const std::vector<std::string>&
     return arguments;
 }
 
-std::string helpOf(const Command& command)
-{
-    std::string text = std::string("usage: vellor ") + command.name + " " + command.operands;
-    for (const Option& option : command.options)
-        text += std::string(" [") + (option.brief ? option.brief : option.name) +
-                (option.value ? std::string(" ") + option.value : "") + "]";
-    text += std::string("\n\n") + command.help + "\n";
-    for (const Option& option : command.options) {
-        std::string names = option.brief ? std::string(option.brief) + ", " + option.name : option.name;
-        names += option.value ? std::string(" ") + option.value : "";
-        names.resize(std::max<std::size_t>(names.size() + 2, 28), ' ');
-        text += "  " + names + option.help + "\n";
-    }
-    return text;
-}
-
 } // namespace vellor::tool

@@ -55,9 +55,6 @@ struct Command
 /// Throws UsageError. "--" ends the options; "--name=value" is taken as well.
 Arguments parseArguments(const Command& command, const std::vector<std::string>& words);
 
-/// The help of one command, with line ends.
-std::string helpOf(const Command& command);
-
 extern const Command cookCommand;
 extern const Command infoCommand;
 extern const Command nodesCommand;
