@@ -1,4 +1,5 @@
-#include "applications/tool/options.h"
+#include "applications/tool/failure.h"
+#include "applications/tool/sharedoptions.h"
 
 #include "platform/program/packagearchive.h"
 
@@ -26,8 +27,11 @@ struct ReleaseHandle
     void operator()(VellorCookerHandle* handle) const { vellorCookerHandleRelease(handle); }
 };
 
+bool hasMessages = false; // the cooker said why
+
 void printMessage(VellorCookerContext*, std::int32_t, const char* text)
 {
+    hasMessages = true;
     std::fprintf(stderr, "%s\n", text);
 }
 
@@ -46,25 +50,17 @@ std::vector<std::uint32_t> widePath(const std::string& path)
     return text;
 }
 
-/// Pushes files and folders; 0 or an exit code.
-int push(VellorCookerHandle* handle, const Arguments& arguments)
+void push(VellorCookerHandle* handle, const Arguments& arguments)
 {
-    const auto aliases = arguments.options.find("--alias");
-    for (std::size_t i = 0; aliases != arguments.options.end() && i < aliases->second.size(); ++i) {
-        const std::string& alias = aliases->second[i];
-        const std::size_t equals = alias.find('=');
-        if (equals == std::string::npos || equals == 0)
-            throw UsageError("'" + alias + "' is no alias; expected NAME=DIR");
-        const std::string folder = alias.substr(equals + 1);
-        if (vellorCookerHandlePushIncludeDirA(handle, alias.substr(0, equals).c_str(), folder.c_str()) !=
+    for (const auto& alias : readAliases(arguments)) {
+        if (vellorCookerHandlePushIncludeDirA(handle, alias.name.toUtf8(), alias.path.toUtf8()) !=
             VELLOR_COOKER_OK)
-            return fail(UnreadableFile, folder + ": no such folder");
+            throw Failure(UnreadableFile, alias.path + ": no such folder");
     }
     for (const std::string& file : arguments.files) {
         if (vellorCookerHandlePushPackageFileW(handle, widePath(file).data()) != VELLOR_COOKER_OK)
-            return fail(UnreadableFile, file + ": the file can't be read");
+            throw Failure(UnreadableFile, QString::fromStdString(file) + ": the file can't be read");
     }
-    return Done;
 }
 
 /// Writes beside the target first, so that a failure leaves no half-written file.
@@ -106,10 +102,9 @@ int runCook(const Arguments& arguments)
     if (vellorCookerHandleInit(&rawHandle, rawContext) != VELLOR_COOKER_OK)
         return fail(Failed, "the cooker can't be started");
     const std::unique_ptr<VellorCookerHandle, ReleaseHandle> handle(rawHandle);
-    if (const int code = push(rawHandle, arguments))
-        return code;
+    push(rawHandle, arguments);
     if (const std::uint32_t code = vellorCookerHandleCook(rawHandle); code != VELLOR_COOKER_OK)
-        return fail(Failed, "cooking failed (" + std::to_string(code) + ")");
+        return hasMessages ? Failed : fail(Failed, "cooking failed (" + std::to_string(code) + ")");
 
     const void* data = nullptr;
     std::uint64_t size = 0;
@@ -135,9 +130,7 @@ const Command cookCommand{
     "FILE.vlr...",
     "Cooks authoring files into one package. Errors come on standard error, one a line, with file, line and "
     "column.",
-    {{"--output", "-o", "OUT.vlrar", "the package to write; beside the first file by default"},
-     {"--alias", nullptr, "NAME=DIR",
-      "the folder that includes like NAME://file.vlr are looked up in; may be repeated"}},
+    {{"--output", "-o", "OUT.vlrar", "the package to write; beside the first file by default"}, kAlias},
     runCook};
 
 } // namespace vellor::tool

@@ -52,7 +52,8 @@ std::string namesOf(const Option& option)
 
 std::string firstSentence(const std::string& text)
 {
-    return text.substr(0, text.find(". ")).substr(0, text.find(": "));
+    const std::string sentence = text.substr(0, text.find(". ")).substr(0, text.find(": "));
+    return sentence.substr(0, sentence.find_last_not_of('.') + 1);
 }
 
 std::string replaced(std::string text, const std::string& from, const std::string& to)

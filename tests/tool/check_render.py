@@ -149,6 +149,27 @@ def check_frames(place):
     check("time", abs(place.png("frames/wall_height_0010.png")[4][0] - 0.7 * 65535) < 1, place.png("frames/wall_height_0010.png"))
 
 
+def check_profile(place):
+    def profile(*words):
+        return subprocess.run([place.vellor, "profile", "slow.vlr", "--size", "256", *words], cwd=place.folder,
+                              capture_output=True, text=True)
+
+    told = json.loads(profile("--json", "--output", "o3", "--output", "o4").stdout)
+    steps = {step["name"]: step for step in told["steps"] if step["name"]}
+    check("the nodes that were needed", set(steps) == {"slow/n3", "slow/b3", "slow/n4", "slow/b4"}, list(steps))
+    check("the dearest first", [step["seconds"] for step in told["steps"]] ==
+          sorted((step["seconds"] for step in told["steps"]), reverse=True), told["steps"])
+    blur = steps["slow/b3"]
+    check("a step", blur["kind"] == "gaussianblur" and blur["size"] == [256, 256] and blur["output"] == "o3" and
+          blur["seconds"] > 0 and blur["resultBytes"] >= 256 * 256 * 4, blur)
+    check("memory", told["peakBytes"] >= 256 * 256 * 4, told["peakBytes"])
+    spent = {entry["identifier"]: entry for entry in told["outputs"]}
+    check("outputs", set(spent) == {"o3", "o4"} and
+          sum(entry["stepSeconds"] for entry in spent.values()) <= sum(entry["seconds"] for entry in spent.values()), spent)
+    text = profile("--output", "o3").stdout
+    check("the table", "of the time goes to slow/" in text and "gaussianblur" in text and "slow/o3" in text, text)
+
+
 def check_errors(place):
     (place.folder / "text.png").write_text("text")
     for words, code, message in [
@@ -215,7 +236,7 @@ def check_interruption(place):
 def main():
     with tempfile.TemporaryDirectory() as name:
         place = Place(os.path.abspath(sys.argv[1]), name)
-        for part in (check_pictures, check_values, check_frames, check_errors, check_no_room, check_interruption):
+        for part in (check_pictures, check_values, check_frames, check_profile, check_errors, check_no_room, check_interruption):
             part(place)
     return 1 if failures else 0
 

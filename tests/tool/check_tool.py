@@ -39,6 +39,45 @@ ROWS = [
 ]
 
 
+MANY = """<package formatversion="1"><include as="l" url="gone.vlr"/>
+<graph identifier="g">
+<inputs><input identifier="a" type="flot"/></inputs>
+<nodes><node id="n1" type="nothing"/>
+<node id="n2" type="invert"><in name="input" from="n3"/></node>
+<node id="n3" type="invert"><in name="input" from="n2"/></node>
+<node id="n4" type="uniform"><param name="colour" expr="float4(1,"/></node>
+<node id="n5" type="uniform" size="0x0"/></nodes>
+<outputs><output identifier="o" from="none"/></outputs></graph></package>"""
+
+
+def check_all_errors(vellor):
+    """One run tells of the wrong things on each of these lines, and each line of its words has its place."""
+    with tempfile.TemporaryDirectory() as folder:
+        (pathlib.Path(folder) / "many.vlr").write_text(MANY)
+        told = subprocess.run([vellor, "cook", "many.vlr"], cwd=folder, capture_output=True, text=True)
+    places = [line.split(":")[:2] for line in told.stderr.splitlines()]
+    fits = told.returncode == 3 and {line for _, line in places} >= {"1", "3", "4", "7", "8", "9"}
+    if not fits or {"5", "6"}.isdisjoint(line for _, line in places) or {file for file, _ in places} != {"many.vlr"}:
+        print(f"all errors: {told}")
+        return 1
+    return 0
+
+
+def check_completion(vellor):
+    """The completion that the program prints completes options and the words of their values."""
+    script = subprocess.run([vellor, "--bash-completion"], capture_output=True, text=True).stdout
+    failed = 0
+    for words, wanted in [(["vellor", "pro"], "profile"), (["vellor", "render", "--pre"], "--preset"),
+                          (["vellor", "render", "--depth", ""], "8 16 16f 32f"), (["vellor", "cook", "--s"], "")]:
+        quoted = " ".join(f"'{word}'" for word in words)
+        asked = f"{script}\nCOMP_WORDS=({quoted}); COMP_CWORD={len(words) - 1}; _vellor; echo ${{COMPREPLY[*]}}"
+        told = subprocess.run(["bash", "-c", asked], capture_output=True, text=True)
+        if told.stdout.strip() != wanted or told.stderr:
+            failed += 1
+            print(f"completion of {words}: {told.stdout!r} {told.stderr!r}")
+    return failed
+
+
 def main():
     vellor, failures = os.path.abspath(sys.argv[1]), 0
     for words, code, message, left in ROWS:
@@ -61,6 +100,7 @@ def main():
             if not fits:
                 failures += 1
                 print(f"{words}: exit {result.returncode}, left {made}, said {result.stderr!r}")
+    failures += check_all_errors(vellor) + check_completion(vellor)
     print(f"{len(ROWS)} command lines, {failures} that don't do as they should")
     return 1 if failures else 0
 
