@@ -97,6 +97,18 @@ std::vector<Sheet> sheets()
         });
     }
     addChoices("brick", "output", [](Evaluation&, int) {});
+    addChoices("hexagons", "output", [](Evaluation& run, int) { run.set("tiles", {6, 0}); });
+    add("hexagons-side", [](int size) {
+        return Evaluation("hexagons", size, size)
+            .set("tiles", {5, 0})
+            .set("orientation", {1})
+            .set("rounding", {0.2})();
+    });
+    addChoices("herringbone", "output", [](Evaluation&, int) {});
+    add("herringbone-straight", [](int size) {
+        return Evaluation("herringbone", size, size).set("orientation", {1}).set("length", {3})();
+    });
+    addChoices("basketweave", "output", [](Evaluation&, int) {});
     addChoices("cellular", "output", [](Evaluation&, int) {});
     addChoices("cellular", "metric", [](Evaluation& run, int) { run.set("output", {2}); });
     add("cellular-fractal",
@@ -185,6 +197,12 @@ std::vector<Sheet> sheets()
             run.skip();
         return run.operand(reliefOf(size))();
     });
+    addChoices("cracks", "output", [](Evaluation&, int) {});
+    addChoices("dots", "profile", [](Evaluation& run, int) { run.set("arrangement", {1}); });
+    add("stripes", [](int size) { return Evaluation("stripes", size, size).set("repeats", {5, 3})(); });
+    addChoices("reflectedgradient", "profile", [](Evaluation& run, int) { run.set("repeats", {2, 1}); });
+    addChoices("angulargradient", "profile", [](Evaluation& run, int) { run.set("repeats", {2}); });
+    addChoices("knit", "output", [](Evaluation& run, int) { run.set("stitches", {6, 0}); });
     addChoices("weave", "pattern", [](Evaluation& run, int) { run.set("threads", {10, 0}); });
     addChoices("weave", "output", [](Evaluation& run, int) {
         run.set("threads", {8, 0}).set("pattern", {1});

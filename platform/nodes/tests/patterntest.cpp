@@ -100,6 +100,26 @@ const PatternCase kPatterns[] = {
      [](Evaluation& run) {
          run.set("number", {60}).set("size", {0.3, 0.1}).set("rotationvariation", {1}).set("shape", {6});
      }},
+    {"hexagons",
+     [](Evaluation& run) {
+         run.set("tiles", {5, 0});
+     }},
+    {"herringbone", [](Evaluation& run) { run.set("length", {3}); }},
+    {"herringbone", [](Evaluation& run) { run.set("orientation", {1}).set("length", {4}); }},
+    {"basketweave", [](Evaluation&) {}},
+    {"knit",
+     [](Evaluation& run) {
+         run.set("stitches", {5, 0}).set("variation", {1});
+     }},
+    {"stripes",
+     [](Evaluation& run) {
+         run.set("repeats", {3, 2}).set("softness", {0.5});
+     }},
+    {"dots", [](Evaluation& run) { run.set("arrangement", {1}).set("profile", {2}); }},
+    {"reflectedgradient",
+     [](Evaluation& run) {
+         run.set("repeats", {3, -2});
+     }},
     {"weave", [](Evaluation& run) { run.set("pattern", {3}); }},
     {"checker", [](Evaluation& run) { run.set("diagonal", {1}); }},
     {"shape",
@@ -166,8 +186,8 @@ TEST(Patterns, LookAlikeAtEverySize)
 
 TEST(Patterns, SeedsDiffer)
 {
-    for (const char* kind :
-         {"perlin", "simplex", "valuenoise", "cellular", "whitenoise", "brick", "tile", "weave"}) {
+    for (const char* kind : {"perlin", "simplex", "valuenoise", "cellular", "whitenoise", "brick", "tile",
+                             "weave", "hexagons", "herringbone", "basketweave", "knit", "cracks"}) {
         Evaluation run(kind, 32, 32);
         EXPECT_FALSE(run.seed(1)() == run.seed(2)()) << kind;
         EXPECT_TRUE(run.seed(2)() == run.seed(2)()) << kind;
@@ -234,12 +254,34 @@ TEST(Brick, CountsAndMortar)
     EXPECT_LT(u.at(1, 16), u.at(60, 16));
 }
 
+TEST(Blocks, CoverByFormula)
+{
+    const auto share = [](const char* kind, const char* name, double value) {
+        return meanOf(Evaluation(kind, 256, 256)
+                          .set("mortar", {0.2})
+                          .set("rounding", {0})
+                          .set("output", {1})
+                          .set(name, {value, 0})());
+    };
+    EXPECT_NEAR(share("hexagons", "tiles", 7), 0.8 * 0.8, 0.005);
+    EXPECT_NEAR(share("herringbone", "orientation", 0), 4.8 * 0.8 / 5, 0.005);
+    EXPECT_NEAR(share("herringbone", "orientation", 1), 4.8 * 0.8 / 5, 0.005);
+    EXPECT_NEAR(share("basketweave", "tiles", 4), 2.8 * 0.8 / 3, 0.005);
+    EXPECT_NEAR(meanOf(Evaluation("stripes", 64, 64).set("repeats", {37, 11}).set("width", {0.3})()), 0.3,
+                1e-3);
+    EXPECT_NEAR(meanOf(Evaluation("dots", 256, 256)()), 3.14159265 * 0.3 * 0.3, 0.002);
+}
+
 TEST(Gradients, KnownValues)
 {
     const Picture ramp = Evaluation("lineargradient", 64, 64)();
     EXPECT_FLOAT_EQ(ramp.at(10, 5), 10.5f / 64.0f);
     const Picture radial = Evaluation("radialgradient", 64, 64).set("centre", {0, 0})();
     EXPECT_NEAR(radial.at(0, 0), radial.at(-1, -1), 1e-6f);
+    const Picture angular = Evaluation("angulargradient", 64, 64)();
+    EXPECT_NEAR(angular.at(48, 48), 0.125f, 1e-5f);
+    EXPECT_NEAR(angular.at(15, 15), 0.625f, 1e-5f);
+    EXPECT_FLOAT_EQ(Evaluation("reflectedgradient", 64, 64)().at(47, 3), 1.0f - 31.0f / 64.0f);
     EXPECT_NEAR(radial.at(15, 0), 1.0f - std::hypot(15.5f, 0.5f) / 32.0f, 1e-6f);
 }
 
