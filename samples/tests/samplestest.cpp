@@ -13,7 +13,8 @@ namespace {
 
 constexpr int kLog2Side = 6;
 
-const char* const kSamples[] = {"bricks", "rusted_metal", "woven_fabric", "water", "stylised_photo"};
+const char* const kSamples[] = {"bricks",       "marble", "rusted_metal",
+                                "woven_fabric", "water",  "stylised_photo"};
 
 std::string fileOf(const std::string& sample)
 {
@@ -86,6 +87,7 @@ TEST_P(EverySample, EveryOutputArrives)
 /// before it.
 const std::map<std::string, std::vector<std::pair<const char*, std::vector<double>>>> kSettings = {
     {"bricks", {{"depth", {1.8}}, {"bond", {1}}, {"bricks", {3, 7}}, {"bond", {3}}, {"painted", {1}}}},
+    {"marble", {{"direction", {2}}, {"direction", {1}}, {"laying", {0}}, {"direction", {3}}, {"scale", {3}}}},
     {"rusted_metal", {{"depth", {1.4}}, {"plates", {3}}, {"plated", {0}}, {"fall", {0.4}}, {"brush", {31}}}},
     {"woven_fabric",
      {{"depth", {1.6}}, {"threads", {17}}, {"pattern", {0}}, {"pattern", {3}}, {"checked", {1}}}},
