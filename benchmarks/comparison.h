@@ -29,6 +29,7 @@ public:
     Comparison& operator=(const Comparison&) = delete;
 
     void add(const Span& figure, const Span& rival);
+    void setRival(std::string rival) { m_rival = std::move(rival); }
     void addPart(const std::string& name, const Span& part);
 
     template<class Work> static Span time(Work&& work)

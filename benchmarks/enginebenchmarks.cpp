@@ -1,5 +1,6 @@
-// The engine by itself: everything that a package has to give, and a chain of point nodes beside the memory
-// traffic that no engine of whole pictures could do without.
+// The engine by itself: everything that a package has to give, a material of 60 nodes with what its size, its
+// changes and its memory come to, and a chain of point nodes beside the memory traffic that no engine of
+// whole pictures could do without.
 
 #include "applications/player/description/inputvalue.h"
 #include "benchmarks/comparison.h"
@@ -8,8 +9,11 @@
 
 #include <QtGlobal>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <fstream>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -24,6 +28,7 @@ constexpr quint32 kNoFusion = 1; // the engine's flag: every point node writes a
 // Indexes of inputs: the order of the authoring file.
 constexpr int kOutputSize = 0;
 constexpr int kChainSlider = 1;
+constexpr int kGloss = 1, kSoil = 2;
 
 void setSize(EngineAlone& engine, std::int64_t pixels)
 {
@@ -48,6 +53,75 @@ void allBricks(benchmark::State& state)
     for (auto turn : state) {
         const Span rival = compute(one);
         comparison.add(compute(several), rival);
+    }
+}
+
+double residentMegabytes()
+{
+    double pages = 0;
+    std::ifstream("/proc/self/statm") >> pages >> pages;
+    return pages * 4096 / 1048576;
+}
+
+/// The greatest memory that the process has had since the last call, in MB.
+double peakMegabytes()
+{
+    double peak = 0;
+    std::ifstream status("/proc/self/status");
+    for (std::string line; std::getline(status, line);)
+        if (line.rfind("VmHWM:", 0) == 0)
+            peak = std::stod(line.substr(6)) / 1024;
+    std::ofstream("/proc/self/clear_refs") << "5";
+    return peak;
+}
+
+/// All six outputs of the material with nothing cached; beside it the same on one thread. The label has the
+/// memory at the peak and the sum of the outputs: 4 + 8 + 1 + 1 + 1 + 2 bytes a pixel.
+void material(benchmark::State& state)
+{
+    const Packages::Linked linked(Packages::path("material60"));
+    double peak = 0;
+    const auto compute = [&](quint32 threads) {
+        EngineAlone engine(linked.binary(), threads);
+        setSize(engine, state.range(0));
+        const EngineAlone::Uids outputs = engine.pictures();
+        return Comparison::time([&] { engine.generate(outputs); });
+    };
+    Comparison comparison(state, "");
+    for (auto turn : state) {
+        const Span rival = compute(1);
+        const double before = residentMegabytes();
+        peakMegabytes();
+        const Span figure = compute(quint32(state.range(1)));
+        peak = std::max(peak, peakMegabytes() - before);
+        comparison.add(figure, rival);
+    }
+    const double outputs = 17e-6 * double(state.range(0) * state.range(0));
+    comparison.setRival("one thread; memory " + std::to_string(int(peak)) + " MB, outputs " +
+                        std::to_string(int(outputs + 0.5)) + " MB");
+}
+
+/// One input of the material changes; beside it the whole material. range(1): the input.
+void lateChange(benchmark::State& state)
+{
+    const Packages::Linked linked(Packages::path("material60"));
+    EngineAlone engine(linked.binary(), 2);
+    setSize(engine, state.range(0));
+    const EngineAlone::Uids outputs = engine.pictures();
+    const int input = int(state.range(1));
+    float value = 0.3f;
+    const auto change = [&] {
+        engine.push(input, VELLOR_TYPE_FLOAT, InputValue::fromFloats(value += 0.003f));
+        return Comparison::time([&] { engine.generate(outputs); });
+    };
+    Comparison comparison(state, input == kGloss ? "the whole; 1 node of 60" : "the whole; 4 nodes of 60");
+    for (auto turn : state) {
+        engine.restart();
+        setSize(engine, state.range(0));
+        const Span whole = Comparison::time([&] { engine.generate(outputs); });
+        for (int turn = 0; turn < 3; ++turn)
+            change();
+        comparison.add(change(), whole);
     }
 }
 
@@ -102,6 +176,24 @@ BENCHMARK(allBricks)
     ->ArgNames({"", "threads"})
     ->ArgsProduct({{512, 1024, 2048}, {2}})
     ->Iterations(kTurns)
+    ->UseManualTime();
+BENCHMARK(material)
+    ->Name("engine, material of 60 nodes")
+    ->ArgNames({"", "threads"})
+    ->ArgsProduct({{256, 512, 1024, 2048}, {2}})
+    ->Iterations(3)
+    ->UseManualTime();
+BENCHMARK(material)
+    ->Name("engine, material of 60 nodes")
+    ->ArgNames({"", "threads"})
+    ->ArgsProduct({{4096, 8192}, {2}})
+    ->Iterations(1)
+    ->UseManualTime();
+BENCHMARK(lateChange)
+    ->Name("engine, material, change of gloss or soil")
+    ->ArgNames({"", "input"})
+    ->ArgsProduct({{2048}, {kGloss, kSoil}})
+    ->Iterations(5)
     ->UseManualTime();
 BENCHMARK(pointChain)
     ->Name("engine, chain of 8 point nodes")

@@ -94,7 +94,6 @@ int OperationGraph::addNode(const char* kind, int channels, const std::vector<in
     node.key = {1, m_plan.nodes.size()};
     node.operands = operands;
     node.operands.resize(node.kind->operands.size(), kNoNode);
-    node.compute = true;
     for (const nodes::ParameterDeclaration& declared : node.kind->parameters)
         apply(node.parameters.emplace_back(), {declared.name, declared.defaultValue});
     for (const Setting& setting : settings) {
@@ -117,6 +116,27 @@ int OperationGraph::addNode(const char* kind, int channels, const std::vector<in
 
 void OperationGraph::run(int node)
 {
+    if (!tryRun(node))
+        fail("A stage was lost");
+}
+
+/// Nothing but what the node needs.
+void OperationGraph::markCompute(int node)
+{
+    std::vector<bool> wanted(m_plan.nodes.size(), false);
+    wanted[std::size_t(node)] = true;
+    for (std::size_t i = wanted.size(); i-- > 0;) {
+        m_plan.nodes[i].compute = wanted[i] && !m_pictures[i];
+        for (const int operand : m_plan.nodes[i].operands)
+            if (operand != kNoNode && wanted[i])
+                wanted[std::size_t(operand)] = true;
+    }
+}
+
+bool OperationGraph::tryRun(int node)
+{
+    m_stop = false;
+    markCompute(node);
     m_result = nullptr;
     m_store.clear();
     for (std::size_t i = 0; i < m_pictures.size(); ++i)
@@ -129,8 +149,9 @@ void OperationGraph::run(int node)
     const StageContext context{m_plan, m_store, *m_pool, m_threads, monitor, m_resources};
     for (const Stage& stage : schedule.stages)
         if (runStage(context, schedule, stage) != StageResult::Done)
-            fail("A stage was lost");
+            return false;
     m_result = m_store.get(m_plan.nodes[node].key);
+    return true;
 }
 
 void OperationGraph::pack(std::uint8_t format, void* pixels)

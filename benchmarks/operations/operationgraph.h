@@ -52,10 +52,16 @@ public:
     void run(int node);
     /// Writes the result of the last run in a host's raw format, as an output of the engine is written.
     void pack(std::uint8_t format, void* pixels);
+    /// The same, as long as nobody calls stop; whether it came to its end.
+    bool tryRun(int node);
+    /// Any thread. Counts from the start of a run on.
+    void stop() { m_stop = true; }
     /// The result of the last run.
     std::shared_ptr<const vellor::cpu::Image> result() const { return m_result; }
 
 private:
+    void markCompute(int node);
+
     vellor::cpu::Callbacks m_callbacks{};
     vellor::cpu::CacheStore m_noStore;
     std::shared_ptr<vellor::cpu::BufferPool> m_pool;

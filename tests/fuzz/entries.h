@@ -12,6 +12,7 @@ void authoring(const std::uint8_t* data, std::size_t size);
 void assembly(const std::uint8_t* data, std::size_t size);
 void archive(const std::uint8_t* data, std::size_t size);
 void binary(const std::uint8_t* data, std::size_t size);
+void engine(const std::uint8_t* data, std::size_t size); // bytes that decide about a graph and its host
 
 struct Target
 {
@@ -20,6 +21,6 @@ struct Target
 };
 
 constexpr Target kTargets[] = {
-    {"authoring", authoring}, {"assembly", assembly}, {"archive", archive}, {"binary", binary}};
+    {"authoring", authoring}, {"assembly", assembly}, {"archive", archive}, {"binary", binary}, {"engine", engine}};
 
 } // namespace vellor::fuzz

@@ -16,6 +16,7 @@ Handle::Handle(std::shared_ptr<VellorContext> context, std::unique_ptr<Package> 
       inputs_(package_->program()), values_(*package_), cacheStore_(context_->callbacks, self()),
       store_(context_->pool, cacheStore_), results_(package_->program().outputs.size())
 {
+    store_.watch(&stop_);
     store_.setBudget(resources_.memoryBudget);
 }
 
@@ -263,7 +264,9 @@ std::shared_ptr<const HostImage> Handle::picture(std::uint32_t input, int width,
         context_->callbacks.imageInput(self(), input, package_->program().inputs[input].uid, &slot, &request);
         // Left alone, the slot is the host's own data, which means nothing here.
         if (slot && slot != value.user)
-            asked.image = HostImage::copy(*static_cast<const VellorTexture*>(slot));
+            asked.image = HostImage::copy(*static_cast<const VellorTexture*>(slot), &stop_);
+        if (stop_) // it may be missing for that alone: ask again next time
+            asked.serial = 0;
     }
     return asked.image;
 }

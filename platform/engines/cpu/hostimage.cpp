@@ -19,6 +19,9 @@ std::size_t textureBytes(const VellorTexture& texture)
                : 0;
 }
 
+/// Bytes of a picture between two looks at the stop.
+constexpr std::size_t kPart = std::size_t(256) << 10;
+
 struct PictureState : nodes::State
 {
     std::shared_ptr<const HostImage> image;
@@ -31,7 +34,7 @@ void runPicture(const nodes::AreaJob& job)
 
 } // namespace
 
-std::shared_ptr<const HostImage> HostImage::copy(const VellorTexture& texture)
+std::shared_ptr<const HostImage> HostImage::copy(const VellorTexture& texture, const std::atomic<bool>* stop)
 {
     const std::size_t size = textureBytes(texture);
     if (!texture.buffer || size == 0)
@@ -43,10 +46,15 @@ std::shared_ptr<const HostImage> HostImage::copy(const VellorTexture& texture)
     image->order_ = texture.channelOrder;
     const auto* bytes = static_cast<const std::uint8_t*>(texture.buffer);
     image->data_.reserve(size + kPixelSlack);
-    image->data_.assign(bytes, bytes + size);
-    image->data_.resize(size + kPixelSlack);
     Hasher hasher(0x706963747572ull);
-    hasher.add(image->data_.data(), size);
+    for (std::size_t at = 0; at < size; at += kPart) { // what was just copied is hashed from the cache
+        if (stop && *stop)
+            return nullptr;
+        const std::size_t part = std::min(kPart, size - at);
+        image->data_.insert(image->data_.end(), bytes + at, bytes + at + part);
+        hasher.add(bytes + at, part);
+    }
+    image->data_.resize(size + kPixelSlack);
     hasher.add(std::uint64_t(texture.width) << 32 | std::uint64_t(texture.height) << 16 |
                std::uint64_t(texture.pixelFormat) << 8 | texture.channelOrder);
     image->key_ = hasher.key();

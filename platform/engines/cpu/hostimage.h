@@ -6,6 +6,8 @@
 
 #include <vellor/engine.h>
 
+#include <array>
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <vector>
@@ -17,8 +19,9 @@ class HostImage
 {
 public:
     /// Null for a texture without buffer or size, or in a format that can't be read: JPEG, mobile, unknown
-    /// codes. Reads as many bytes as size and format make.
-    static std::shared_ptr<const HostImage> copy(const VellorTexture& texture);
+    /// codes, or once `stop` is set. Reads as many bytes as size and format make.
+    static std::shared_ptr<const HostImage> copy(const VellorTexture& texture,
+                                                 const std::atomic<bool>* stop = nullptr);
 
     int width() const { return width_; }
     int height() const { return height_; }

@@ -13,12 +13,8 @@ constexpr std::uint64_t kParkedBudgets = 4;
 /// Superseded results take at most one of so many parts of the budget.
 constexpr std::uint64_t kSupersededPart = 16;
 
-Key contentOf(const Image& image)
-{
-    Hasher hasher(0x7061726b6564ull);
-    hasher.add(image.bytes(), image.byteSize());
-    return hasher.key();
-}
+/// Bytes of a picture between two looks at the stop.
+constexpr std::size_t kPart = std::size_t(1) << 20;
 
 } // namespace
 
@@ -41,6 +37,8 @@ std::shared_ptr<const Image> ImageStore::get(const Key& key)
     if (found == entries_.end())
         return nullptr;
     if (!found->second.image && !readBack(found->second)) {
+        if (stopped())
+            return nullptr;
         cacheStore_.refuse();
         drop(found);
         return nullptr;
@@ -159,6 +157,15 @@ bool ImageStore::evict(Entries::iterator entry)
     return true;
 }
 
+/// Of no use once stopped.
+Key ImageStore::contentOf(const Image& image) const
+{
+    Hasher hasher(0x7061726b6564ull);
+    for (std::size_t at = 0; at < image.byteSize() && !stopped(); at += kPart)
+        hasher.add(image.bytes() + at, std::min(kPart, image.byteSize() - at));
+    return hasher.key();
+}
+
 bool ImageStore::park(Entry& entry)
 {
     if (entry.parked)
@@ -166,6 +173,8 @@ bool ImageStore::park(Entry& entry)
     if (!cacheStore_.available())
         return false;
     entry.content = contentOf(*entry.image);
+    if (stopped())
+        return false;
     entry.parked = cacheStore_.write(entry.image->bytes(), entry.image->byteSize());
     parkedBytes_ += entry.image->byteSize();
     return true;
@@ -173,6 +182,8 @@ bool ImageStore::park(Entry& entry)
 
 bool ImageStore::readBack(Entry& entry)
 {
+    if (stopped())
+        return false;
     std::shared_ptr<Image> image = make(entry.width, entry.height, entry.channels);
     cacheStore_.read(entry.parked, image->bytes(), image->byteSize());
     if (contentOf(*image) != entry.content)

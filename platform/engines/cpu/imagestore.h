@@ -32,13 +32,16 @@ class ImageStore
 public:
     ImageStore(std::shared_ptr<BufferPool> pool, CacheStore& cacheStore);
 
+    /// While this is set, large pictures are neither parked nor read back. Null, and until this is called:
+    /// never.
+    void watch(const std::atomic<bool>* stop) { stop_ = stop; }
     /// In bytes; makes room at once.
     void setBudget(std::uint64_t bytes);
 
     /// Memory or parked.
     bool holds(const Key& key) const { return entries_.count(key) != 0; }
     /// The picture, read back if it was parked; null when the store doesn't hold it or it didn't come back
-    /// whole. In the latter case nothing is parked any more from then on.
+    /// whole. In the latter case nothing is parked any more from then on, but for a stop.
     std::shared_ptr<const Image> get(const Key& key);
     /// A picture to write to, after making room for it. Throws std::bad_alloc.
     std::shared_ptr<Image> make(int width, int height, int channels);
@@ -80,11 +83,14 @@ private:
     bool evict(Entries::iterator entry);
     bool park(Entry& entry);
     bool readBack(Entry& entry);
+    bool stopped() const { return stop_ && *stop_; }
+    Key contentOf(const Image& image) const;
     void drop(Entries::iterator entry);
     void limitParked();
 
     std::shared_ptr<BufferPool> pool_;
     CacheStore& cacheStore_;
+    const std::atomic<bool>* stop_ = nullptr;
     Entries entries_;
     Account live_;
     std::uint64_t budget_ = 0, parkedBytes_ = 0, clock_ = 0, generation_ = 1;

@@ -37,10 +37,11 @@ void halvePixels(const float* above, const float* below, int count, float* out);
 void streamBytes(void* to, const void* from, std::size_t bytes);
 void endStreaming();
 
-/// Whether a result of so many bytes had better be written past the caches.
+/// Whether a result of so many bytes had better be written past the caches: plainly so from 64 MiB on, and
+/// no longer worse from about 16.
 constexpr bool worthStreaming(std::size_t bytes)
 {
-    return bytes >= (std::size_t(4) << 20);
+    return bytes >= (std::size_t(16) << 20);
 }
 
 } // namespace vellor::cpu

@@ -26,10 +26,10 @@ int pixelProgram(ProgramBuilder& build, int channels)
 }
 
 /// The kind with all its operands on noise, between two inversions that the engine may fuse it with.
-ProgramBuilder around(const nodes::NodeDeclaration& kind, int channels)
+ProgramBuilder around(const nodes::NodeDeclaration& kind, int channels, int log2Width = 7, int log2Height = 5)
 {
     ProgramBuilder build;
-    const int size = build.sizeValue(7, 5);
+    const int size = build.sizeValue(log2Width, log2Height);
     const int image = build.input(program::ValueType::Image);
     const int grey = build.node("invert", size, {build.node("perlin", size)});
     int colour = build.node("uniform", size);
@@ -86,6 +86,20 @@ TEST(Kinds, GiveTheSameBytesHoweverTheWorkIsCut)
             for (const std::uint32_t rows : {1u, 7u})
                 EXPECT_EQ(picture(build, 3, rows, 0), reference)
                     << kind->name << ", " << channels << " channels, " << rows;
+        }
+    }
+}
+
+TEST(Kinds, ServePicturesOfEveryShape)
+{
+    for (const char* name : {"perlin", "gaussianblur", "warp", "normal", "distance", "transform", "levels"}) {
+        for (const auto& [log2Width, log2Height] : {std::pair(14, 0), {0, 14}, {0, 0}, {14, 4}}) {
+            const nodes::NodeDeclaration& kind = *nodes::findNode(std::string_view(name));
+            const ProgramBuilder build =
+                around(kind, kind.result == ResultChannels::Colour ? 4 : 1, log2Width, log2Height);
+            const auto reference = picture(build, 1, 0, Resources::kNoFusion);
+            EXPECT_EQ(reference.size(), std::size_t(16) << (log2Width + log2Height)) << name;
+            EXPECT_EQ(picture(build, 3, 0, 0), reference) << name << ", " << log2Width << ", " << log2Height;
         }
     }
 }

@@ -1,0 +1,117 @@
+// How soon every node kind gives way to a stop that comes at some moment of its work.
+
+#include "benchmarks/operations/rivals.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <ctime>
+#include <random>
+#include <thread>
+
+namespace {
+
+using vellor::nodes::NodeDeclaration;
+using vellor::nodes::OperandChannels;
+using vellor::nodes::ParameterType;
+using vellor::nodes::ResultChannels;
+using Clock = std::chrono::steady_clock;
+
+constexpr int kStops = 7; // of each kind
+
+/// The kind by itself, with noise for its operands; -1 for one that needs more than that.
+int addKind(OperationGraph& graph, const NodeDeclaration& kind)
+{
+    for (const auto& parameter : kind.parameters)
+        if (parameter.type == ParameterType::PixelProgram)
+            return -1;
+    const int channels = kind.result == ResultChannels::Colour ? 4 : 1;
+    std::vector<int> operands;
+    for (const auto& operand : kind.operands)
+        operands.push_back(
+            addMatrix(graph, testPicture(operand.channels == OperandChannels::Colour ? 4 : 1)));
+    return graph.addNode(kind.name, channels, operands);
+}
+
+/// From a stop after `delay` milliseconds until the engine is back; negative where it was back before. The
+/// processor time is that of all threads: a machine that others use holds the clock up.
+Span stopAfter(OperationGraph& graph, int node, double delay)
+{
+    Clock::time_point stopped;
+    std::clock_t stoppedProcessor = 0;
+    std::thread other([&] {
+        std::this_thread::sleep_for(std::chrono::duration<double, std::milli>(delay));
+        stopped = Clock::now();
+        stoppedProcessor = std::clock();
+        graph.stop();
+    });
+    const bool whole = graph.tryRun(node);
+    const auto back = Clock::now();
+    const std::clock_t backProcessor = std::clock();
+    other.join();
+    if (whole)
+        return {-1.0, -1.0};
+    return {std::chrono::duration<double, std::milli>(back - stopped).count(),
+            1000.0 * double(backProcessor - stoppedProcessor) / CLOCKS_PER_SEC};
+}
+
+std::vector<Span> latencies(const NodeDeclaration& kind, int threads)
+{
+    OperationGraph graph(kSide, kSide, threads);
+    const int node = addKind(graph, kind);
+    std::vector<Span> times;
+    if (node < 0)
+        return times;
+    const double whole = Comparison::time([&] { graph.run(node); }).clock;
+    std::mt19937 random(1);
+    for (int i = 0; i < kStops; ++i) {
+        const double delay = whole * (i + std::uniform_real_distribution<double>()(random)) / kStops;
+        if (const Span time = stopAfter(graph, node, delay); time.clock >= 0.0)
+            times.push_back(time);
+    }
+    return times;
+}
+
+bool less(const Span& a, const Span& b)
+{
+    return a.processor < b.processor;
+}
+
+/// The median over all kinds, beside the worst.
+void stop(benchmark::State& state)
+{
+    Comparison comparison(state, "");
+    for (auto turn : state) {
+        Span longest;
+        std::string slowest;
+        std::vector<Span> all;
+        for (const NodeDeclaration* kind : vellor::nodes::allNodes()) {
+            const std::vector<Span> times = latencies(*kind, int(state.range(0)));
+            if (times.empty())
+                continue;
+            all.insert(all.end(), times.begin(), times.end());
+            const Span worst = *std::max_element(times.begin(), times.end(), less);
+            if (worst.processor > 20.0 * double(state.range(0)))
+                std::fprintf(stderr, "%s: stopped within %.1f ms, %.1f ms of processors\n", kind->name,
+                             worst.clock, worst.processor);
+            if (less(longest, worst)) {
+                longest = worst;
+                slowest = kind->name;
+            }
+        }
+        std::nth_element(all.begin(), all.begin() + std::ptrdiff_t(all.size() / 2), all.end(), less);
+        comparison.add(all[all.size() / 2], longest);
+        comparison.setRival("the worst of all kinds, " + slowest);
+    }
+}
+
+const bool registered = [] {
+    benchmark::RegisterBenchmark("stop at any moment, all kinds", stop)
+        ->ArgName("threads")
+        ->Arg(2)
+        ->Iterations(1)
+        ->UseManualTime();
+    return true;
+}();
+
+} // namespace
