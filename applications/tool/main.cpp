@@ -63,6 +63,7 @@ void dropLogLines(QtMsgType, const QMessageLogContext&, const QString&)
 int main(int argc, char** argv)
 {
     qInstallMessageHandler(dropLogLines);
+    std::signal(SIGXFSZ, SIG_IGN); // a file that may not grow is one that can't be written
     const QCoreApplication application(argc, argv);
     const std::vector<std::string> words(argv + std::min(argc, 1), argv + argc);
     const std::string first = words.empty() ? std::string() : words.front();

@@ -55,6 +55,8 @@ void Renderer::run()
     m_queue.finish();
     m_progress.hide();
     tellFinished(true);
+    if (!m_failure.isEmpty())
+        throw Failure(Unwritable, m_failure);
 }
 
 void Renderer::renderFrame(int frame)
@@ -111,15 +113,17 @@ void Renderer::encode(RenderedOutput& rendered, const Generator::Result& result)
     if (!rendered.file.isEmpty())
         error = writePictureFile(surface, rendered.file,
                                  {m_settings.format, m_settings.depth, &m_interrupter.flag()});
-    if (!error.isEmpty())
-        m_interrupter.request();
     const std::lock_guard lock(m_mutex);
+    if (!error.isEmpty() && !m_interrupter.isRequested()) {
+        m_failure = rendered.file + ": " + error;
+        m_interrupter.request();
+    }
     rendered.width = surface->width();
     rendered.height = surface->height();
     rendered.hash = hash;
     rendered.encodingSeconds = double(clock.nsecsElapsed()) * 1e-9;
     rendered.fileBytes = rendered.file.isEmpty() ? 0 : QFileInfo(rendered.file).size();
-    rendered.error = error;
+    rendered.hasFailed = !error.isEmpty();
     rendered.isDone = true;
 }
 
@@ -133,9 +137,7 @@ void Renderer::tellFinished(bool all)
         const RenderedOutput rendered = std::move(m_outputs.front());
         m_outputs.pop_front();
         lock.unlock();
-        if (Interrupter::signal() == 0 && !rendered.error.isEmpty())
-            throw Failure(Unwritable, rendered.file + ": " + rendered.error);
-        if (rendered.isDone && rendered.error.isEmpty() && onRendered) {
+        if (rendered.isDone && !rendered.hasFailed && onRendered) {
             m_progress.hide();
             onRendered(rendered);
         }

@@ -42,7 +42,8 @@ private:
     Generator m_generator;
     ProgressBar m_progress;
     std::deque<RenderedOutput> m_outputs; // of the frames that are under way; references stay valid
-    std::mutex m_mutex;                   // isDone and error of these, which the queue sets
+    QString m_failure;                    // the first file that could not be written, and why
+    std::mutex m_mutex;                   // m_failure, and of m_outputs what the queue sets
     int m_firstOfFrame = 0;               // in m_outputs
     int m_frame = 0;
     int m_doneOfFrame = 0;

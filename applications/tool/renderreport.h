@@ -20,7 +20,7 @@ struct RenderedOutput
     QByteArray hash;
     QString file; // empty where none was written
     qint64 fileBytes = 0;
-    QString error;              // what kept the file from being written
+    bool hasFailed = false;     // the file could not be written
     double seconds = 0;         // of generation since the output before it
     double encodingSeconds = 0; // of the file
 };

@@ -52,6 +52,7 @@ public:
     {
     }
 
+    // False with a reason().
     bool open() { return m_file.open() && m_device.open(QIODevice::WriteOnly); }
     QIODevice& device() { return m_device; }
     bool hasFailed() const { return m_device.hasFailed(); }
@@ -59,21 +60,21 @@ public:
     // Empty if the file stands at its path now.
     QString finish()
     {
-        if (m_device.hasFailed() || !m_file.flush() || m_file.error() != QFileDevice::NoError)
-            return reason();
+        if (m_device.hasFailed() || !m_device.flush())
+            return m_device.isCancelled() ? translated("cancelled") : m_device.reason();
         if (fchmod(m_file.handle(), usualPermissions()) != 0)
             return systemError();
         static std::atomic<int> counter{0};
         const QString named = hiddenName() + QString::number(getpid()) + '-' + QString::number(++counter);
         if (!m_file.rename(named))
-            return reason();
+            return m_file.errorString();
         if (std::rename(QFile::encodeName(named).constData(), QFile::encodeName(m_path).constData()) != 0)
             return systemError(); // the file goes with the object
         m_file.setAutoRemove(false);
         return {};
     }
 
-    QString reason() const { return m_device.isCancelled() ? translated("cancelled") : m_file.errorString(); }
+    QString reason() const { return m_file.errorString(); }
 
 private:
     // Encoders don't all look at whether their bytes are taken.
@@ -88,21 +89,35 @@ private:
         bool hasFailed() const { return m_hasFailed || isCancelled(); }
         qint64 size() const override { return m_file.size(); }
         qint64 pos() const override { return m_file.pos(); }
-        bool seek(qint64 position) override { return QIODevice::seek(position) && m_file.seek(position); }
+        bool seek(qint64 position) override
+        {
+            return keepReason(QIODevice::seek(position) && m_file.seek(position));
+        }
+        bool flush() { return keepReason(m_file.flush()); }
+        // Why bytes were not taken, the first time.
+        const QString& reason() const { return m_reason; }
 
     protected:
         qint64 readData(char*, qint64) override { return -1; }
         qint64 writeData(const char* data, qint64 size) override
         {
-            const qint64 written = hasFailed() ? -1 : m_file.write(data, size);
-            m_hasFailed |= written != size;
-            return written;
+            return !hasFailed() && keepReason(m_file.write(data, size) == size) ? size : -1;
         }
 
     private:
+        bool keepReason(bool isDone)
+        {
+            if (isDone || m_hasFailed)
+                return isDone;
+            m_hasFailed = true;
+            m_reason = errno != 0 ? systemError() : m_file.errorString();
+            return false;
+        }
+
         QFileDevice& m_file;
         const std::atomic<bool>* m_cancelled;
         bool m_hasFailed = false;
+        QString m_reason;
     };
 
     QString hiddenName() const
