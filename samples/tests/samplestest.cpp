@@ -13,7 +13,7 @@ namespace {
 
 constexpr int kLog2Side = 6;
 
-const char* const kSamples[] = {"bricks",       "marble", "rusted_metal",
+const char* const kSamples[] = {"bricks",       "marble", "rusted_metal",  "sand_dunes",
                                 "woven_fabric", "water",  "stylised_photo"};
 
 std::string fileOf(const std::string& sample)
