@@ -79,6 +79,12 @@ std::uint32_t integerWord(Source& source)
     return choice < 32 ? kSpecial[choice % 4] : choice < 192 ? std::uint32_t(choice % 32) : source.word();
 }
 
+bool isBlob(ParameterType type)
+{
+    return type == ParameterType::Text || type == ParameterType::Curve || type == ParameterType::Gradient ||
+           type == ParameterType::Picture;
+}
+
 /// A package that keeps the rules, of whatever comes.
 class Builder
 {
@@ -206,7 +212,7 @@ private:
         } else if (declared.type == ParameterType::Text && m_source.below(2) == 0) {
             parameter.source = program::ParameterSource::Input;
             parameter.index = 1;
-        } else if (declared.type >= ParameterType::Text && declared.type <= ParameterType::Gradient) {
+        } else if (isBlob(declared.type)) {
             if (m_source.below(2) == 0)
                 return;
             parameter.source = program::ParameterSource::Blob;
