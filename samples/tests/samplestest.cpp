@@ -87,8 +87,10 @@ TEST_P(EverySample, EveryOutputArrives)
 /// before it.
 const std::map<std::string, std::vector<std::pair<const char*, std::vector<double>>>> kSettings = {
     {"bricks", {{"depth", {1.8}}, {"bond", {1}}, {"bricks", {3, 7}}, {"bond", {3}}, {"painted", {1}}}},
-    {"marble", {{"direction", {2}}, {"direction", {1}}, {"laying", {0}}, {"direction", {3}}, {"scale", {3}}}},
+    // Slabs end at the edge, so the stone is looked at in one piece.
+    {"marble", {{"laying", {0}}, {"direction", {0}}, {"direction", {1}}, {"direction", {4}}, {"scale", {3}}}},
     {"rusted_metal", {{"depth", {1.4}}, {"plates", {3}}, {"plated", {0}}, {"fall", {0.4}}, {"brush", {31}}}},
+    {"sand_dunes", {{"tracks", {0}}, {"tracks", {3}}, {"wind", {0}}, {"wind", {200}}, {"ripples", {9}}}},
     {"woven_fabric",
      {{"depth", {1.6}}, {"threads", {17}}, {"pattern", {0}}, {"pattern", {3}}, {"checked", {1}}}},
     {"water", {{"$time", {0}}, {"$time", {3.21}}, {"wind", {0.33}}, {"weather", {1}}}},
