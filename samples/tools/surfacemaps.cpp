@@ -293,23 +293,49 @@ SurfaceMaps::SurfaceMaps(const Results& results, const std::string& graph, const
     }
 }
 
+/// Where four neighbours of a place lie, and what they count.
+struct SurfaceMaps::Taps
+{
+    std::size_t index[4];
+    float weight[4];
+
+    Taps(const Picture& picture, float u, float v)
+    {
+        const float x = u * float(picture.width) - 0.5f, y = v * float(picture.height) - 0.5f;
+        const float left = std::floor(x), top = std::floor(y), a = x - left, b = y - top;
+        const auto around = [](int i, int size) {
+            return unsigned(i < 0 ? i % size + size : i) % unsigned(size);
+        };
+        const unsigned x0 = around(int(left), picture.width), x1 = around(int(left) + 1, picture.width);
+        const unsigned y0 = around(int(top), picture.height), y1 = around(int(top) + 1, picture.height);
+        const auto at = [&](unsigned px, unsigned py) {
+            return (std::size_t(py) * picture.width + px) * picture.channels;
+        };
+        const std::size_t places[4] = {at(x0, y0), at(x1, y0), at(x0, y1), at(x1, y1)};
+        const float weights[4] = {(1 - a) * (1 - b), a * (1 - b), (1 - a) * b, a * b};
+        std::copy_n(places, 4, index);
+        std::copy_n(weights, 4, weight);
+    }
+    float read(const Picture& picture, int channel) const
+    {
+        const float* values = picture.values.data() + channel;
+        return values[index[0]] * weight[0] + values[index[1]] * weight[1] + values[index[2]] * weight[2] +
+               values[index[3]] * weight[3];
+    }
+};
+
 Vec SurfaceMaps::colourAt(const Picture& picture, float u, float v)
 {
-    const float x = u * float(picture.width) - 0.5f, y = v * float(picture.height) - 0.5f;
-    const float left = std::floor(x), top = std::floor(y), a = x - left, b = y - top;
-    const int x0 = int(left), y0 = int(top);
-    Vec result;
-    for (int c = 0; c < 3; ++c) {
-        const int channel = picture.channels == 1 ? 0 : c;
-        const auto at = [&](int dx, int dy) { return picture.at(x0 + dx, y0 + dy, channel); };
-        result[c] = (at(0, 0) * (1 - a) + at(1, 0) * a) * (1 - b) + (at(0, 1) * (1 - a) + at(1, 1) * a) * b;
-    }
-    return result;
+    const Taps taps(picture, u, v);
+    if (picture.channels > 1)
+        return {taps.read(picture, 0), taps.read(picture, 1), taps.read(picture, 2)};
+    const float grey = taps.read(picture, 0);
+    return {grey, grey, grey};
 }
 
 float SurfaceMaps::greyAt(const Picture* picture, float u, float v, float missing)
 {
-    return picture ? colourAt(*picture, u, v)[0] : missing;
+    return picture ? Taps(*picture, u, v).read(*picture, 0) : missing;
 }
 
 SurfaceMaps::Point SurfaceMaps::at(float u, float v) const

@@ -34,6 +34,7 @@ public:
     float heightAt(float u, float v) const;
 
 private:
+    struct Taps;
     static Vec colourAt(const Picture& picture, float u, float v);
     static float greyAt(const Picture* picture, float u, float v, float missing);
 
