@@ -13,8 +13,8 @@ namespace {
 
 constexpr int kLog2Side = 6;
 
-const char* const kSamples[] = {"bricks",       "marble", "rusted_metal",  "sand_dunes",
-                                "woven_fabric", "water",  "stylised_photo"};
+const char* const kSamples[] = {"bricks",     "cobblestones", "leather", "marble",        "rusted_metal",
+                                "sand_dunes", "woven_fabric", "water",   "stylised_photo"};
 
 std::string fileOf(const std::string& sample)
 {
@@ -87,6 +87,8 @@ TEST_P(EverySample, EveryOutputArrives)
 /// before it.
 const std::map<std::string, std::vector<std::pair<const char*, std::vector<double>>>> kSettings = {
     {"bricks", {{"depth", {1.8}}, {"bond", {1}}, {"bricks", {3, 7}}, {"bond", {3}}, {"painted", {1}}}},
+    {"cobblestones", {{"depth", {5}}, {"stones", {5}}, {"laying", {1}}, {"laying", {2}}, {"puddles", {0.5}}}},
+    {"leather", {{"depth", {1.6}}, {"pebbles", {17}}, {"stitches", {13}}, {"seam", {0}}}},
     // Slabs end at the edge, so the stone is looked at in one piece.
     {"marble", {{"laying", {0}}, {"direction", {0}}, {"direction", {1}}, {"direction", {4}}, {"scale", {3}}}},
     {"rusted_metal", {{"depth", {1.4}}, {"plates", {3}}, {"plated", {0}}, {"fall", {0.4}}, {"brush", {31}}}},
