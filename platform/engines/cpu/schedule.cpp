@@ -1,6 +1,7 @@
 #include "platform/engines/cpu/schedule.h"
 
 #include <algorithm>
+#include <limits>
 #include <numeric>
 #include <utility>
 
@@ -46,21 +47,47 @@ private:
 
     void joinGroups()
     {
-        std::vector<int> level(plan_.nodes.size(), 0);
+        const std::vector<int> level = levels();
         for (int i = 0; i < count(); ++i) {
             const PlanNode& node = plan_.nodes[i];
-            if (!node.compute)
-                continue;
-            forOperands(i, [&](int operand) {
-                if (plan_.nodes[operand].compute)
-                    level[i] = std::max(level[i], level[operand] + (node.isPoint() ? 0 : 1));
-            });
-            if (!node.isPoint())
+            if (!node.compute || !node.isPoint())
                 continue;
             for (const int operand : node.operands)
                 if (operand != kNoNode && joins(operand) && level[operand] == level[i])
                     group_[find(i)] = find(operand);
         }
+    }
+
+    /// A node's level is one above that of its operands behind an area node, theirs behind a point node.
+    std::vector<int> levels() const
+    {
+        constexpr int kNobody = std::numeric_limits<int>::max();
+        std::vector<int> level(plan_.nodes.size(), 0), latest(plan_.nodes.size(), kNobody);
+        for (int i = 0; i < count(); ++i) {
+            if (!plan_.nodes[i].compute)
+                continue;
+            forOperands(i, [&](int operand) {
+                if (plan_.nodes[operand].compute)
+                    level[i] = std::max(level[i], level[operand] + (plan_.nodes[i].isPoint() ? 0 : 1));
+            });
+        }
+        // A picture out of nothing that nobody else wants goes with its first reader, and mostly needs no
+        // memory there.
+        std::vector<bool> wanted(plan_.nodes.size(), false);
+        for (const int root : plan_.roots)
+            wanted[root] = true;
+        for (int i = count(); i-- > 0;) {
+            if (!plan_.nodes[i].compute)
+                continue;
+            bool isSource = plan_.nodes[i].isPoint() && !plan_.nodes[i].keep && !wanted[i];
+            forOperands(i, [&](int) { isSource = false; });
+            if (isSource && latest[i] != kNobody)
+                level[i] = std::max(level[i], latest[i]);
+            forOperands(i, [&](int operand) {
+                latest[operand] = std::min(latest[operand], level[i] - (plan_.nodes[i].isPoint() ? 0 : 1));
+            });
+        }
+        return level;
     }
 
     bool joins(int operand) const { return plan_.nodes[operand].compute && plan_.nodes[operand].isPoint(); }

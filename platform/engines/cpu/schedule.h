@@ -7,7 +7,8 @@
 // live for a row in cache.
 //
 // Grouping never makes a cycle: each node has a level, which rises behind every area node, and a group holds
-// nodes of one level. A path that left a group and came back would have risen on the way.
+// nodes of one level. A path that left a group and came back would have risen on the way. Nodes that read
+// nothing have no such path behind them: they take the level of their first reader.
 
 #include "platform/engines/cpu/plan.h"
 
