@@ -118,7 +118,8 @@ public:
     StampReader(const StampState& state, const AreaJob& job, const StampCopy& copy)
         : m_state(state), m_stamp(state.stamps[copy.stamp]),
           m_colour(state.colours.empty() ? nullptr : state.colours[copy.stamp].data()),
-          m_scaleX(1.0f / std::max(m_stamp.halfX, 0.5f)), m_scaleY(1.0f / std::max(m_stamp.halfY, 0.5f))
+          m_reachX(drawnHalf(m_stamp.halfX) + 0.5f), m_reachY(drawnHalf(m_stamp.halfY) + 0.5f),
+          m_scaleX(1.0f / drawnHalf(m_stamp.halfX)), m_scaleY(1.0f / drawnHalf(m_stamp.halfY))
     {
         if (state.pictures > 0)
             m_picture = m_stamp.level > 0 ? job.scratch[state.scratchOf(m_stamp.picture, m_stamp.level)]
@@ -172,8 +173,11 @@ private:
         const F t = clampOf((inside + F(0.5f) * step) / (F(softness) + step), F(0.0f), F(1.0f));
         // What is smaller than a pixel is drawn as large as one, and fainter.
         const F small(std::min(2.0f * m_stamp.halfX, 1.0f) * std::min(2.0f * m_stamp.halfY, 1.0f));
+        // The slope is steeper than the edge at the tips of thin shapes, so the box ends them: what a pixel
+        // shows must not depend on which others are in its vector.
+        const F box = clampOf(minOf(F(m_reachX) - absOf(px), F(m_reachY) - absOf(py)), F(0.0f), F(1.0f));
         Shown<channels> shown;
-        shown.cover = (softness > 0.0f ? t * t * (F(3.0f) - F(2.0f) * t) : t) * small;
+        shown.cover = minOf(softness > 0.0f ? t * t * (F(3.0f) - F(2.0f) * t) : t, box) * small;
         const float tone =
             m_stamp.value * (channels > 1 && m_colour ? m_colour[0] + m_colour[1] + m_colour[2] : 1.0f);
         const F value = (relief ? shapeAt(shape, x, y, F(1.0f)) * small : shown.cover) * F(tone);
@@ -187,7 +191,7 @@ private:
     const StampState& m_state;
     const Stamp& m_stamp;
     const float* m_colour;
-    float m_scaleX, m_scaleY;
+    float m_reachX, m_reachY, m_scaleX, m_scaleY;
     ImageView m_picture;
 };
 
@@ -211,8 +215,8 @@ Span spanOf(const StampState& state, const Stamp& stamp, float x, float y)
         low = std::max(low, std::min(a, b));
         high = std::min(high, std::max(a, b));
     };
-    limit(stamp.cosine, y * stamp.sine, stamp.halfX + 1.0f);
-    limit(-stamp.sine, y * stamp.cosine, stamp.halfY + 1.0f);
+    limit(stamp.cosine, y * stamp.sine, drawnHalf(stamp.halfX) + 1.0f);
+    limit(-stamp.sine, y * stamp.cosine, drawnHalf(stamp.halfY) + 1.0f);
     Span span;
     if (low > high)
         return span;

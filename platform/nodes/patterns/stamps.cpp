@@ -193,10 +193,9 @@ void StampMaker::addCopies(std::uint32_t index, std::vector<std::pair<std::uint6
     const Stamp& stamp = m_state->stamps[index];
     const float width = static_cast<float>(m_setup.width), height = static_cast<float>(m_setup.height);
     // Half the upright box around the turned one, and a pixel for its smooth edge.
-    const float reachX =
-        scalar::absOf(stamp.cosine) * stamp.halfX + scalar::absOf(stamp.sine) * stamp.halfY + 1.0f;
-    const float reachY =
-        scalar::absOf(stamp.sine) * stamp.halfX + scalar::absOf(stamp.cosine) * stamp.halfY + 1.0f;
+    const float halfX = drawnHalf(stamp.halfX), halfY = drawnHalf(stamp.halfY);
+    const float reachX = scalar::absOf(stamp.cosine) * halfX + scalar::absOf(stamp.sine) * halfY + 1.0f;
+    const float reachY = scalar::absOf(stamp.sine) * halfX + scalar::absOf(stamp.cosine) * halfY + 1.0f;
     const auto around = [](float position, float reach, float size, float& first, float& last) {
         first = -scalar::floorOf((position + reach) / size);
         last = scalar::floorOf((size - position + reach) / size);
@@ -250,8 +249,8 @@ void StampMaker::bin()
     const int bins = (m_setup.height + kStampRows - 1) / kStampRows;
     const auto binsOf = [&](const StampCopy& copy) {
         const Stamp& stamp = state.stamps[copy.stamp];
-        const float reach =
-            scalar::absOf(stamp.sine) * stamp.halfX + scalar::absOf(stamp.cosine) * stamp.halfY + 1.5f;
+        const float reach = scalar::absOf(stamp.sine) * drawnHalf(stamp.halfX) +
+                            scalar::absOf(stamp.cosine) * drawnHalf(stamp.halfY) + 1.5f;
         const float last = static_cast<float>(m_setup.height) - 1.0f;
         const auto row = [&](float y) { return static_cast<int>(held(y, 0.0f, last)) / kStampRows; };
         return std::pair<int, int>{row(copy.y - reach), row(copy.y + reach)};

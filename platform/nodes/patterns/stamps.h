@@ -57,6 +57,13 @@ struct Stamp
     std::uint8_t picture = 0, level = 0; // of halved pictures; 0 is the picture itself
 };
 
+/// Half the size that a stamp is drawn with: no less than a pixel shows, and what is smaller shows fainter.
+/// Nothing is drawn more than half a pixel beyond it, in the stamp's own directions.
+inline float drawnHalf(float half)
+{
+    return half < 0.5f ? 0.5f : half;
+}
+
 /// A stamp, or the same stamp once around the picture.
 struct StampCopy
 {

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <random>
 
 namespace vellor::nodes::test {
 
@@ -57,26 +58,76 @@ int choicesOf(const NodeDeclaration& node)
     return static_cast<int>(most);
 }
 
+/// The run gives the same bytes whatever it is computed with.
+void expectSame(Evaluation run, const std::string& what)
+{
+    static const std::vector<std::int64_t> all = targets();
+    const Picture expected = run();
+    for (const std::int64_t target : all) {
+        force(target);
+        EXPECT_TRUE(run.split(1 << 20, 1 << 20)() == expected) << what << ", " << hwy::TargetName(target);
+        EXPECT_TRUE(run.split(23, 7)() == expected) << what << ", split, " << hwy::TargetName(target);
+    }
+    force(0);
+}
+
+/// Numbers within their ranges, most of them nearer to the default than to the ends.
+void setByChance(Evaluation& run, const NodeDeclaration& node, unsigned draw)
+{
+    std::minstd_rand chance(draw + 1);
+    std::uniform_real_distribution<double> spread(0.0, 1.0);
+    for (const ParameterDeclaration& parameter : node.parameters) {
+        if (parameter.type > ParameterType::Int4)
+            continue;
+        double values[4];
+        for (int c = 0; c < 4; ++c) {
+            const double usual = parameter.defaultValue[std::size_t(c)];
+            const double share = std::pow(spread(chance), 3.0);
+            const double end = spread(chance) < 0.5 ? parameter.minimum : parameter.maximum;
+            values[c] = usual + (end - usual) * share;
+        }
+        run.set(parameter.name, {values[0], values[1], values[2], values[3]});
+    }
+}
+
 } // namespace
 
 TEST(Determinism, SameBytesForEveryInstructionSetAndSplit)
 {
-    const std::vector<std::int64_t> all = targets();
-    ASSERT_FALSE(all.empty());
+    ASSERT_FALSE(targets().empty());
+    for (const NodeDeclaration* node : allNodes())
+        for (int choice = 0; choice < choicesOf(*node); ++choice)
+            expectSame(runOf(*node, choice), node->name + std::string(", choice ") + std::to_string(choice));
+}
+
+TEST(Determinism, SameBytesForParametersByChance)
+{
     for (const NodeDeclaration* node : allNodes()) {
-        for (int choice = 0; choice < choicesOf(*node); ++choice) {
-            force(0);
-            const Picture expected = runOf(*node, choice)();
-            for (const std::int64_t target : all) {
-                force(target);
-                EXPECT_TRUE(runOf(*node, choice)() == expected)
-                    << node->name << ", choice " << choice << ", " << hwy::TargetName(target);
-                EXPECT_TRUE(runOf(*node, choice).split(23, 7)() == expected)
-                    << node->name << ", choice " << choice << ", split, " << hwy::TargetName(target);
+        for (int draw = 0; draw < 6; ++draw) {
+            Evaluation run = runOf(*node, draw);
+            setByChance(run, *node, unsigned(draw));
+            expectSame(run, node->name + std::string(", draw ") + std::to_string(draw));
+        }
+    }
+}
+
+TEST(Determinism, ThinStampsEndAtTheSamePixels)
+{
+    const double sizes[][2] = {{0.09, 0.0014}, {0.3, 0.003}, {0.0004, 0.7}, {1.5, 0.06}};
+    for (const char* kind : {"scatter", "freescatter"}) {
+        for (int shape = 0; shape < 10; ++shape) {
+            for (int output = 0; output < 5; ++output) {
+                const double* size = sizes[(shape + output) % 4];
+                Evaluation run(kind, 200, 72, 1 + 3 * (shape % 2));
+                run.set("shape", {double(shape)}).set("output", {double(output)}).set("ratio", {1});
+                run.set("softness", {output % 2 ? 0.3 : 1.0}).set("size", {size[0], size[1]});
+                run.set("sizevariation", {0.8}).set("rotationvariation", {1}).set("valuevariation", {0.9});
+                run.set("blend", {double((shape + output) % 3)});
+                expectSame(run, std::string(kind) + ", shape " + std::to_string(shape) + ", output " +
+                                    std::to_string(output));
             }
         }
     }
-    force(0);
 }
 
 TEST(Robustness, ExtremeParametersAreServed)

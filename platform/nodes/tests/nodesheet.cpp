@@ -197,6 +197,16 @@ std::vector<Sheet> sheets()
             run.skip();
         return run.operand(reliefOf(size))();
     });
+    add("freescatter-thin", [](int size) {
+        return Evaluation("freescatter", size, size)
+            .set("number", {400})
+            .set("size", {0.3, 0.0014})
+            .set("rotationvariation", {1})
+            .set("sizevariation", {0.8})
+            .set("ratio", {1})
+            .set("softness", {1})
+            .set("shape", {5})();
+    });
     addChoices("cracks", "output", [](Evaluation&, int) {});
     addChoices("dots", "profile", [](Evaluation& run, int) { run.set("arrangement", {1}); });
     add("stripes", [](int size) { return Evaluation("stripes", size, size).set("repeats", {5, 3})(); });
