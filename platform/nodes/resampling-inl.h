@@ -77,6 +77,65 @@ private:
     }
 };
 
+/// A rectangle of a channel, or of four with their values beside one another, copied out with what stands
+/// beyond the edges.
+template<int channels> class Window
+{
+public:
+    HWY_INLINE void fill(const ImageView& image, int channel, Edges edges, const Box& box)
+    {
+        m_box = box;
+        m_stride = (box.width() + kSpare - 1) / kSpare * kSpare;
+        m_pixels.resize(std::size_t(m_stride) * box.height() * channels + kSpare);
+        m_lines.resize(std::size_t(m_stride) * channels);
+        const bool inside = box.left >= 0 && box.right <= image.width && box.left + m_stride <= image.stride;
+        for (int y = 0; y < box.height(); ++y) {
+            float* row = m_pixels.data() + std::size_t(y) * m_stride * channels;
+            const int from = standIn(box.top + y, image.height, edges);
+            if (from < 0)
+                std::fill_n(row, m_stride * channels, 0.0f);
+            else
+                fillRow(image, channel, edges, from, inside, row);
+        }
+    }
+
+    const Box& box() const { return m_box; }
+    int stride() const { return m_stride; } // in pixels
+    /// Pixel (x, y) of the picture. Whole vectors may be read from any pixel of the box.
+    HWY_INLINE const float* at(int x, int y) const
+    {
+        return m_pixels.data() + (std::size_t(y - m_box.top) * m_stride + (x - m_box.left)) * channels;
+    }
+
+private:
+    static constexpr int kSpare = 16;
+
+    HWY_INLINE void fillRow(const ImageView& image, int channel, Edges edges, int y, bool inside, float* row)
+    {
+        const float* lines[channels];
+        for (int c = 0; c < channels; ++c) {
+            const float* from = image.planes[channel + c] + y * image.stride;
+            lines[c] = inside ? from + m_box.left : m_lines.data() + c * m_stride;
+            if (!inside)
+                copyBeyond(from, image.width, edges, m_box.left, m_box.width(),
+                           m_lines.data() + c * m_stride);
+        }
+        const FloatTag tag;
+        for (int x = 0; x < m_stride; x += kLanes) {
+            if constexpr (channels == 4)
+                hn::StoreInterleaved4(hn::LoadU(tag, lines[0] + x), hn::LoadU(tag, lines[1] + x),
+                                      hn::LoadU(tag, lines[2] + x), hn::LoadU(tag, lines[3] + x), tag,
+                                      row + 4 * x);
+            else
+                hn::StoreU(hn::LoadU(tag, lines[0] + x), tag, row + x);
+        }
+    }
+
+    std::vector<float> m_pixels, m_lines;
+    Box m_box;
+    int m_stride = 0;
+};
+
 struct Pair
 {
     F first, second; // neighbours in a row
@@ -86,7 +145,7 @@ struct Pair
 class NearPixels
 {
 public:
-    NearPixels(const Window& window, const Tile& tile, int row)
+    NearPixels(const Window<1>& window, const Tile& tile, int row)
         : m_pixels(window.at(window.box().left, window.box().top)), m_stride(window.stride()),
           m_left(static_cast<float>(tile.anchorX[row] - window.box().left)),
           m_top(static_cast<float>(tile.anchorY[row] - window.box().top))
@@ -120,6 +179,69 @@ private:
     int m_stride;
     float m_left, m_top; // from the window's corner to the anchor
     hn::Vec<IntegerTag> m_index;
+};
+
+/// Colours of a window, by the distance from a place's own. A vector has whole colours of kLanes / 4 pixels.
+class NearColours
+{
+public:
+    static constexpr int kPixels = kLanes / 4;
+
+    NearColours(const Window<4>& window, const Tile& tile, int row)
+        : m_pixels(window.at(window.box().left, window.box().top)), m_stride(window.stride()),
+          m_left(static_cast<float>(tile.anchorX[row] - window.box().left)),
+          m_top(static_cast<float>(tile.anchorY[row] - window.box().top))
+    {
+    }
+
+    HWY_INLINE void moveTo(F wholeX, F wholeY)
+    {
+        const F x = wholeX + F(m_left), y = wholeY + F(m_top);
+        hn::Store(hn::ConvertTo(IntegerTag(), (y * F(static_cast<float>(m_stride)) + x).v), IntegerTag(),
+                  m_index.data());
+    }
+
+    /// Which kPixels of the kLanes places are read.
+    HWY_INLINE void choosePart(int part) { m_part = part * kPixels; }
+
+    /// The chosen places' numbers, each for all four channels.
+    static HWY_INLINE F spread(F numbers, int part)
+    {
+        const FloatTag tag;
+        const IntegerTag integers;
+        const auto lanes =
+            hn::Add(hn::ShiftRight<2>(hn::Iota(integers, 0)), hn::Set(integers, part * kPixels));
+        return hn::TableLookupLanes(numbers.v, hn::IndicesFromVec(tag, lanes));
+    }
+
+    HWY_INLINE Pair pair(int x, int y) const
+    {
+        const float* from = m_pixels + 4 * (y * m_stride + x);
+        return {coloursAt<kLanes>(from), coloursAt<kLanes>(from + 4)};
+    }
+
+private:
+    template<int lanes> HWY_INLINE F coloursAt(const float* from) const
+    {
+        const hn::FixedTag<float, 4> one;
+        const auto colour = [&](int k) {
+            return hn::LoadU(one, from + 4 * static_cast<std::ptrdiff_t>(m_index[m_part + k]));
+        };
+        if constexpr (lanes == 4) {
+            return colour(0);
+        } else if constexpr (lanes == 8) {
+            return hn::Combine(FloatTag(), colour(1), colour(0));
+        } else {
+            const hn::Half<FloatTag> half;
+            return hn::Combine(FloatTag(), hn::Combine(half, colour(3), colour(2)),
+                               hn::Combine(half, colour(1), colour(0)));
+        }
+    }
+
+    const float* m_pixels;
+    int m_stride, m_part = 0;
+    float m_left, m_top; // from the window's corner to the anchor
+    alignas(64) std::array<std::int32_t, kLanes> m_index;
 };
 
 /// Pixels of a whole picture, by the distance from a place's own.
@@ -236,56 +358,90 @@ class TileReader
 public:
     TileReader(const ImageView& image, const Reading& reading) : m_image(image), m_reading(reading) {}
 
-    /// Calls take(i, row, values) for each vector of the tile.
-    template<class Take> HWY_INLINE void read(const Tile& tile, int channel, const Take& take)
+    /// Calls take(channel, i, row, values) for each vector of each channel of the tile.
+    template<class Take> HWY_INLINE void read(const Tile& tile, const Take& take)
     {
         switch (m_reading.filter) {
         case PixelFilter::Bilinear:
-            return readBy<PixelFilter::Bilinear>(tile, channel, take);
+            return readBy<PixelFilter::Bilinear>(tile, take);
         case PixelFilter::Bicubic:
-            return readBy<PixelFilter::Bicubic>(tile, channel, take);
+            return readBy<PixelFilter::Bicubic>(tile, take);
         case PixelFilter::Nearest:
-            return readBy<PixelFilter::Nearest>(tile, channel, take);
+            return readBy<PixelFilter::Nearest>(tile, take);
         }
     }
 
 private:
     /// Above these pixels for one of the tile, copying costs more than it saves.
-    static constexpr int kMostCopied = 8;
+    static constexpr int kMostCopied = 16;
 
-    template<PixelFilter filter, class Take>
-    HWY_INLINE void readBy(const Tile& tile, int channel, const Take& take)
+    template<PixelFilter filter, class Take> HWY_INLINE void readBy(const Tile& tile, const Take& take)
     {
         const int more = filter == PixelFilter::Bicubic ? 1 : 0;
         const Box box{tile.box.left - more, tile.box.top - more, tile.box.right + 1 + more,
                       tile.box.bottom + 1 + more};
         const std::int64_t area = std::int64_t(box.width()) * box.height();
-        const bool near = area <= kMostCopied * tile.width * tile.height + 256;
-        if (near)
-            m_window.fill(m_image, channel, m_reading.edges, box);
-        for (int row = 0; row < tile.height; ++row) {
-            if (near)
-                readRow<filter>(tile, row, NearPixels(m_window, tile, row), take);
-            else
-                readRow<filter>(tile, row, FarPixels(m_image, channel, m_reading.edges, tile, row), take);
+        if (area > kMostCopied * tile.width * tile.height + 256)
+            return readFar<filter>(tile, take);
+        if (m_image.channels == 4)
+            return readColours<filter>(tile, box, take);
+        for (int c = 0; c < m_image.channels; ++c) {
+            m_window.fill(m_image, c, m_reading.edges, box);
+            for (int row = 0; row < tile.height; ++row)
+                readRow<filter>(tile, row, c, NearPixels(m_window, tile, row), take);
         }
     }
 
+    template<PixelFilter filter, class Take> HWY_INLINE void readFar(const Tile& tile, const Take& take) const
+    {
+        for (int c = 0; c < m_image.channels; ++c)
+            for (int row = 0; row < tile.height; ++row)
+                readRow<filter>(tile, row, c, FarPixels(m_image, c, m_reading.edges, tile, row), take);
+    }
+
     template<PixelFilter filter, class Pixels, class Take>
-    static HWY_INLINE void readRow(const Tile& tile, int row, Pixels pixels, const Take& take)
+    static HWY_INLINE void readRow(const Tile& tile, int row, int channel, Pixels pixels, const Take& take)
     {
         for (int i = 0; i < tile.width; i += kLanes) {
             const F x = load(tile.placeX.data() + row * kTileWidth + i);
             const F y = load(tile.placeY.data() + row * kTileWidth + i);
             const F wholeX = floorOf(x), wholeY = floorOf(y);
             pixels.moveTo(wholeX, wholeY);
-            take(i, row, filteredOf<filter>(pixels, x - wholeX, y - wholeY));
+            take(channel, i, row, filteredOf<filter>(pixels, x - wholeX, y - wholeY));
+        }
+    }
+
+    template<PixelFilter filter, class Take>
+    HWY_INLINE void readColours(const Tile& tile, const Box& box, const Take& take)
+    {
+        m_colours.fill(m_image, 0, m_reading.edges, box);
+        alignas(64) std::array<float, 4 * kLanes> colours;
+        for (int row = 0; row < tile.height; ++row) {
+            NearColours pixels(m_colours, tile, row);
+            for (int i = 0; i < tile.width; i += kLanes) {
+                const F x = load(tile.placeX.data() + row * kTileWidth + i);
+                const F y = load(tile.placeY.data() + row * kTileWidth + i);
+                const F wholeX = floorOf(x), wholeY = floorOf(y);
+                pixels.moveTo(wholeX, wholeY);
+                for (int part = 0; part < 4; ++part) {
+                    pixels.choosePart(part);
+                    store(filteredOf<filter>(pixels, NearColours::spread(x - wholeX, part),
+                                             NearColours::spread(y - wholeY, part)),
+                          colours.data() + part * kLanes);
+                }
+                F planes[4];
+                hn::LoadInterleaved4(FloatTag(), colours.data(), planes[0].v, planes[1].v, planes[2].v,
+                                     planes[3].v);
+                for (int c = 0; c < 4; ++c)
+                    take(c, i, row, planes[c]);
+            }
         }
     }
 
     const ImageView& m_image;
     Reading m_reading;
-    Window m_window;
+    Window<1> m_window;
+    Window<4> m_colours;
 };
 
 /// The distance from the nearest copy of what a distance is measured from, in a line that goes around.
@@ -326,10 +482,9 @@ HWY_INLINE void displace(const AreaJob& job, const ImageView& source, const Read
             const Spot away = move(tile, i, row);
             return Spot{countFrom(static_cast<float>(i)) + away.x, away.y};
         });
-        for (int c = 0; c < job.result.channels; ++c)
-            reader.read(tile, c, [&](int i, int row, F value) {
-                store(value, rowOf(job.result, c, tile.y + row) + tile.x + i);
-            });
+        reader.read(tile, [&](int c, int i, int row, F value) {
+            store(value, rowOf(job.result, c, tile.y + row) + tile.x + i);
+        });
     });
 }
 

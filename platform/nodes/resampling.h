@@ -1,11 +1,9 @@
 #pragma once
 
 // What reading a picture at places that vary from pixel to pixel is told: how to read between pixels and what
-// lies beyond the edges; and copies of rectangles of pictures in which the edges are already dealt with.
+// lies beyond the edges.
 
 #include "platform/nodes/rows.h"
-
-#include <vector>
 
 namespace vellor::nodes {
 
@@ -63,55 +61,21 @@ struct Box
     int height() const { return bottom - top; }
 };
 
-/// A rectangle of a channel, copied out with what stands beyond the edges.
-class Window
+/// Pixels x to x + count - 1 of a row of `size`, with what stands beyond its edges.
+inline void copyBeyond(const float* row, int size, Edges edges, int x, int count, float* result)
 {
-public:
-    void fill(const ImageView& image, int channel, Edges edges, const Box& box)
-    {
-        m_box = box;
-        m_stride = (box.width() + kSpare - 1) / kSpare * kSpare;
-        m_pixels.resize(std::size_t(m_stride) * box.height() + kSpare);
-        for (int y = 0; y < box.height(); ++y) {
-            float* row = m_pixels.data() + std::size_t(y) * m_stride;
-            const int from = standIn(box.top + y, image.height, edges);
-            if (from < 0)
-                std::fill_n(row, box.width(), 0.0f);
-            else
-                fillRow(image.planes[channel] + from * image.stride, image.width, edges, row);
-        }
-    }
-
-    const Box& box() const { return m_box; }
-    int stride() const { return m_stride; }
-    /// Pixel (x, y) of the picture. Whole vectors may be read from any pixel of the box.
-    const float* at(int x, int y) const
-    {
-        return m_pixels.data() + std::size_t(y - m_box.top) * m_stride + (x - m_box.left);
-    }
-
-private:
-    static constexpr int kSpare = 16;
-
-    void fillRow(const float* from, int size, Edges edges, float* row) const
-    {
-        if (edges == Edges::Repeat)
-            return copyWrapped(from, size, m_box.left, m_box.width(), row);
-        const int first = std::clamp(m_box.left, 0, size), last = std::clamp(m_box.right, first, size);
-        const auto beyond = [&](int x) {
-            const int at = standIn(x, size, edges);
-            row[x - m_box.left] = at < 0 ? 0.0f : from[at];
-        };
-        for (int x = m_box.left; x < std::min(first, m_box.right); ++x)
-            beyond(x);
-        std::copy(from + first, from + last, row + (first - m_box.left));
-        for (int x = std::max(last, m_box.left); x < m_box.right; ++x)
-            beyond(x);
-    }
-
-    std::vector<float> m_pixels;
-    Box m_box;
-    int m_stride = 0;
-};
+    if (edges == Edges::Repeat)
+        return copyWrapped(row, size, x, count, result);
+    const int first = std::clamp(-x, 0, count), last = std::clamp(size - x, first, count);
+    const auto beyond = [&](int i) {
+        const int from = standIn(x + i, size, edges);
+        result[i] = from < 0 ? 0.0f : row[from];
+    };
+    for (int i = 0; i < first; ++i)
+        beyond(i);
+    std::copy(row + (x + first), row + (x + last), result + first);
+    for (int i = last; i < count; ++i)
+        beyond(i);
+}
 
 } // namespace vellor::nodes

@@ -102,10 +102,9 @@ void readOnce(const AffinePlan& plan, const AreaJob& job)
     TileReader reader(job.operands[0], plan.reading);
     forEachTile(job, [&](Tile& tile) {
         rows.locate(tile);
-        for (int c = 0; c < job.result.channels; ++c)
-            reader.read(tile, c, [&](int i, int row, F value) {
-                store(value, rowOf(job.result, c, tile.y + row) + tile.x + i);
-            });
+        reader.read(tile, [&](int c, int i, int row, F value) {
+            store(value, rowOf(job.result, c, tile.y + row) + tile.x + i);
+        });
     });
 }
 
@@ -130,11 +129,10 @@ public:
             for (const AffineRows& rows : source.samples) {
                 rows.locate(tile);
                 const F weight(source.weight);
-                for (int c = 0; c < m_job.result.channels; ++c)
-                    source.reader.read(tile, c, [&](int i, int row, F value) {
-                        float* sum = m_sums[c].data() + row * kTileWidth + i;
-                        storeAt(loadAt(sum) + value * weight, sum);
-                    });
+                source.reader.read(tile, [&](int c, int i, int row, F value) {
+                    float* sum = m_sums[c].data() + row * kTileWidth + i;
+                    storeAt(loadAt(sum) + value * weight, sum);
+                });
             }
         }
         for (int c = 0; c < m_job.result.channels; ++c)

@@ -65,11 +65,10 @@ void multidirectionalWarpArea(const AreaJob& job)
             });
             const bool last = d == state.directions - 1 && state.combination == WarpCombination::Average;
             const F share(last ? 1.0f / static_cast<float>(state.directions) : 1.0f);
-            for (int c = 0; c < job.result.channels; ++c)
-                reader.read(tile, c, [&](int i, int row, F value) {
-                    float* to = rowOf(job.result, c, tile.y + row) + tile.x + i;
-                    store((d == 0 ? value : combined(state.combination, load(to), value)) * share, to);
-                });
+            reader.read(tile, [&](int c, int i, int row, F value) {
+                float* to = rowOf(job.result, c, tile.y + row) + tile.x + i;
+                store((d == 0 ? value : combined(state.combination, load(to), value)) * share, to);
+            });
         }
     });
 }

@@ -39,7 +39,7 @@ namespace {
 
 void warpAlongSlopes(const WarpState& state, const AreaJob& job)
 {
-    Window heights;
+    Window<1> heights;
     const F reach(state.reach);
     displace(
         job, job.operands[0], state.reading,

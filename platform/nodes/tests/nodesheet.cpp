@@ -39,6 +39,18 @@ Picture reliefOf(int size)
     return Evaluation("perlin", size, size).set("scale", {5, 0}).seed(3)();
 }
 
+/// Part of a picture with light from one side: what does not tile.
+Picture photoOf(int size)
+{
+    Picture rubble = Evaluation("cellular", size, size).set("octaves", {4}).seed(5)();
+    rubble = Evaluation("crop", size, size).set("rectangle", {0.07, 0.11, 0.61, 0.71}).operand(rubble)();
+    for (int y = 0; y < size; ++y)
+        for (int x = 0; x < size; ++x)
+            rubble.at(x, y) =
+                rubble.at(x, y) * 0.8f + 0.25f * static_cast<float>(x) / static_cast<float>(size);
+    return rubble;
+}
+
 void write(const std::string& path, const Picture& picture)
 {
     std::FILE* file = std::fopen(path.c_str(), "wb");
@@ -340,7 +352,40 @@ std::vector<Sheet> sheets()
     });
     add("heightfromnormal",
         [=](int size) { return Evaluation("heightfromnormal", size, size).operand(bricksNormal(size))(); });
-    // MORE
+    const auto addGeometry = [&](std::string name, const char* kind,
+                                 const std::function<void(Evaluation&)>& more, bool mapped = false) {
+        add("geometry-" + name, [=](int size) {
+            Evaluation run(kind, size, size);
+            run.operand(name.find("photo") == std::string::npos ? heightOf(size) : photoOf(size));
+            if (mapped)
+                run.operand(reliefOf(size));
+            more(run);
+            return run();
+        });
+    };
+    addGeometry("mirror", "mirror", [](Evaluation& run) { run.set("mode", {2}); });
+    addGeometry("crop", "crop", [](Evaluation& run) { run.set("rectangle", {0.1, 0.1, 0.5, 0.5}); });
+    addGeometry("bicubic", "transform", [](Evaluation& run) {
+        run.set("scale", {7, 7}).set("filter", {1}).set("rotation", {0.07});
+    });
+    addGeometry("small", "transform", [](Evaluation& run) {
+        run.set("scale", {0.12, 0.3}).set("rotation", {0.07});
+    });
+    addGeometry(
+        "directionalwarp", "directionalwarp", [](Evaluation& run) { run.set("angle", {0.1}); }, true);
+    addGeometry(
+        "multidirectionalwarp", "multidirectionalwarp",
+        [](Evaluation& run) { run.set("mode", {1}).set("intensity", {3}); }, true);
+    addGeometry("swirl", "swirl", [](Evaluation&) {});
+    addGeometry("spherise", "spherise", [](Evaluation&) {});
+    addGeometry("bowl", "spherise", [](Evaluation& run) { run.set("amount", {-1}); });
+    addGeometry("cartesiantopolar", "cartesiantopolar", [](Evaluation&) {});
+    addGeometry("polartocartesian", "polartocartesian", [](Evaluation&) {});
+    addGeometry("photo", "crop", [](Evaluation& run) { run.set("rectangle", {0, 0, 1, 1}); });
+    for (const double method : {0.0, 1.0})
+        for (const double blend : {0.0, 1.0, 2.0})
+            addGeometry("photo-" + std::to_string(int(method)) + std::to_string(int(blend)), "maketileable",
+                        [=](Evaluation& run) { run.set("method", {method}).set("blend", {blend}); });
     return all;
 }
 
