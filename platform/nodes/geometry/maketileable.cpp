@@ -33,7 +33,7 @@ enum class Mixture
 constexpr int kSlices = 64, kBins = 1024;
 constexpr int kScores = 2048;         // steps of the table back
 constexpr float kHighestScore = 4.0f; // standard deviations
-constexpr int kForward = kBins + 1, kBack = kScores + 1;
+constexpr int kForward = kBins, kBack = kScores + 1;
 
 /// Pixels along one axis in which the same copies are mixed.
 struct Run
@@ -120,7 +120,7 @@ struct Mixer
         if (mixture == Mixture::Variance)
             return value - F(span.mean);
         if (mixture == Mixture::Histogram)
-            return tableAt(forward, (value - F(span.low)) * F(bins), kBins);
+            return tableAt(forward, (value - F(span.low)) * F(bins) - F(0.5f), kForward - 1);
         return value;
     }
 
@@ -327,11 +327,12 @@ void countSlice(const ImageView& image, int channel, const Span& span, int slice
     }
 }
 
-/// Tables from bins' edges to scores of the standard Gaussian, and from scores to values.
+/// Tables from bins' middles to scores of the standard Gaussian, and from scores to values. A value that many
+/// pixels have gets the score of the middle one of them.
 void makeTables(const MakeTileableState& state, const ImageView& slices, int channel, const Span& span,
                 float* forward, float* back)
 {
-    std::vector<double> below(kForward, 0.0);
+    std::vector<double> below(kBins + 1, 0.0);
     for (int bin = 0; bin < kBins; ++bin) {
         double count = 0.0;
         for (int slice = 0; slice < kSlices; ++slice)
@@ -341,10 +342,11 @@ void makeTables(const MakeTileableState& state, const ImageView& slices, int cha
     const double total = std::max(below[kBins], 1.0);
     int score = 0, bin = 0;
     for (int i = 0; i < kForward; ++i) {
-        while (score < kScores - 1 && state.below[score + 1] < below[i] / total)
+        const double middle = 0.5 * (below[i] + below[i + 1]) / total;
+        while (score < kScores - 1 && state.below[score + 1] < middle)
             ++score;
         const double step = state.below[score + 1] - state.below[score];
-        const double part = std::clamp((below[i] / total - state.below[score]) / step, 0.0, 1.0);
+        const double part = std::clamp((middle - state.below[score]) / step, 0.0, 1.0);
         forward[i] = static_cast<float>((score + part) * (2.0 * kHighestScore / kScores)) - kHighestScore;
     }
     for (int i = 0; i < kBack; ++i) {
@@ -383,10 +385,9 @@ const NodeDeclaration maketileableNode{
     "Make Tileable",
     "Geometry",
     "Makes a picture with seams tile: it is mixed with itself at its borders, or put together of pieces of "
-    "itself, "
-    "for photos of sand, grass, rust and the like. The mixture can keep mean and variance or the whole "
-    "histogram "
-    "of each channel (E. Heitz and F. Neyret).",
+    "itself, for photos of sand, grass, rust and the like. The mixture can keep mean and variance or the "
+    "whole "
+    "histogram of each channel (E. Heitz and F. Neyret).",
     ResultChannels::FromOperands,
     Chance::Seeded,
     {{"input", OperandChannels::Result, true, "The picture that does not tile."}},

@@ -254,6 +254,22 @@ TEST(MakeTileable, HasNoSeamAndKeepsTheStatistics)
                 EXPECT_LT(varianceOf(out), 0.9 * varianceOf(in)) << method;
         }
     }
+    // Half of the ground shows: as much of it shows afterwards, however the rest is spread.
+    std::vector<float> sorted(256 * 192);
+    for (int i = 0; i < 256 * 192; ++i)
+        sorted[i] = in.at(i % 256, i / 256);
+    std::sort(sorted.begin(), sorted.end());
+    for (int i = 0; i < 256 * 192; ++i)
+        in.at(i % 256, i / 256) = std::max(in.at(i % 256, i / 256) - sorted[256 * 96], 0.0f);
+    const Picture out =
+        Evaluation("maketileable", 256, 192).set("method", {1}).set("blend", {2}).operand(in)();
+    int bare = 0, high = 0;
+    for (int i = 0; i < 256 * 192; ++i) {
+        bare += out.at(i % 256, i / 256) < 0.002f * sorted.back();
+        high += out.at(i % 256, i / 256) > sorted[256 * 172] - sorted[256 * 96];
+    }
+    EXPECT_NEAR(bare / (256.0 * 192.0), 0.5, 0.05);
+    EXPECT_NEAR(high / (256.0 * 192.0), 20.0 / 192.0, 0.03);
 }
 
 } // namespace vellor::nodes::test
