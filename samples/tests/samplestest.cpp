@@ -13,8 +13,9 @@ namespace {
 
 constexpr int kLog2Side = 6;
 
-const char* const kSamples[] = {"bricks",     "cobblestones", "leather", "marble",        "rusted_metal",
-                                "sand_dunes", "woven_fabric", "water",   "stylised_photo"};
+const char* const kSamples[] = {"bricks",         "cobblestones", "herringbone_parquet", "knitted_wool",
+                                "leather",        "marble",       "rusted_metal",        "sand_dunes",
+                                "stylised_photo", "water",        "woven_fabric"};
 
 std::string fileOf(const std::string& sample)
 {
@@ -88,6 +89,10 @@ TEST_P(EverySample, EveryOutputArrives)
 const std::map<std::string, std::vector<std::pair<const char*, std::vector<double>>>> kSettings = {
     {"bricks", {{"depth", {1.8}}, {"bond", {1}}, {"bricks", {3, 7}}, {"bond", {3}}, {"painted", {1}}}},
     {"cobblestones", {{"depth", {5}}, {"stones", {5}}, {"laying", {1}}, {"laying", {2}}, {"puddles", {0.5}}}},
+    {"herringbone_parquet",
+     {{"zigzags", {2}}, {"zigzags", {3}}, {"orientation", {1}}, {"stained", {1}}, {"finish", {1}}}},
+    {"knitted_wool",
+     {{"stitches", {16}}, {"pattern", {1}}, {"structure", {1}}, {"structure", {2}}, {"pattern", {2}}}},
     {"leather", {{"depth", {1.6}}, {"pebbles", {17}}, {"stitches", {13}}, {"seam", {0}}}},
     // Slabs end at the edge, so the stone is looked at in one piece.
     {"marble", {{"laying", {0}}, {"direction", {0}}, {"direction", {1}}, {"direction", {4}}, {"scale", {3}}}},
