@@ -13,9 +13,10 @@ namespace {
 
 constexpr int kLog2Side = 6;
 
-const char* const kSamples[] = {"bricks",         "cobblestones", "herringbone_parquet", "knitted_wool",
-                                "leather",        "marble",       "rusted_metal",        "sand_dunes",
-                                "stylised_photo", "water",        "woven_fabric"};
+const char* const kSamples[] = {"bricks",          "cobblestones",   "herringbone_parquet", "knitted_wool",
+                                "leather",         "marble",         "rusted_metal",        "sand_dunes",
+                                "scratched_paint", "stylised_photo", "tileable_photo",      "water",
+                                "woven_fabric"};
 
 std::string fileOf(const std::string& sample)
 {
@@ -98,6 +99,9 @@ const std::map<std::string, std::vector<std::pair<const char*, std::vector<doubl
     {"marble", {{"laying", {0}}, {"direction", {0}}, {"direction", {1}}, {"direction", {4}}, {"scale", {3}}}},
     {"rusted_metal", {{"depth", {1.4}}, {"plates", {3}}, {"plated", {0}}, {"fall", {0.4}}, {"brush", {31}}}},
     {"sand_dunes", {{"tracks", {0}}, {"tracks", {3}}, {"wind", {0}}, {"wind", {200}}, {"ripples", {9}}}},
+    // Joints end at the edge too.
+    {"scratched_paint", {{"panelled", {0}}, {"harm", {1}}, {"direction", {45}}, {"stripes", {5}}}},
+    {"tileable_photo", {{"depth", {3}}, {"seam", {0.04}}, {"forms", {0}}, {"zoom", {2}}, {"softness", {1}}}},
     {"woven_fabric",
      {{"depth", {1.6}}, {"threads", {17}}, {"pattern", {0}}, {"pattern", {3}}, {"checked", {1}}}},
     {"water", {{"$time", {0}}, {"$time", {3.21}}, {"wind", {0.33}}, {"weather", {1}}}},
