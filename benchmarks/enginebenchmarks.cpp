@@ -7,6 +7,8 @@
 #include "benchmarks/enginealone.h"
 #include "benchmarks/packages.h"
 
+#include <vellor/cpuengine.h>
+
 #include <QtGlobal>
 
 #include <algorithm>
@@ -23,7 +25,6 @@ using Zph::Applications::Player::InputValue;
 
 constexpr int kTurns = 9;
 constexpr int kWarmUps = 40;     // until the engine's cache is full
-constexpr quint32 kNoFusion = 1; // the engine's flag: every point node writes a whole picture
 
 // Indexes of inputs: the order of the authoring file.
 constexpr int kOutputSize = 0;
@@ -150,7 +151,7 @@ void pointChain(benchmark::State& state)
 {
     const int threads = int(state.range(1));
     const Packages::Linked linked(Packages::path("pointchain"));
-    EngineAlone engine(linked.binary(), quint32(threads), state.range(2) ? 0 : kNoFusion);
+    EngineAlone engine(linked.binary(), quint32(threads), state.range(2) ? 0 : VELLOR_CPU_NO_FUSION);
     setSize(engine, state.range(0));
     const EngineAlone::Uids outputs = engine.pictures();
     engine.generate(outputs);

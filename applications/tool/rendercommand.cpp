@@ -6,6 +6,8 @@
 #include "orncommon/image/codec/defaultcodecs.h"
 #include "orncommon/image/codec/surfacecodecmanager.h"
 
+#include <vellor/cpuengine.h>
+
 #include <QJsonArray>
 #include <QJsonDocument>
 
@@ -59,7 +61,9 @@ int runRender(const Arguments& arguments)
     const QString file = onlyFile(arguments);
     Orn::Image::Codec::registerDefaultCodecs(Orn::Image::Codec::SurfaceCodecManager::instance());
     RenderSettings settings = readRenderSettings(arguments);
-    const EngineOptions engineOptions = readEngineOptions(arguments);
+    EngineOptions engineOptions = readEngineOptions(arguments);
+    if (!settings.isAnimation)
+        engineOptions.flags |= VELLOR_CPU_COMPUTE_ONCE;
     settings.encodeBeside = engineOptions.threads != 1;
     const QVector<CookingAlias> aliases = readAliases(arguments);
     loadEngine(QString::fromStdString(arguments.value("--engine")));

@@ -1,7 +1,8 @@
 #include "applications/tool/sharedoptions.h"
 
 #include "applications/tool/failure.h"
-#include "platform/nodes/instructionset.h"
+
+#include <vellor/cpuengine.h>
 
 #include <QFileInfo>
 #include <QStringList>
@@ -16,18 +17,16 @@ using Zph::Applications::Player::EngineOptions;
 namespace {
 
 constexpr int kMostThreads = 256;
-constexpr int kInstructionSetShift = 8; // in the flags of the project's own engine
 constexpr float kProgressInterval = 0.1f;
 
 struct InstructionSetName
 {
     const char* name;
-    nodes::InstructionSet set;
+    VellorCpuInstructionSet set;
 };
 
-constexpr InstructionSetName kInstructionSets[] = {{"ssse3", nodes::InstructionSet::Ssse3},
-                                                   {"avx2", nodes::InstructionSet::Avx2},
-                                                   {"avx512", nodes::InstructionSet::Avx512}};
+constexpr InstructionSetName kInstructionSets[] = {
+    {"ssse3", VELLOR_CPU_SSSE3}, {"avx2", VELLOR_CPU_AVX2}, {"avx512", VELLOR_CPU_AVX512}};
 
 } // namespace
 
@@ -72,7 +71,7 @@ EngineOptions readEngineOptions(const Arguments& arguments)
     const std::string wanted = arguments.value("--instruction-set");
     for (const InstructionSetName& known : kInstructionSets)
         if (wanted == known.name)
-            options.flags = quint32(known.set) << kInstructionSetShift;
+            options.flags = quint32(known.set) << VELLOR_CPU_INSTRUCTION_SET_SHIFT;
     if (options.flags == 0)
         throw UsageError("--instruction-set: expected ssse3, avx2 or avx512, not '" + wanted + "'");
     return options;

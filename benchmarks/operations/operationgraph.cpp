@@ -143,7 +143,7 @@ bool OperationGraph::tryRun(int node)
         if (m_pictures[i])
             m_store.put(m_plan.nodes[i].key, m_pictures[i]);
     m_plan.roots = {node};
-    const Schedule schedule = makeSchedule(m_plan, (m_resources.flags & Resources::kNoFusion) == 0);
+    const Schedule schedule = makeSchedule(m_plan, (m_resources.flags & VELLOR_CPU_NO_FUSION) == 0);
     Monitor monitor(m_stop, [](std::uint32_t, std::uint32_t) {});
     monitor.begin(schedule.work);
     const StageContext context{m_plan, m_store, *m_pool, m_threads, monitor, m_resources};

@@ -2,7 +2,7 @@
 
 namespace vellor::nodes {
 
-/// Instruction sets that kernels are compiled for, from low to high.
+/// Instruction sets that kernels are compiled for, from low to high: the numbers of cpuengine.h.
 enum class InstructionSet
 {
     Best = 0, // that the machine has

@@ -5,6 +5,8 @@
 #include "common/engine/backend.h"
 #include "orncommon/core/channellogger.h"
 
+#include <vellor/cpuengine.h>
+
 #include <algorithm>
 #include <cstring>
 #include <map>
@@ -37,13 +39,15 @@ template<typename Callback> void setCallback(VellorContext* context, quint32 id,
     Zph::Engine::contextSetCallback(context, id, reinterpret_cast<VellorFunction>(callback));
 }
 
-/// The interface leaves the words ahead of the budgets to each engine. The project's own reads threads, rows
-/// of a turn and flags there, 0 being its own choice; no other engine has been given anything else than 0.
+/// The interface leaves the words ahead of the budgets to each engine. The project's own reads some there; no
+/// other engine has been given anything else than 0.
 VellorHardResources hardResources(quint32 engineId, const EngineOptions& options)
 {
     VellorHardResources resources = {};
     resources.memoryBudget = memoryBudget;
-    const quint32 words[3] = {options.threads, 0, options.flags};
+    quint32 words[VELLOR_CPU_WORD_COUNT] = {};
+    words[VELLOR_CPU_WORD_THREADS] = options.threads;
+    words[VELLOR_CPU_WORD_FLAGS] = options.flags;
     if (engineId == VELLOR_ENGINE_SSE2)
         std::memcpy(resources.reserved0, words, sizeof words);
     if (engineId == VELLOR_ENGINE_OPENGL3) {

@@ -43,7 +43,7 @@ Generation::Outcome Generation::attempt(const std::vector<int>& outputs)
 {
     Planner planner(context_.package, context_.inputs, context_.values, context_.store);
     const Plan plan = planner.make(requestFor(outputs, delivered_), context_.pictures);
-    const Schedule schedule = makeSchedule(plan, (context_.resources.flags & Resources::kNoFusion) == 0);
+    const Schedule schedule = makeSchedule(plan, (context_.resources.flags & VELLOR_CPU_NO_FUSION) == 0);
     markNeeded(plan, schedule);
     context_.monitor.begin(schedule.work);
     stagesDone_ = 0;

@@ -18,6 +18,7 @@ Handle::Handle(std::shared_ptr<VellorContext> context, std::unique_ptr<Package> 
 {
     store_.watch(&stop_);
     store_.setBudget(resources_.memoryBudget);
+    store_.setTransient((resources_.flags & VELLOR_CPU_COMPUTE_ONCE) != 0);
 }
 
 VellorHandle* Handle::self()
@@ -392,6 +393,7 @@ std::uint32_t Handle::switchHard(const Resources& resources)
         return VELLOR_ERROR_BUSY;
     resources_ = resources;
     store_.setBudget(resources_.memoryBudget);
+    store_.setTransient((resources_.flags & VELLOR_CPU_COMPUTE_ONCE) != 0);
     return VELLOR_OK;
 }
 

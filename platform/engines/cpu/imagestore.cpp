@@ -98,15 +98,19 @@ void ImageStore::need(const Key& key, int uses)
     const auto found = entries_.find(key);
     if (found == entries_.end())
         return;
-    found->second.neededIn = generation_;
-    found->second.uses = uses;
+    Entry& entry = found->second;
+    // Two nodes may come to the same result, and each has readers of its own.
+    entry.uses = entry.neededIn == generation_ ? entry.uses + uses : uses;
+    entry.neededIn = generation_;
 }
 
 void ImageStore::used(const Key& key)
 {
     const auto found = entries_.find(key);
-    if (found != entries_.end() && found->second.uses > 0)
-        --found->second.uses;
+    if (found == entries_.end() || found->second.uses == 0)
+        return;
+    if (--found->second.uses == 0 && transient_)
+        drop(found);
 }
 
 void ImageStore::hint(const Key& key)

@@ -35,6 +35,8 @@ public:
     /// While this is set, large pictures are neither parked nor read back. Null, and until this is called:
     /// never.
     void watch(const std::atomic<bool>* stop) { stop_ = stop; }
+    /// Whether results are dropped with their last use.
+    void setTransient(bool transient) { transient_ = transient; }
     /// In bytes; makes room at once.
     void setBudget(std::uint64_t bytes);
 
@@ -95,6 +97,7 @@ private:
     Account live_;
     std::uint64_t budget_ = 0, parkedBytes_ = 0, clock_ = 0, generation_ = 1;
     std::uint64_t lastGeneration_ = 0; // the clock when it began
+    bool transient_ = false;
 };
 
 } // namespace vellor::cpu

@@ -12,13 +12,13 @@ Resources Resources::read(const VellorHardResources* record)
     Resources resources;
     if (!record)
         return resources;
-    std::uint32_t words[3];
+    std::uint32_t words[VELLOR_CPU_WORD_COUNT];
     std::memcpy(words, record->reserved0, sizeof words);
     if (record->memoryBudget)
         resources.memoryBudget = record->memoryBudget;
-    resources.threads = words[0];
-    resources.chunkRows = words[1];
-    resources.flags = words[2];
+    resources.threads = words[VELLOR_CPU_WORD_THREADS];
+    resources.chunkRows = words[VELLOR_CPU_WORD_CHUNK_ROWS];
+    resources.flags = words[VELLOR_CPU_WORD_FLAGS];
     return resources;
 }
 

@@ -4,6 +4,8 @@
 #include "platform/nodes/rows.h"
 #include "platform/nodes/scalar.h"
 
+#include <cstdlib>
+
 // Light from the whole sky, weighed by the cosine: in each of some directions, what is above the horizon
 // gives cos^2 of the horizon's angle, which is 1 / (1 + t^2) with t the steepest rise towards any place in
 // that direction. Places lie on rings whose distances grow. The farther a ring, the smoother the copy of the
@@ -29,6 +31,7 @@ struct OcclusionSample
 struct OcclusionState : State
 {
     std::array<std::vector<OcclusionSample>, kDirections> directions;
+    int reach = 0; // the farthest sample to either side
 };
 
 } // namespace
@@ -112,6 +115,64 @@ void occlusionChunk(const OcclusionState& state, const AreaJob& job, int x, int 
     }
 }
 
+/// What a sample reads in the row that is under way: add x.
+struct Ray
+{
+    const float* seen;
+    float steepness;
+};
+
+constexpr int kBlockVectors = 4;
+constexpr int kBlock = kBlockVectors * kLanes;
+
+/// The same as occlusionChunk for a block of pixels whose samples all lie inside of the picture: nothing but
+/// the samples is read from memory.
+HWY_INLINE void occlusionBlock(const std::vector<Ray>& rays, const std::array<std::size_t, kDirections>& ends,
+                               const float* height, int x, float* result)
+{
+    F here[kBlockVectors], sum[kBlockVectors];
+    for (int k = 0; k < kBlockVectors; ++k) {
+        here[k] = load(height + x + k * kLanes);
+        sum[k] = F(0.0f);
+    }
+    std::size_t i = 0;
+    for (const std::size_t end : ends) {
+        F steepest[kBlockVectors] = {F(0.0f), F(0.0f), F(0.0f), F(0.0f)};
+        for (; i < end; ++i) {
+            const float* const seen = rays[i].seen + x;
+            const F steepness(rays[i].steepness);
+            for (int k = 0; k < kBlockVectors; ++k)
+                steepest[k] = maxOf(steepest[k], (loadAt(seen + k * kLanes) - here[k]) * steepness);
+        }
+        for (int k = 0; k < kBlockVectors; ++k)
+            sum[k] += F(1.0f / kDirections) / (F(1.0f) + steepest[k] * steepest[k]);
+    }
+    for (int k = 0; k < kBlockVectors; ++k)
+        store(sum[k], result + x + k * kLanes);
+}
+
+void occlusionRows(const OcclusionState& state, const AreaJob& job)
+{
+    std::vector<Ray> rays;
+    std::array<std::size_t, kDirections> ends{};
+    for (int y = job.y0; y < job.y1; ++y) {
+        rays.clear();
+        for (int d = 0; d < kDirections; ++d) {
+            for (const OcclusionSample& sample : state.directions[d]) {
+                const ImageView& copy = sample.copy == 0 ? job.operands[0] : job.scratch[sample.copy - 1];
+                rays.push_back({rowOf(copy, 0, y + sample.dy) + sample.dx, sample.steepness});
+            }
+            ends[d] = rays.size();
+        }
+        for (int x = 0; x < job.result.width; x += kBlock) {
+            if (x >= state.reach && x + kBlock + state.reach <= job.result.width)
+                occlusionBlock(rays, ends, rowOf(job.operands[0], 0, y), x, rowOf(job.result, 0, y));
+            else
+                occlusionChunk(state, job, x, y, std::min(kBlock, job.result.width - x));
+        }
+    }
+}
+
 void occlusionArea(const AreaJob& job)
 {
     const auto& state = static_cast<const OcclusionState&>(*job.state);
@@ -119,9 +180,7 @@ void occlusionArea(const AreaJob& job)
         const ImageView& source = job.pass == 0 ? job.operands[0] : job.scratch[job.pass - 1];
         return smoothBand(source, job.result, kSmoothSteps[job.pass], job.y0, job.y1);
     }
-    for (int y = job.y0; y < job.y1; ++y)
-        for (int x = 0; x < job.result.width; x += kChunk)
-            occlusionChunk(state, job, x, y, std::min(kChunk, job.result.width - x));
+    occlusionRows(state, job);
 }
 
 } // namespace
@@ -153,6 +212,7 @@ static std::unique_ptr<State> prepareOcclusion(const Setup& setup)
             sample.dx = static_cast<int>(scalar::roundOf(distance * turn.cosine));
             sample.dy = static_cast<int>(scalar::roundOf(distance * turn.sine));
             sample.copy = copyFor(distance);
+            state->reach = std::max(state->reach, std::abs(sample.dx));
             // The outer half fades out, so that nothing comes in all at once.
             const float fade = held(2.0f - 2.0f * distance / (radius + 1.0f), 0.0f, 1.0f);
             const auto square = static_cast<float>(sample.dx * sample.dx + sample.dy * sample.dy);

@@ -76,7 +76,7 @@ TEST(Evaluation, GivesTheSameBytesHoweverTheWorkIsCut)
 {
     const Diamond diamond(11, 4, 4);
     std::vector<std::uint8_t> reference;
-    for (const std::uint32_t flags : {0u, Resources::kNoFusion}) {
+    for (const std::uint32_t flags : {0u, std::uint32_t(VELLOR_CPU_NO_FUSION)}) {
         for (const std::uint32_t threads : {1u, 2u, 5u}) {
             for (const std::uint32_t rows : {0u, 1u, 7u, 64u}) {
                 Resources resources;

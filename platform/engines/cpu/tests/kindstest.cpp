@@ -81,7 +81,7 @@ TEST(Kinds, GiveTheSameBytesHoweverTheWorkIsCut)
                 (kind->result == ResultChannels::Colour && channels == 1))
                 continue;
             const ProgramBuilder build = around(*kind, channels);
-            const auto reference = picture(build, 1, 0, Resources::kNoFusion);
+            const auto reference = picture(build, 1, 0, VELLOR_CPU_NO_FUSION);
             ASSERT_EQ(reference.size(), 128u * 32 * 16) << kind->name;
             for (const std::uint32_t rows : {1u, 7u})
                 EXPECT_EQ(picture(build, 3, rows, 0), reference)
@@ -97,7 +97,7 @@ TEST(Kinds, ServePicturesOfEveryShape)
             const nodes::NodeDeclaration& kind = *nodes::findNode(std::string_view(name));
             const ProgramBuilder build =
                 around(kind, kind.result == ResultChannels::Colour ? 4 : 1, log2Width, log2Height);
-            const auto reference = picture(build, 1, 0, Resources::kNoFusion);
+            const auto reference = picture(build, 1, 0, VELLOR_CPU_NO_FUSION);
             EXPECT_EQ(reference.size(), std::size_t(16) << (log2Width + log2Height)) << name;
             EXPECT_EQ(picture(build, 3, 0, 0), reference) << name << ", " << log2Width << ", " << log2Height;
         }

@@ -77,6 +77,21 @@ TEST(Store, ComputesAgainWhatAnOldBudgetDropped)
     EXPECT_EQ(host.parked, 0);
 }
 
+TEST(Store, KeepsNothingForAHostThatComputesOnce)
+{
+    Resources resources;
+    resources.flags = VELLOR_CPU_COMPUTE_ONCE;
+    TestHost host(eightPictures().program, resources);
+    for (int turn = 0; turn < 2; ++turn) {
+        counters().clear();
+        host.compute({200, 201, 202, 203, 203});
+        EXPECT_EQ(counters().spread, 4 * 65536) << "once each, and again in the next turn";
+        for (int i = 0; i < 4; ++i)
+            EXPECT_EQ(host.floats(i)[257], expected(i));
+        EXPECT_EQ(host.handle()->liveBytes(), 0u);
+    }
+}
+
 TEST(Store, ASmallerBudgetTakesEffectAtOnce)
 {
     TestHost host(eightPictures().program);
