@@ -107,6 +107,7 @@ const PatternCase kPatterns[] = {
     {"herringbone", [](Evaluation& run) { run.set("length", {3}); }},
     {"herringbone", [](Evaluation& run) { run.set("orientation", {1}).set("length", {4}); }},
     {"basketweave", [](Evaluation&) {}},
+    {"cracks", [](Evaluation& run) { run.set("output", {2}); }},
     {"knit",
      [](Evaluation& run) {
          run.set("stitches", {5, 0}).set("variation", {1});
