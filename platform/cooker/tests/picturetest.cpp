@@ -33,9 +33,9 @@ std::string pngOf(int width, int height, png_uint_32 format, const void* pixels)
 
 struct Decoded
 {
+    std::string error; // written while the blob is made
     std::vector<std::uint8_t> blob;
     PictureBlob picture;
-    std::string error;
 
     explicit Decoded(const std::string& bytes)
         : blob(pictureOfPng(bytes, error)), picture(PictureBlob::read(blob.data(), blob.size()))
