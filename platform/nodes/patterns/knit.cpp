@@ -3,9 +3,15 @@
 #include "platform/nodes/parameters.h"
 #include "platform/nodes/scalar.h"
 
+#include <algorithm>
+
 // Stocking stitch: the front of plain knitting, columns of V shapes. Each leg of a V is a piece of yarn, a
 // capsule that leans; legs of the stitch below go under those of the stitch above, whose tips they enter.
 // Lengths are shares of a stitch's height.
+//
+// Legs stand in columns half a stitch wide, and reach into those beside theirs and into the rows above and
+// below. What chance does to the legs of those rows is worked out once for a chunk of a row of pixels, in
+// lines with a number for each column.
 
 #ifndef VELLOR_KNIT_STATE
 #define VELLOR_KNIT_STATE
@@ -31,9 +37,20 @@ struct KnitState : State
     float leanX = 0.4f, leanY = 0.9f; // a leg's direction, upwards and outwards
     float bend = 0.2f, depth = 0.5f, twist = 0.0f, variation = 0.0f;
     float plies = 2.0f;
+    float above = 1.0f; // no leg shows further above or below its middle
     float pixel = 0.01f;
     KnitOutput output = KnitOutput::Height;
     std::uint32_t seed = 0;
+};
+
+constexpr int kKnitChunk = 256;
+
+/// Numbers of a row of legs, a line for each.
+struct LegLine
+{
+    alignas(64) float random[2 * kKnitChunk + 96]; // -0.5 to 0.5
+    alignas(64) float down[2 * kKnitChunk + 96];   // the leg's middle, from the middle of its stitch
+    alignas(64) float value[2 * kKnitChunk + 96];
 };
 
 } // namespace
@@ -44,7 +61,7 @@ struct KnitState : State
 #define HWY_TARGET_INCLUDE "platform/nodes/patterns/knit.cpp"
 #include <hwy/foreach_target.h>
 
-#include "platform/nodes/patterns/blocks-inl.h"
+#include "platform/nodes/lattice-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace vellor::nodes::HWY_NAMESPACE {
@@ -55,42 +72,44 @@ struct Yarn
     F height, cover, u, v, direction, hash;
 };
 
-/// The leg on the right (side 1) or left (-1) of the stitch whose cell starts at row `row`; x from the cell's
-/// middle line to the outside, y down from the middle of that stitch's cell.
-HWY_INLINE Yarn legAt(const KnitState& state, F x, F y, U hash, F side)
+/// A leg at some pixels: x from the middle line of its stitch to the outside, y down from the leg's middle.
+/// It leans to the right for side 1 and to the left for -1.
+HWY_INLINE Yarn legAt(const KnitState& state, F x, F y, F random, F side)
 {
     // Along the leg, -1 at its lower, inner end and 1 at its upper, outer one; the axis bends like an S, so
     // that both ends run upright.
-    const F random = unitOf(hash) - F(0.5f);
-    const F middleX(0.25f * state.aspect);
-    const F dx = x - middleX - random * F(0.1f * state.variation);
-    const F dy = y - (unitOf(nextHash(hash)) - F(0.5f)) * F(0.1f * state.variation);
-    const F straight = dx * F(state.leanX) - dy * F(state.leanY);
+    const F dx = x - F(0.25f * state.aspect) - random * F(0.1f * state.variation);
+    const F straight = dx * F(state.leanX) - y * F(state.leanY);
     const F t = clampOf(straight * F(1.0f / (state.reach + state.radius)), F(-1.0f), F(1.0f));
     const F sway = (t * t * t - t) * F(state.bend * state.radius);
-    const F aside = dx * F(state.leanY) + dy * F(state.leanX) + sway;
+    const F aside = dx * F(state.leanY) + y * F(state.leanX) + sway;
     const F beyond = maxOf(absOf(straight) - F(state.reach), F(0.0f));
-    const F distance = sqrtOf(aside * aside + beyond * beyond);
+    const F square = aside * aside + beyond * beyond;
     // Thinner towards the ends, where the yarn dives.
     const F radius =
         F(state.radius) * (F(1.0f) - F(0.18f) * t * t) * (F(1.0f) + random * F(0.2f * state.variation));
-    const F inside = radius - distance;
-    const F share = clampOf(distance / radius, F(0.0f), F(1.0f));
+    const F outside = radius + F(0.5f * state.pixel);
+    const M reached = square < outside * outside;
+    Yarn yarn{F(0.0f), F(0.0f), F(0.5f), F(0.5f), side, F(0.0f)};
+    if (hn::AllFalse(FloatTag(), reached.m))
+        return yarn;
+    const F distance = sqrtOf(square), narrow = F(1.0f) / radius;
+    const F share = minOf(distance * narrow, F(1.0f));
     const F round = sqrtOf(maxOf(F(1.0f) - share * share, F(0.0f)));
-    Yarn yarn;
-    yarn.cover = clampOf(inside * F(1.0f / state.pixel) + F(0.5f), F(0.0f), F(1.0f));
+    const F cover = clampOf((radius - distance) * F(1.0f / state.pixel) + F(0.5f), F(0.0f), F(1.0f));
+    yarn.cover = choose(reached, cover, F(0.0f));
     yarn.u = t * F(0.5f) + F(0.5f);
-    yarn.v = clampOf(aside / radius * F(0.5f) + F(0.5f), F(0.0f), F(1.0f));
+    yarn.v = clampOf(aside * narrow * F(0.5f) + F(0.5f), F(0.0f), F(1.0f));
     // The lower end dives behind the stitch below's tips, the upper end lies open.
     const F course = F(1.0f) - F(state.depth) * (F(0.5f) - F(0.5f) * t);
-    // Plies: ridges that wind around the yarn.
-    const F wound = yarn.u * F(2.2f) + side * (yarn.v - F(0.5f)) * F(0.9f);
-    const F wave = sinCosOfTurns(wound * F(state.plies)).cosine;
-    const F ridges = F(1.0f) - F(0.22f * state.twist) * (F(0.5f) - F(0.5f) * wave);
-    yarn.height = (F(0.08f) + F(0.92f) * course * round) * ridges *
+    yarn.height = (F(0.08f) + F(0.92f) * course * round) *
                   (F(1.0f) - (random + F(0.5f)) * F(0.15f * state.variation)) * yarn.cover;
-    yarn.hash = unitOf(nextHash(nextHash(hash)));
-    yarn.direction = side;
+    if (state.twist > 0.0f) {
+        // Plies: ridges that wind around the yarn.
+        const F wound = yarn.u * F(2.2f) + side * (yarn.v - F(0.5f)) * F(0.9f);
+        const F wave = sinCosOfTurns(wound * F(state.plies)).cosine;
+        yarn.height *= F(1.0f) - F(0.22f * state.twist) * (F(0.5f) - F(0.5f) * wave);
+    }
     return yarn;
 }
 
@@ -105,30 +124,69 @@ HWY_INLINE void take(Yarn& top, const Yarn& other)
     top.hash = choose(higher, other.hash, top.hash);
 }
 
-HWY_INLINE F knitAt(const KnitState& state, F u, F v)
+/// The legs that a chunk of a row of pixels sees: those of its row of stitches and of the ones beside.
+class LegRows
 {
-    const F x = u * F(state.columns), y = v * F(state.rows);
-    const F column = floorOf(x), row = floorOf(y);
-    const F fx = x - column - F(0.5f), fy = y - row - F(0.5f);
-    const M onRight = fx >= F(0.0f);
+public:
+    LegRows(const KnitState& state, const RowJob& job, int x, int count)
+        : m_row(scalar::floorOf(centreOf(job.y, job.height) * state.rows))
+    {
+        const float perPixel = 2.0f * state.columns / static_cast<float>(job.width);
+        m_first = static_cast<int>(static_cast<float>(x) * perPixel) - 3;
+        const int last = static_cast<int>(static_cast<float>(x + count + kLanes) * perPixel) + 3;
+        for (int step = -1; step <= 1; ++step) {
+            LegLine& line = m_lines[step + 1];
+            const U row = wrappedCell(F(m_row + static_cast<float>(step)), state.rows);
+            for (int i = 0; i < last - m_first; i += kLanes) {
+                const F leg = wrappedCellOf(countFrom(static_cast<float>(m_first + i)), 2.0f * state.columns);
+                const F column = floorOf(leg * F(0.5f));
+                const M onRight = leg - column > column;
+                const U stitch = hashLattice(toInteger(column), row, U(state.seed));
+                const U hash = mixBits(stitch + choose(onRight, U(1u), U(2u))), second = nextHash(hash);
+                store(unitOf(hash) - F(0.5f), line.random + i);
+                store((unitOf(second) - F(0.5f)) * F(0.1f * state.variation), line.down + i);
+                store(unitOf(nextHash(second)), line.value + i);
+            }
+        }
+    }
+
+    float row() const { return m_row; }
+    int first() const { return m_first; }
+    const LegLine& line(int step) const { return m_lines[step + 1]; }
+
+private:
+    static HWY_INLINE F wrappedCellOf(F cell, float count) { return toFloat(wrappedCell(cell, count)); }
+
+    float m_row;
+    int m_first;
+    LegLine m_lines[3];
+};
+
+template<class Columns> HWY_INLINE F knitAt(const KnitState& state, const LegRows& rows, F u, float v)
+{
+    const F halves = u * F(2.0f * state.columns), half = floorOf(halves);
+    const F column = floorOf(half * F(0.5f));
+    const M onRight = half - column > column;
     const F right = choose(onRight, F(1.0f), F(-1.0f));
-    const U columnIndex = toInteger(aroundOf(column, state.columns));
-    // The own half of the stitch and its two mirror images: across the middle line and across the side.
-    const F ownX = absOf(fx) * F(state.aspect);
+    // The own leg stands beside the other one of its stitch and one of the stitch beside, both mirrored.
+    const F ownX = absOf(halves * F(0.5f) - column - F(0.5f)) * F(state.aspect);
+    const F otherX = F(state.aspect) - ownX;
+    const Columns columns(toInteger(half), rows.first());
     Yarn top{F(0.0f), F(0.0f), F(0.5f), F(0.5f), F(0.0f), F(0.0f)};
     for (int step = -1; step <= 1; ++step) {
-        const F stitch = row + F(static_cast<float>(step));
-        const F dy = fy - F(static_cast<float>(step));
-        const U rowIndex = toInteger(aroundOf(stitch, state.rows));
-        const U hash = hashLattice(columnIndex, rowIndex, U(state.seed));
-        const U neighbour =
-            hashLattice(toInteger(aroundOf(column + right, state.columns)), rowIndex, U(state.seed));
-        const auto half = [](U stitchHash, M rightHalf) {
-            return mixBits(stitchHash + choose(rightHalf, U(1u), U(2u)));
+        const float y = v * state.rows - rows.row() - 0.5f - static_cast<float>(step);
+        if (scalar::absOf(y) > state.above)
+            continue;
+        const LegLine& line = rows.line(step);
+        const auto look = [&](int beside, F x, F side) {
+            Yarn yarn = legAt(state, x, F(y) - columns.read(line.down + beside),
+                              columns.read(line.random + beside), side);
+            yarn.hash = columns.read(line.value + beside);
+            take(top, yarn);
         };
-        take(top, legAt(state, ownX, dy, half(hash, onRight), right));
-        take(top, legAt(state, -ownX, dy, half(hash, !onRight), -right));
-        take(top, legAt(state, F(state.aspect) - ownX, dy, half(neighbour, !onRight), -right));
+        look(0, ownX, right);
+        look(-1, choose(onRight, -ownX, otherX), -right);
+        look(1, choose(onRight, otherX, -ownX), -right);
     }
     switch (state.output) {
     case KnitOutput::Mask:
@@ -152,19 +210,32 @@ HWY_INLINE F knitAt(const KnitState& state, F u, F v)
     return top.height;
 }
 
+template<class Columns>
+void knitPixels(const KnitState& state, const RowJob& job, int x, int count, float* result)
+{
+    constexpr float kSamples[4][2] = {
+        {-0.375f, -0.125f}, {0.125f, -0.375f}, {0.375f, 0.125f}, {-0.125f, 0.375f}};
+    const LegRows rows(state, job, x, count);
+    const float v = centreOf(job.y, job.height);
+    const float pixelU = 1.0f / static_cast<float>(job.width), pixelV = 1.0f / static_cast<float>(job.height);
+    for (int i = 0; i < count; i += kLanes) {
+        const F u = centresFrom(x + i, job.width);
+        F sum(0.0f);
+        for (const auto& sample : kSamples)
+            sum += knitAt<Columns>(state, rows, u + F(sample[0] * pixelU), v + sample[1] * pixelV);
+        store(sum * F(0.25f), result + i);
+    }
+}
+
 void knitRow(const RowJob& job)
 {
     const auto& state = static_cast<const KnitState&>(*job.state);
-    constexpr float kSamples[4][2] = {
-        {-0.375f, -0.125f}, {0.125f, -0.375f}, {0.375f, 0.125f}, {-0.125f, 0.375f}};
-    const float v = centreOf(job.y, job.height);
-    const float pixelU = 1.0f / static_cast<float>(job.width), pixelV = 1.0f / static_cast<float>(job.height);
-    for (int i = 0; i < job.count; i += kLanes) {
-        const F u = centresFrom(job.x + i, job.width);
-        F sum(0.0f);
-        for (const auto& sample : kSamples)
-            sum += knitAt(state, u + F(sample[0] * pixelU), F(v + sample[1] * pixelV));
-        store(sum * F(0.25f), job.result[0] + i);
+    for (int done = 0; done < job.count; done += kKnitChunk) {
+        const int count = std::min(kKnitChunk, job.count - done);
+        if (4.0f * state.columns <= static_cast<float>(job.width))
+            knitPixels<NearColumns>(state, job, job.x + done, count, job.result[0] + done);
+        else
+            knitPixels<FarColumns>(state, job, job.x + done, count, job.result[0] + done);
     }
 }
 
@@ -198,12 +269,17 @@ static std::unique_ptr<State> prepareKnit(const Setup& setup)
     state->leanY = downLeg / length;
     state->reach = std::max(length - 0.6f * state->radius, 0.05f);
     state->bend = held(p[2].f[0], 0.0f, 1.0f);
+    state->pixel = state->rows / static_cast<float>(setup.height);
+    // Half the leg's straight part, its ends at their thickest and as far as they bend, and what chance adds.
+    state->above = state->reach * state->leanY + state->radius * (1.1f + 0.4f * state->bend) +
+                   0.5f * state->pixel + 0.06f;
     state->depth = held(p[3].f[0], 0.0f, 1.0f);
     state->plies = static_cast<float>(held(p[4].i[0], 1, 16));
     state->twist = held(p[5].f[0], 0.0f, 1.0f);
     state->variation = held(p[6].f[0], 0.0f, 1.0f);
     state->output = static_cast<KnitOutput>(held(p[7].i[0], 0, 5));
-    state->pixel = state->rows / static_cast<float>(setup.height);
+    // A pixel sees no more than one stitch: what is finer would only be noise.
+    state->columns = std::min(state->columns, static_cast<float>(setup.width));
     state->seed = scalar::mixBits(static_cast<std::uint32_t>(setup.seed) + 0x6b17a3c5u);
     return state;
 }
