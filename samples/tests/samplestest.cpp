@@ -13,7 +13,10 @@ namespace {
 
 constexpr int kLog2Side = 6;
 
-const char* const kSamples[] = {"bricks", "cobblestones", "herringbone_parquet", "knitted_wool", "leather", "marble", "rusted_metal", "sand_dunes", "scratched_paint", "stylised_photo", "tileable_photo", "water", "woven_fabric"};
+const char* const kSamples[] = {"bricks",          "cobblestones",   "herringbone_parquet", "knitted_wool",
+                                "leather",         "marble",         "rusted_metal",        "sand_dunes",
+                                "scratched_paint", "stylised_photo", "tileable_photo",      "water",
+                                "woven_fabric"};
 
 std::string fileOf(const std::string& sample)
 {
