@@ -114,10 +114,9 @@ void multiplyTraffic(benchmark::State& state)
 int matrixNode(Point& point, int operand)
 {
     using Row = std::array<double, 4>;
-    return point.graph.addNode("colourmatrix", 4, {operand},
-                               {{"red", Row{0.4, 0.8, 0.2, 0}},
-                                {"green", Row{0.3, 0.7, 0.2, 0}},
-                                {"blue", Row{0.3, 0.5, 0.1, 0}}});
+    return point.graph.addNode(
+        "colourmatrix", 4, {operand},
+        {{"red", Row{0.4, 0.8, 0.2, 0}}, {"green", Row{0.3, 0.7, 0.2, 0}}, {"blue", Row{0.3, 0.5, 0.1, 0}}});
 }
 
 void colourMatrix(benchmark::State& state)
@@ -239,7 +238,8 @@ const bool registered = [] {
     registerOperation("multiply, RGBA float, traffic", multiplyTraffic);
     registerOperation("colour matrix, RGBA float", colourMatrix);
     registerOperation("colour matrix, RGBA float, traffic", colourMatrixTraffic);
-    registerOperation("levels, multiply, shuffle as one, RGBA float", fusedChain);
+    registerOperation("levels, multiply with opacity and mask, channel shuffle, as one, RGBA float",
+                      fusedChain);
     registerOperation("gamma, grey float", gamma);
     registerOperation("hue, saturation, lightness, RGBA float", hueSaturationLightness);
     registerOperation("channel shuffle, RGBA float", channelShuffle);
