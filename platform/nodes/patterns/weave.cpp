@@ -13,14 +13,24 @@ enum class WeavePattern
     Plain,
     Twill,
     Basket,
-    Satin
+    Satin,
+    WarpTwill,
+    WeftTwill,
+    Herringbone,
+    Sateen,
+    EightSatin
 };
+/// Threads until a pattern repeats, both ways.
+constexpr int kWeavePeriods[] = {2, 4, 4, 5, 4, 4, 8, 5, 8};
+constexpr int kWeavePatterns = 9;
 enum class WeaveOutput
 {
     Height,
     Mask,
     Value,
-    Direction
+    Direction,
+    U,
+    V
 };
 
 struct WeaveState : State
@@ -63,6 +73,19 @@ HWY_INLINE F verticalOver(WeavePattern pattern, F i, F j)
         return modulo(floorOf(i * F(0.5f)) + floorOf(j * F(0.5f)), 2.0f);
     case WeavePattern::Satin:
         return choose(modulo(i + i + j, 5.0f) < F(0.5f), F(0.0f), F(1.0f));
+    case WeavePattern::WarpTwill:
+        return choose(modulo(i + j, 4.0f) < F(2.5f), F(1.0f), F(0.0f));
+    case WeavePattern::WeftTwill:
+        return choose(modulo(i + j, 4.0f) < F(0.5f), F(1.0f), F(0.0f));
+    case WeavePattern::Herringbone: {
+        // Twill that turns back after every four threads: 0 1 2 3 3 2 1 0.
+        const F k = modulo(i, 8.0f);
+        return choose(modulo(minOf(k, F(7.0f) - k) + j, 4.0f) < F(1.5f), F(1.0f), F(0.0f));
+    }
+    case WeavePattern::Sateen:
+        return choose(modulo(i + i + j, 5.0f) < F(0.5f), F(1.0f), F(0.0f));
+    case WeavePattern::EightSatin:
+        return choose(modulo(i * F(3.0f) + j, 8.0f) < F(0.5f), F(0.0f), F(1.0f));
     case WeavePattern::Plain:
         break;
     }
@@ -96,6 +119,40 @@ HWY_INLINE Thread threadOf(const WeaveState& state, F aside, F course, U hash, f
     return {(F(0.15f) + F(0.85f) * top * (F(0.3f) + F(0.7f) * round)) * darker, coverage, unit};
 }
 
+/// 1 where the thread that runs the given way passes over the other one, else 0.
+HWY_INLINE F passesOver(WeavePattern pattern, M vertical, F i, F j)
+{
+    const F over = verticalOver(pattern, i, j);
+    return choose(vertical, over, F(1.0f) - over);
+}
+
+/// How many crossings on from (i, j), in steps of (stepI, stepJ), the thread stays above.
+HWY_INLINE F floatFrom(WeavePattern pattern, M vertical, F i, F j, F stepI, F stepJ)
+{
+    F above(1.0f), count(0.0f);
+    for (int k = 1; k < kWeavePeriods[static_cast<int>(pattern)]; ++k) {
+        i += stepI;
+        j += stepJ;
+        above *= passesOver(pattern, vertical, i, j);
+        count += above;
+    }
+    return count;
+}
+
+/// Where along its float, the way between two dives, the thread is that shows; 0 to 1, from the left and from
+/// the top. `along` is the position from crossing (i, j).
+HWY_INLINE F alongFloat(WeavePattern pattern, M vertical, F i, F j, F along)
+{
+    const F stepI = choose(vertical, F(0.0f), F(1.0f)), stepJ = F(1.0f) - stepI;
+    // A thread that shows where it passes below belongs to the float that begins or ends beside.
+    const F side = choose(along < F(0.0f), F(-1.0f), F(1.0f));
+    const F moved = choose(passesOver(pattern, vertical, i, j) > F(0.5f), F(0.0f), side);
+    const F fromI = i + moved * stepI, fromJ = j + moved * stepJ;
+    const F before = floatFrom(pattern, vertical, fromI, fromJ, -stepI, -stepJ);
+    const F after = floatFrom(pattern, vertical, fromI, fromJ, stepI, stepJ);
+    return clampOf((before + along - moved + F(0.5f)) / (before + after + F(1.0f)), F(0.0f), F(1.0f));
+}
+
 HWY_INLINE F weaveAt(const WeaveState& state, F u, F v)
 {
     const F x = u * F(state.across), y = v * F(state.down);
@@ -120,6 +177,10 @@ HWY_INLINE F weaveAt(const WeaveState& state, F u, F v)
         return choose(isDown, down.hash, across.hash);
     case WeaveOutput::Direction:
         return choose(isDown, F(1.0f), F(0.0f));
+    case WeaveOutput::U:
+        return alongFloat(state.pattern, isDown, i, j, choose(isDown, b, a));
+    case WeaveOutput::V:
+        return clampOf(choose(isDown, a, b) * F(1.0f / state.width) + F(0.5f), F(0.0f), F(1.0f));
     case WeaveOutput::Height:
         break;
     }
@@ -155,17 +216,16 @@ static std::unique_ptr<State> prepareWeave(const Setup& setup)
 {
     auto state = std::make_unique<WeaveState>();
     const ParameterValue* p = setup.parameters;
-    state->pattern = static_cast<WeavePattern>(held(p[1].i[0], 0, 3));
+    state->pattern = static_cast<WeavePattern>(held(p[1].i[0], 0, kWeavePatterns - 1));
     // Whole repeats of the pattern, so that it tiles.
-    constexpr int kPeriods[] = {2, 4, 4, 5};
-    const int period = kPeriods[static_cast<int>(state->pattern)];
+    const int period = kWeavePeriods[static_cast<int>(state->pattern)];
     const CellCount count = cellCount(p[0], setup, 2048);
     state->across = static_cast<float>((count.across + period - 1) / period * period);
     state->down = static_cast<float>((count.down + period - 1) / period * period);
     state->width = held(p[2].f[0], 0.05f, 1.0f);
     state->depth = held(p[3].f[0], 0.0f, 1.0f);
     state->variation = held(p[4].f[0], 0.0f, 1.0f);
-    state->output = static_cast<WeaveOutput>(held(p[5].i[0], 0, 3));
+    state->output = static_cast<WeaveOutput>(held(p[5].i[0], 0, 5));
     state->pixelX = state->across / static_cast<float>(setup.width);
     state->pixelY = state->down / static_cast<float>(setup.height);
     state->seed = scalar::mixBits(static_cast<std::uint32_t>(setup.seed) + 0x299f31d0u);
@@ -178,7 +238,7 @@ const NodeDeclaration weaveNode{
     "Patterns",
     "Round threads that run over and under each other, for cloth. The same parameters with another output "
     "give the matching "
-    "masks and random values.",
+    "masks, random values and positions on the threads.",
     ResultChannels::Grey,
     Chance::Seeded,
     {},
@@ -192,11 +252,15 @@ const NodeDeclaration weaveNode{
       ParameterType::Choice,
       {0},
       0,
-      3,
+      8,
       "Plain: one over, one under; twill: two over, two under, moved by one in each row; basket: pairs; "
-      "satin: four over, one "
-      "under.",
-      {"plain", "twill", "basket", "satin"}},
+      "satin: "
+      "vertical threads four over, one under; warptwill and wefttwill: three over, one under, of vertical "
+      "and of "
+      "horizontal threads, as in denim; herringbone: twill that turns back every four threads; sateen: "
+      "horizontal "
+      "threads four over, one under; eightsatin: vertical threads seven over, one under.",
+      {"plain", "twill", "basket", "satin", "warptwill", "wefttwill", "herringbone", "sateen", "eightsatin"}},
      {"width", ParameterType::Float, {0.9}, 0, 1, "A thread's width; the rest is gap."},
      {"depth",
       ParameterType::Float,
@@ -209,11 +273,12 @@ const NodeDeclaration weaveNode{
       ParameterType::Choice,
       {0},
       0,
-      3,
+      5,
       "What to draw: height is the relief; mask is white on threads; value is a random grey for each thread; "
-      "direction is white "
-      "where a vertical thread is on top.",
-      {"height", "mask", "value", "direction"}}},
+      "direction is white where a vertical thread is on top; u runs along the thread on top from where it "
+      "comes up to "
+      "where it dives, to the right or down; v runs across it.",
+      {"height", "mask", "value", "direction", "u", "v"}}},
     prepareWeave,
     runweaveRow};
 

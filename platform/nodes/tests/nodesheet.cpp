@@ -227,7 +227,7 @@ std::vector<Sheet> sheets()
     addChoices("knit", "output", [](Evaluation& run, int) { run.set("stitches", {6, 0}); });
     addChoices("weave", "pattern", [](Evaluation& run, int) { run.set("threads", {10, 0}); });
     addChoices("weave", "output", [](Evaluation& run, int) {
-        run.set("threads", {8, 0}).set("pattern", {1});
+        run.set("threads", {8, 0}).set("pattern", {4});
     });
     add("checker", [](int size) { return Evaluation("checker", size, size).set("tiles", {3, 0})(); });
     add("checker-diagonal", [](int size) {

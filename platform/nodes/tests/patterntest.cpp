@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 
 namespace vellor::nodes::test {
 
@@ -122,6 +123,7 @@ const PatternCase kPatterns[] = {
          run.set("repeats", {3, -2});
      }},
     {"weave", [](Evaluation& run) { run.set("pattern", {3}); }},
+    {"weave", [](Evaluation& run) { run.set("pattern", {6}); }},
     {"checker", [](Evaluation& run) { run.set("diagonal", {1}); }},
     {"shape",
      [](Evaluation& run) {
@@ -271,6 +273,45 @@ TEST(Blocks, CoverByFormula)
     EXPECT_NEAR(meanOf(Evaluation("stripes", 64, 64).set("repeats", {37, 11}).set("width", {0.3})()), 0.3,
                 1e-3);
     EXPECT_NEAR(meanOf(Evaluation("dots", 256, 256)()), 3.14159265 * 0.3 * 0.3, 0.002);
+}
+
+TEST(Weave, FloatsAreAsLongAsTheirPatternSays)
+{
+    struct Case
+    {
+        double pattern, threads, vertical; // share of crossings where the vertical thread is on top
+    };
+    for (const Case& row :
+         {Case{0, 4, 0.5}, Case{1, 4, 0.5}, Case{2, 4, 0.5}, Case{3, 5, 0.8}, Case{4, 4, 0.75},
+          Case{5, 4, 0.25}, Case{6, 8, 0.5}, Case{7, 5, 0.2}, Case{8, 8, 0.875}}) {
+        const int threads = int(row.threads), size = 16 * threads;
+        Evaluation run("weave", size, size);
+        run.set("threads", {row.threads, row.threads}).set("pattern", {row.pattern});
+        const Picture direction = run.set("output", {3})(), u = run.set("output", {4})();
+        double vertical = 0;
+        for (int j = 0; j < threads; ++j) {
+            for (int i = 0; i < threads; ++i) {
+                const int x = 16 * i + 8, y = 16 * j + 8;
+                const bool down = direction.at(x, y) == 1.0f;
+                vertical += down;
+                // From crossing to crossing u rises by one in the float's length, or starts again.
+                const float here = u.at(x, y), next = down ? u.at(x, y + 16) : u.at(x + 16, y);
+                const bool on = direction.at(down ? x : x + 16, down ? y + 16 : y) == (down ? 1.0f : 0.0f);
+                int length = 1;
+                for (int side : {-1, 1})
+                    for (int k = side;
+                         std::abs(k) < threads &&
+                         direction.at(down ? x : x + 16 * k, down ? y + 16 * k : y) == (down ? 1.0f : 0.0f);
+                         k += side)
+                        ++length;
+                if (on)
+                    EXPECT_NEAR(next - here, 1.0f / length, 1e-4f) << row.pattern << ": " << i << ' ' << j;
+                else
+                    EXPECT_NEAR(here, 1.0f - 0.5f / length, 0.04f) << row.pattern << ": " << i << ' ' << j;
+            }
+        }
+        EXPECT_NEAR(vertical / (threads * threads), row.vertical, 1e-9) << row.pattern;
+    }
 }
 
 TEST(Gradients, KnownValues)
