@@ -11,7 +11,7 @@
 //
 // Legs stand in columns half a stitch wide, and reach into those beside theirs and into the rows above and
 // below. What chance does to the legs of those rows is worked out once for a chunk of a row of pixels, in
-// lines with a number for each column.
+// lines with a number for each column. Which legs come near a pixel is asked once for its four samples.
 
 #ifndef VELLOR_KNIT_STATE
 #define VELLOR_KNIT_STATE
@@ -37,7 +37,8 @@ struct KnitState : State
     float leanX = 0.4f, leanY = 0.9f; // a leg's direction, upwards and outwards
     float bend = 0.2f, depth = 0.5f, twist = 0.0f, variation = 0.0f;
     float plies = 2.0f;
-    float above = 1.0f; // no leg shows further above or below its middle
+    // No leg shows further above or below its middle, nor does any sample of a pixel further from its axis.
+    float above = 1.0f, near = 1.0f;
     float pixel = 0.01f;
     KnitOutput output = KnitOutput::Height;
     std::uint32_t seed = 0;
@@ -67,62 +68,95 @@ HWY_BEFORE_NAMESPACE();
 namespace vellor::nodes::HWY_NAMESPACE {
 namespace {
 
-struct Yarn
+/// A leg at some pixels, which may all lie beside it.
+struct Leg
 {
-    F height, cover, u, v, direction, hash;
+    F straight, aside; // from its middle along its axis, upwards, and across, without the bend
+    F random, value;
+    F side; // 1 for legs that lean to the right, -1 to the left
+    M near;
 };
 
-/// A leg at some pixels: x from the middle line of its stitch to the outside, y down from the leg's middle.
-/// It leans to the right for side 1 and to the left for -1.
-HWY_INLINE Yarn legAt(const KnitState& state, F x, F y, F random, F side)
+/// What shows at a sample of some pixels.
+struct Yarn
+{
+    F height, cover, shown;
+};
+
+/// The way along a leg, from -1 to 1, by the direction that it leans to, in one number.
+HWY_INLINE F directionOf(const KnitState& state, F coded)
+{
+    const F square = maxOf(absOf(coded) - F(1.0f), F(0.0f));
+    const F side = choose(coded < F(0.0f), F(-1.0f), choose(coded > F(0.0f), F(1.0f), F(0.0f)));
+    // Legs on the right lean to the right, from an upright yarn at the ends to the full lean in the middle.
+    const F lean = F(state.leanX) * (F(1.0f) + F(state.bend) * (F(0.5f) - F(1.5f) * square));
+    return F(0.5f) + side * atan2Of(lean, F(state.leanY)) * F(1.0f / kPi);
+}
+
+/// Lays the leg at one sample of the pixels over what shows there.
+HWY_INLINE void addLeg(const KnitState& state, const Leg& leg, F straight, F across, Yarn& top)
 {
     // Along the leg, -1 at its lower, inner end and 1 at its upper, outer one; the axis bends like an S, so
     // that both ends run upright.
-    const F dx = x - F(0.25f * state.aspect) - random * F(0.1f * state.variation);
-    const F straight = dx * F(state.leanX) - y * F(state.leanY);
     const F t = clampOf(straight * F(1.0f / (state.reach + state.radius)), F(-1.0f), F(1.0f));
-    const F sway = (t * t * t - t) * F(state.bend * state.radius);
-    const F aside = dx * F(state.leanY) + y * F(state.leanX) + sway;
+    const F aside = across + (t * t * t - t) * F(state.bend * state.radius);
     const F beyond = maxOf(absOf(straight) - F(state.reach), F(0.0f));
     const F square = aside * aside + beyond * beyond;
     // Thinner towards the ends, where the yarn dives.
     const F radius =
-        F(state.radius) * (F(1.0f) - F(0.18f) * t * t) * (F(1.0f) + random * F(0.2f * state.variation));
+        F(state.radius) * (F(1.0f) - F(0.18f) * t * t) * (F(1.0f) + leg.random * F(0.2f * state.variation));
     const F outside = radius + F(0.5f * state.pixel);
-    const M reached = square < outside * outside;
-    Yarn yarn{F(0.0f), F(0.0f), F(0.5f), F(0.5f), side, F(0.0f)};
+    const M reached = leg.near & (square < outside * outside);
     if (hn::AllFalse(FloatTag(), reached.m))
-        return yarn;
-    const F distance = sqrtOf(square), narrow = F(1.0f) / radius;
-    const F share = minOf(distance * narrow, F(1.0f));
-    const F round = sqrtOf(maxOf(F(1.0f) - share * share, F(0.0f)));
-    const F cover = clampOf((radius - distance) * F(1.0f / state.pixel) + F(0.5f), F(0.0f), F(1.0f));
-    yarn.cover = choose(reached, cover, F(0.0f));
-    yarn.u = t * F(0.5f) + F(0.5f);
-    yarn.v = clampOf(aside * narrow * F(0.5f) + F(0.5f), F(0.0f), F(1.0f));
+        return;
+    const F narrow = F(1.0f) / radius;
+    const F round = sqrtOf(maxOf(F(1.0f) - square * narrow * narrow, F(0.0f)));
+    const F edge = clampOf((radius - sqrtOf(square)) * F(1.0f / state.pixel) + F(0.5f), F(0.0f), F(1.0f));
+    const F cover = choose(reached, edge, F(0.0f));
+    const F u = t * F(0.5f) + F(0.5f), v = clampOf(aside * narrow * F(0.5f) + F(0.5f), F(0.0f), F(1.0f));
     // The lower end dives behind the stitch below's tips, the upper end lies open.
     const F course = F(1.0f) - F(state.depth) * (F(0.5f) - F(0.5f) * t);
-    yarn.height = (F(0.08f) + F(0.92f) * course * round) *
-                  (F(1.0f) - (random + F(0.5f)) * F(0.15f * state.variation)) * yarn.cover;
+    F height = (F(0.08f) + F(0.92f) * course * round) *
+               (F(1.0f) - (leg.random + F(0.5f)) * F(0.15f * state.variation)) * cover;
     if (state.twist > 0.0f) {
         // Plies: ridges that wind around the yarn.
-        const F wound = yarn.u * F(2.2f) + side * (yarn.v - F(0.5f)) * F(0.9f);
+        const F wound = u * F(2.2f) + leg.side * (v - F(0.5f)) * F(0.9f);
         const F wave = sinCosOfTurns(wound * F(state.plies)).cosine;
-        yarn.height *= F(1.0f) - F(0.22f * state.twist) * (F(0.5f) - F(0.5f) * wave);
+        height *= F(1.0f) - F(0.22f * state.twist) * (F(0.5f) - F(0.5f) * wave);
     }
-    return yarn;
+    const M higher = height > top.height;
+    top.height = maxOf(height, top.height);
+    top.cover = maxOf(top.cover, cover);
+    switch (state.output) {
+    case KnitOutput::Value:
+        top.shown = choose(higher, leg.value, top.shown);
+        break;
+    case KnitOutput::U:
+        top.shown = choose(higher, u, top.shown);
+        break;
+    case KnitOutput::V:
+        top.shown = choose(higher, v, top.shown);
+        break;
+    case KnitOutput::Direction:
+        top.shown = choose(higher, leg.side * (F(1.0f) + t * t), top.shown);
+        break;
+    default:
+        break;
+    }
 }
 
-HWY_INLINE void take(Yarn& top, const Yarn& other)
+/// Samples on a turned grid, from the middle of a pixel.
+struct KnitSamples
 {
-    const M higher = other.height > top.height;
-    top.height = choose(higher, other.height, top.height);
-    top.cover = maxOf(top.cover, other.cover);
-    top.u = choose(higher, other.u, top.u);
-    top.v = choose(higher, other.v, top.v);
-    top.direction = choose(higher, other.direction, top.direction);
-    top.hash = choose(higher, other.hash, top.hash);
-}
+    float x[4] = {-0.375f, 0.125f, 0.375f, -0.125f}, y[4] = {-0.125f, -0.375f, 0.125f, 0.375f};
+    KnitSamples(const KnitState& state, const RowJob& job)
+    {
+        for (float& across : x)
+            across *= state.columns * state.aspect / static_cast<float>(job.width);
+        for (float& down : y)
+            down *= state.rows / static_cast<float>(job.height);
+    }
+};
 
 /// The legs that a chunk of a row of pixels sees: those of its row of stitches and of the ones beside.
 class LegRows
@@ -162,7 +196,9 @@ private:
     LegLine m_lines[3];
 };
 
-template<class Columns> HWY_INLINE F knitAt(const KnitState& state, const LegRows& rows, F u, float v)
+/// A vector of pixels, y rows of stitches down from the middle of the row that LegRows starts from.
+template<class Columns>
+HWY_INLINE F knitAt(const KnitState& state, const LegRows& rows, F u, float y, const KnitSamples& samples)
 {
     const F halves = u * F(2.0f * state.columns), half = floorOf(halves);
     const F column = floorOf(half * F(0.5f));
@@ -172,59 +208,63 @@ template<class Columns> HWY_INLINE F knitAt(const KnitState& state, const LegRow
     const F ownX = absOf(halves * F(0.5f) - column - F(0.5f)) * F(state.aspect);
     const F otherX = F(state.aspect) - ownX;
     const Columns columns(toInteger(half), rows.first());
-    Yarn top{F(0.0f), F(0.0f), F(0.5f), F(0.5f), F(0.0f), F(0.0f)};
+    const bool between = state.output == KnitOutput::U || state.output == KnitOutput::V;
+    Yarn tops[4];
+    for (Yarn& top : tops)
+        top = {F(0.0f), F(0.0f), F(between ? 0.5f : 0.0f)};
     for (int step = -1; step <= 1; ++step) {
-        const float y = v * state.rows - rows.row() - 0.5f - static_cast<float>(step);
-        if (scalar::absOf(y) > state.above)
+        const float down = y - static_cast<float>(step);
+        if (scalar::absOf(down) > state.above)
             continue;
         const LegLine& line = rows.line(step);
+        // x goes from the middle line of the leg's stitch to the outside.
         const auto look = [&](int beside, F x, F side) {
-            Yarn yarn = legAt(state, x, F(y) - columns.read(line.down + beside),
-                              columns.read(line.random + beside), side);
-            yarn.hash = columns.read(line.value + beside);
-            take(top, yarn);
+            Leg leg;
+            leg.random = columns.read(line.random + beside);
+            const F dx = x - F(0.25f * state.aspect) - leg.random * F(0.1f * state.variation);
+            const F dy = F(down) - columns.read(line.down + beside);
+            leg.straight = dx * F(state.leanX) - dy * F(state.leanY);
+            leg.aside = dx * F(state.leanY) + dy * F(state.leanX);
+            leg.near =
+                (absOf(leg.aside) < F(state.near)) & (absOf(leg.straight) < F(state.reach + state.near));
+            if (hn::AllFalse(FloatTag(), leg.near.m))
+                return;
+            leg.value = columns.read(line.value + beside);
+            leg.side = side;
+            for (int i = 0; i < 4; ++i) {
+                const F straight =
+                    leg.straight + side * F(samples.x[i] * state.leanX) - F(samples.y[i] * state.leanY);
+                const F aside =
+                    leg.aside + side * F(samples.x[i] * state.leanY) + F(samples.y[i] * state.leanX);
+                addLeg(state, leg, straight, aside, tops[i]);
+            }
         };
         look(0, ownX, right);
         look(-1, choose(onRight, -ownX, otherX), -right);
         look(1, choose(onRight, otherX, -ownX), -right);
     }
-    switch (state.output) {
-    case KnitOutput::Mask:
-        return top.cover;
-    case KnitOutput::Value:
-        return top.hash;
-    case KnitOutput::U:
-        return top.u;
-    case KnitOutput::V:
-        return top.v;
-    case KnitOutput::Direction: {
-        // Legs on the right lean to the right, from an upright yarn at the ends to the full lean in the
-        // middle.
-        const F t = top.u * F(2.0f) - F(1.0f);
-        const F lean = F(state.leanX) * (F(1.0f) + F(state.bend) * (F(0.5f) - F(1.5f) * t * t));
-        return F(0.5f) + top.direction * atan2Of(lean, F(state.leanY)) * F(1.0f / kPi);
+    F sum(0.0f);
+    for (const Yarn& top : tops) {
+        if (state.output == KnitOutput::Height)
+            sum += top.height;
+        else if (state.output == KnitOutput::Mask)
+            sum += top.cover;
+        else if (state.output == KnitOutput::Direction)
+            sum += directionOf(state, top.shown);
+        else
+            sum += top.shown;
     }
-    case KnitOutput::Height:
-        break;
-    }
-    return top.height;
+    return sum * F(0.25f);
 }
 
 template<class Columns>
 void knitPixels(const KnitState& state, const RowJob& job, int x, int count, float* result)
 {
-    constexpr float kSamples[4][2] = {
-        {-0.375f, -0.125f}, {0.125f, -0.375f}, {0.375f, 0.125f}, {-0.125f, 0.375f}};
     const LegRows rows(state, job, x, count);
-    const float v = centreOf(job.y, job.height);
-    const float pixelU = 1.0f / static_cast<float>(job.width), pixelV = 1.0f / static_cast<float>(job.height);
-    for (int i = 0; i < count; i += kLanes) {
-        const F u = centresFrom(x + i, job.width);
-        F sum(0.0f);
-        for (const auto& sample : kSamples)
-            sum += knitAt<Columns>(state, rows, u + F(sample[0] * pixelU), v + sample[1] * pixelV);
-        store(sum * F(0.25f), result + i);
-    }
+    const KnitSamples samples(state, job);
+    const float y = centreOf(job.y, job.height) * state.rows - rows.row() - 0.5f;
+    for (int i = 0; i < count; i += kLanes)
+        store(knitAt<Columns>(state, rows, centresFrom(x + i, job.width), y, samples), result + i);
 }
 
 void knitRow(const RowJob& job)
@@ -270,9 +310,10 @@ static std::unique_ptr<State> prepareKnit(const Setup& setup)
     state->reach = std::max(length - 0.6f * state->radius, 0.05f);
     state->bend = held(p[2].f[0], 0.0f, 1.0f);
     state->pixel = state->rows / static_cast<float>(setup.height);
-    // Half the leg's straight part, its ends at their thickest and as far as they bend, and what chance adds.
-    state->above = state->reach * state->leanY + state->radius * (1.1f + 0.4f * state->bend) +
-                   0.5f * state->pixel + 0.06f;
+    // Yarn at its thickest and as far as it bends, a pixel, and what chance adds at most.
+    state->near = state->radius * (1.1f + 0.4f * state->bend) +
+                  std::max(state->pixel, state->columns * state->aspect / static_cast<float>(setup.width));
+    state->above = state->reach * state->leanY + state->near + 0.06f;
     state->depth = held(p[3].f[0], 0.0f, 1.0f);
     state->plies = static_cast<float>(held(p[4].i[0], 1, 16));
     state->twist = held(p[5].f[0], 0.0f, 1.0f);
