@@ -1,6 +1,6 @@
-// Noise in cycles of the processor's time-stamp counter for a pixel: 2048 squared, cells of 32 pixels, which
-// tile. Beside them stands what the fastest noise library known reaches there on one thread with its best
-// instruction set; that was measured elsewhere.
+// Noise, and patterns that chance draws, in cycles of the processor's time-stamp counter for a pixel: 2048
+// squared, cells of 32 pixels, which tile. Beside them stands what the fastest noise library known reaches
+// there on one thread with its best instruction set; that was measured elsewhere.
 
 #include "benchmarks/operations/rivals.h"
 
@@ -43,6 +43,11 @@ const std::vector<NoiseFigure>& figures()
         {"value, 8 octaves", "valuenoise", {wide, octaves}},
         {"perlin, warped", "perlin", {cells, one, Setting("warp", 1)}},
         {"whitenoise", "whitenoise", {}},
+        {"cracks, 5 pieces across", "cracks", {}, 60},
+        {"cracks, 50 pieces across", "cracks", {Setting("cells", 50)}},
+        {"knit, 12 stitches across", "knit", {}, 60},
+        {"knit, 200 stitches across", "knit", {Setting("stitches", 200)}},
+        {"weave, twill of 16 threads across", "weave", {Setting("pattern", 1)}},
         {"uniform, which is the cost of writing", "uniform", {}},
     };
     return all;
