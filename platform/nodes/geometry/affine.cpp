@@ -100,11 +100,10 @@ void readOnce(const AffinePlan& plan, const AreaJob& job)
 {
     const AffineRows rows(plan, job.operands[0], 0.0);
     TileReader reader(job.operands[0], plan.reading);
+    const TileWriter writer(job.result);
     forEachTile(job, [&](Tile& tile) {
         rows.locate(tile);
-        reader.read(tile, [&](int c, int i, int row, F value) {
-            store(value, rowOf(job.result, c, tile.y + row) + tile.x + i);
-        });
+        reader.read(tile, [&](int c, int i, int row, F value) { writer.put(tile, c, i, row, value); });
     });
 }
 

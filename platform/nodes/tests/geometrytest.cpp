@@ -153,6 +153,20 @@ TEST(Geometry, WhatMovesNothingOrWholePixelsIsExact)
     }
 }
 
+// Results of this size go past the caches.
+TEST(Geometry, LargePicturesMoveByHalfAPixel)
+{
+    const Picture in = noise(2048, 1024, 4);
+    const Picture out = Evaluation("offset", 2048, 1024).set("offset", {0.5 / 2048.0, 0}).operand(in)();
+    float worst = 0.0f;
+    for (int y = 0; y < 1024; ++y)
+        for (int x = 0; x < 2048; ++x)
+            for (int c = 0; c < 4; ++c)
+                worst = std::max(worst,
+                                 std::fabs(out.at(x, y, c) - 0.5f * (in.at(x, y, c) + in.at(x - 1, y, c))));
+    EXPECT_LT(worst, 1e-6f);
+}
+
 TEST(Geometry, WhatBecomesSmallerIsAveraged)
 {
     const Picture in = noise(64, 64);
