@@ -1,8 +1,8 @@
 // Reading a picture at places that vary from pixel to pixel, for the instruction set that is being compiled.
 //
 // The result is worked through in tiles. The places of a tile are written down first. The part of the picture
-// that they cover is then copied, colours with their channels side by side, with what stands beyond the edges,
-// so that the reads need no care and stay near whichever way they run; neighbours in a row come with one read.
+// that they cover is then copied, a colour's channels side by side, with what stands beyond the edges, so
+// that the reads need no care and stay near whichever way they run; neighbours in a row come with one read.
 // Where a tile's places lie too far apart for that, pixels are read where they are.
 //
 // A place is a whole pixel, the anchor of the tile's row, and a distance from it in pixels. A distance is
