@@ -1,11 +1,14 @@
-// How soon every node kind gives way to a stop that comes at some moment of its work.
+// How soon every node kind gives way to a stop that comes at some moment of its work: as its parameters are,
+// and with all numbers among them as great as they are meant to be.
 
 #include "benchmarks/operations/rivals.h"
 
 #include <algorithm>
 #include <chrono>
+#include <condition_variable>
 #include <cstdio>
 #include <ctime>
+#include <mutex>
 #include <random>
 #include <thread>
 
@@ -17,20 +20,25 @@ using vellor::nodes::ParameterType;
 using vellor::nodes::ResultChannels;
 using Clock = std::chrono::steady_clock;
 
-constexpr int kStops = 7; // of each kind
+constexpr int kStops = 7;           // of each kind
+constexpr double kLongest = 2000.0; // milliseconds that a kind is left to work
 
 /// The kind by itself, with noise for its operands; -1 for one that needs more than that.
-int addKind(OperationGraph& graph, const NodeDeclaration& kind)
+int addKind(OperationGraph& graph, const NodeDeclaration& kind, bool extreme)
 {
-    for (const auto& parameter : kind.parameters)
+    std::vector<Setting> settings;
+    for (const auto& parameter : kind.parameters) {
         if (parameter.type == ParameterType::PixelProgram)
             return -1;
+        if (extreme && parameter.type <= ParameterType::Int4)
+            settings.emplace_back(parameter.name, parameter.maximum);
+    }
     const int channels = kind.result == ResultChannels::Colour ? 4 : 1;
     std::vector<int> operands;
     for (const auto& operand : kind.operands)
         operands.push_back(
             addMatrix(graph, testPicture(operand.channels == OperandChannels::Colour ? 4 : 1)));
-    return graph.addNode(kind.name, channels, operands);
+    return graph.addNode(kind.name, channels, operands, settings);
 }
 
 /// From a stop after `delay` milliseconds until the engine is back; negative where it was back before. The
@@ -39,8 +47,13 @@ Span stopAfter(OperationGraph& graph, int node, double delay)
 {
     Clock::time_point stopped;
     std::clock_t stoppedProcessor = 0;
+    std::mutex mutex;
+    std::condition_variable over;
+    bool done = false;
     std::thread other([&] {
-        std::this_thread::sleep_for(std::chrono::duration<double, std::milli>(delay));
+        std::unique_lock lock(mutex);
+        if (over.wait_for(lock, std::chrono::duration<double, std::milli>(delay), [&] { return done; }))
+            return;
         stopped = Clock::now();
         stoppedProcessor = std::clock();
         graph.stop();
@@ -48,6 +61,11 @@ Span stopAfter(OperationGraph& graph, int node, double delay)
     const bool whole = graph.tryRun(node);
     const auto back = Clock::now();
     const std::clock_t backProcessor = std::clock();
+    {
+        const std::lock_guard lock(mutex);
+        done = true;
+    }
+    over.notify_one();
     other.join();
     if (whole)
         return {-1.0, -1.0};
@@ -55,14 +73,16 @@ Span stopAfter(OperationGraph& graph, int node, double delay)
             1000.0 * double(backProcessor - stoppedProcessor) / CLOCKS_PER_SEC};
 }
 
-std::vector<Span> latencies(const NodeDeclaration& kind, int threads)
+std::vector<Span> latencies(const NodeDeclaration& kind, int threads, bool extreme)
 {
     OperationGraph graph(kSide, kSide, threads);
-    const int node = addKind(graph, kind);
+    const int node = addKind(graph, kind, extreme);
     std::vector<Span> times;
     if (node < 0)
         return times;
-    const double whole = Comparison::time([&] { graph.run(node); }).clock;
+    const double whole = Comparison::time([&] { times.push_back(stopAfter(graph, node, kLongest)); }).clock;
+    if (times.back().clock < 0.0)
+        times.clear();
     std::mt19937 random(1);
     for (int i = 0; i < kStops; ++i) {
         const double delay = whole * (i + std::uniform_real_distribution<double>()(random)) / kStops;
@@ -86,7 +106,7 @@ void stop(benchmark::State& state)
         std::string slowest;
         std::vector<Span> all;
         for (const NodeDeclaration* kind : vellor::nodes::allNodes()) {
-            const std::vector<Span> times = latencies(*kind, int(state.range(0)));
+            const std::vector<Span> times = latencies(*kind, int(state.range(0)), state.range(1) != 0);
             if (times.empty())
                 continue;
             all.insert(all.end(), times.begin(), times.end());
@@ -107,8 +127,9 @@ void stop(benchmark::State& state)
 
 const bool registered = [] {
     benchmark::RegisterBenchmark("stop at any moment, all kinds", stop)
-        ->ArgName("threads")
-        ->Arg(2)
+        ->ArgNames({"threads", "extreme"})
+        ->Args({2, 0})
+        ->Args({2, 1})
         ->Iterations(1)
         ->UseManualTime();
     return true;

@@ -63,10 +63,11 @@ inline F floatOfBits(U bits)
     return a;
 }
 
-/// Truncated towards zero. The caller keeps a within -2^31 to 2^31 - 128.
+/// Truncated towards zero. What is no number or does not fit becomes -2^31.
 inline U toInteger(F a)
 {
-    return static_cast<U>(static_cast<std::int32_t>(a));
+    const bool fits = a >= -2147483648.0f && a < 2147483648.0f;
+    return fits ? static_cast<U>(static_cast<std::int32_t>(a)) : 0x80000000u;
 }
 
 /// The two's complement number a.

@@ -157,7 +157,7 @@ private:
 
 Chain::Chain(const StageContext& context, const Stage& stage, const Pictures& read,
              const std::unordered_map<int, nodes::MutableImage>& written)
-    : width_(context.plan.nodes[stage.nodes.front()].width),
+    : monitor_(context.monitor), width_(context.plan.nodes[stage.nodes.front()].width),
       height_(context.plan.nodes[stage.nodes.front()].height)
 {
     Compiler(*this, context, stage, read, written).compile();
@@ -167,7 +167,7 @@ void Chain::run(int y0, int y1, float* slots, std::uint64_t* ticks) const
 {
     std::vector<const float*> pointers(operands_.size());
     for (int y = y0; y < y1; ++y)
-        for (int x = 0; x < width_; x += tileWidth_)
+        for (int x = 0; x < width_ && !monitor_.stopped(); x += tileWidth_)
             runTile(x, std::min(tileWidth_, width_ - x), y, slots, pointers.data(), ticks);
     endStreaming();
 }

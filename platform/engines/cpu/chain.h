@@ -24,9 +24,9 @@ public:
 
     /// Floats of slots that each thread brings.
     std::size_t slotFloats() const { return static_cast<std::size_t>(slotCount_) * slotStride(); }
-    /// Runs all kernels on rows y0 to y1 - 1. `slots` is aligned to 64 bytes. Any thread; each with slots of
-    /// its own. `ticks`, where given, grows for each node of the stage by the time that it takes, in the
-    /// units of some clock.
+    /// Runs all kernels on rows y0 to y1 - 1, or less once the monitor is stopped. `slots` is aligned to 64
+    /// bytes. Any thread; each with slots of its own. `ticks`, where given, grows for each node of the stage
+    /// by the time that it takes, in the units of some clock.
     void run(int y0, int y1, float* slots, std::uint64_t* ticks = nullptr) const;
 
 private:
@@ -53,6 +53,7 @@ private:
     void streamResult(const Call& call, const nodes::RowJob& job) const;
     float* address(const Place& place, int x, int y, float* slots) const;
 
+    const Monitor& monitor_;
     std::vector<Call> calls_;
     std::vector<Place> operands_; // of all calls, kMaxChannels for each operand
     int width_ = 0, height_ = 0, tileWidth_ = 0, slotCount_ = 0;

@@ -57,7 +57,7 @@ void directionalBlurArea(const AreaJob& job)
     const int samples = state.samples[job.pass];
     for (int c = 0; c < job.result.channels; ++c) {
         for (int y = job.y0; y < job.y1; ++y) {
-            for (int x = 0; x < job.result.width; x += kChunk) {
+            for (int x = 0; x < job.result.width && !job.stopped(); x += kChunk) {
                 const int count = std::min(kChunk, job.result.width - x);
                 float* sums = rowOf(job.result, c, y) + x;
                 for (int i = 0; i < count; i += kLanes)
@@ -88,7 +88,7 @@ static std::unique_ptr<State> prepareDirectionalBlur(const Setup& setup)
     auto state = std::make_unique<DirectionalBlurState>();
     const float length =
         held(setup.parameters[0].f[0], 0.0f, 1000.0f) * 0.001f * static_cast<float>(setup.width);
-    const scalar::SinCos turn = scalar::sinCosOfTurns(setup.parameters[1].f[0]);
+    const scalar::SinCos turn = scalar::sinCosOfTurns(held(setup.parameters[1].f[0], -1e4f, 1e4f));
     const int needed = std::max(static_cast<int>(length + 0.999f), 1);
     // Equal numbers of samples in both passes take the fewest; below eight, one pass does.
     int first = needed;

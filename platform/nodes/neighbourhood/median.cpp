@@ -199,7 +199,7 @@ void largeMedian(const MedianState& state, const AreaJob& job)
     for (int c = 0; c < job.result.channels; ++c) {
         for (int y = job.y0; y < job.y1; y += kTile) {
             const int rows = std::min(kTile, job.y1 - y);
-            for (int x = 0; x < job.result.width; x += kTile) {
+            for (int x = 0; x < job.result.width && !job.stopped(); x += kTile) {
                 const int count = std::min(kTile, job.result.width - x);
                 tile.fill(job.operands[0], c, x - radius, y - radius, count + 2 * radius, rows + 2 * radius);
                 OrderedSet set(tile.size());

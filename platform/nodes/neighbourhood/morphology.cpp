@@ -59,12 +59,13 @@ int halfLine(int radius, int away)
 }
 
 template<bool least>
-void discRow(const ImageView& source, int channel, int y, int radius, float* line, float* pair, float* result)
+void discRow(const AreaJob& job, int channel, int y, int radius, float* line, float* pair)
 {
+    const ImageView& source = job.operands[0];
     const int width = source.width, full = width + 2 * radius;
     copyWrapped(rowOf(source, channel, y), width, -radius, full, line);
     int left = radius; // pixels of margin that the line still has on either side
-    for (int away = 1; away <= radius + 1; ++away) {
+    for (int away = 1; away <= radius + 1 && !job.stopped(); ++away) {
         const int narrower = away > radius ? 0 : halfLine(radius, away);
         const int step = left - narrower;
         if (step > 0)
@@ -77,19 +78,20 @@ void discRow(const ImageView& source, int channel, int y, int radius, float* lin
             joinRow<least>(pair, width + 2 * left, line);
         }
     }
-    std::copy_n(line, width, result);
+    std::copy_n(line, width, rowOf(job.result, channel, y));
 }
 
 /// Extremes down of rows y - radius to y + radius for a band, into rows of `stride` floats.
 template<bool least>
-void extremesDown(const ImageView& source, int channel, int y0, int count, int radius, std::size_t stride,
+void extremesDown(const AreaJob& job, int channel, int y0, int count, int radius, std::size_t stride,
                   float* result)
 {
+    const ImageView& source = job.operands[0];
     const int width = source.width, window = 2 * radius + 1;
     RowBuffer held(width);
     float* running = held.data();
     std::copy_n(rowOf(source, channel, y0 + radius), width, running);
-    for (int j = window - 1; j >= 0; --j) {
+    for (int j = window - 1; j >= 0 && !job.stopped(); --j) {
         if (j < window - 1)
             joinRow<least>(rowOf(source, channel, y0 - radius + j), width, running);
         if (j < count)
@@ -107,14 +109,13 @@ void extremesDown(const ImageView& source, int channel, int y0, int count, int r
 
 template<bool least> void squareBand(const AreaJob& job, int channel, int radius)
 {
-    const ImageView& source = job.operands[0];
-    const int width = source.width;
+    const int width = job.result.width;
     const std::size_t stride = static_cast<std::size_t>(width + 15) / 16 * 16;
     const int atOnce = std::min(2 * radius + 1, job.y1 - job.y0);
     RowBuffer down(stride * atOnce), line(width + 2 * radius);
     for (int y = job.y0; y < job.y1; y += atOnce) {
         const int count = std::min(atOnce, job.y1 - y);
-        extremesDown<least>(source, channel, y, count, radius, stride, down.data());
+        extremesDown<least>(job, channel, y, count, radius, stride, down.data());
         for (int j = 0; j < count; ++j) {
             copyWrapped(down.data() + j * stride, width, -radius, width + 2 * radius, line.data());
             widen<least>(line.data(), width, radius);
@@ -132,8 +133,7 @@ template<bool least> void morphologyBand(const MorphologyState& state, const Are
         }
         RowBuffer line(job.result.width + 2 * state.radius), pair(job.result.width + 2 * state.radius);
         for (int y = job.y0; y < job.y1; ++y)
-            discRow<least>(job.operands[0], c, y, state.radius, line.data(), pair.data(),
-                           rowOf(job.result, c, y));
+            discRow<least>(job, c, y, state.radius, line.data(), pair.data());
     }
 }
 

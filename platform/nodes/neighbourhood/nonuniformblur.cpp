@@ -80,7 +80,7 @@ void blendBand(const NonUniformState& state, const AreaJob& job, int y0, int y1)
         for (int y = y0; y < y1; ++y)
             std::copy_n(rowOf(job.operands[0], c, y), width, rowOf(job.result, c, y));
     }
-    for (int level = 0; level < kLevels; ++level) {
+    for (int level = 0; level < kLevels && !job.stopped(); ++level) {
         const GaussianPlan& plan = state.plans[level];
         const int last = plan.passes() - 1;
         const ImageView& source =
@@ -97,7 +97,7 @@ void nonUniformArea(const AreaJob& job)
 {
     const auto& state = static_cast<const NonUniformState&>(*job.state);
     if (job.pass == state.blendPass) {
-        for (int y = job.y0; y < job.y1; y += kRowsAtOnce)
+        for (int y = job.y0; y < job.y1 && !job.stopped(); y += kRowsAtOnce)
             blendBand(state, job, y, std::min(y + kRowsAtOnce, job.y1));
         return;
     }

@@ -92,7 +92,7 @@ void radialBlurArea(const AreaJob& job)
 {
     const auto& state = static_cast<const RadialBlurState&>(*job.state);
     for (int y = job.y0; y < job.y1; ++y)
-        for (int x = 0; x < job.result.width; x += kBlock)
+        for (int x = 0; x < job.result.width && !job.stopped(); x += kBlock)
             radialBlock(state, job, x, y, std::min(kBlock, job.result.width - x));
 }
 

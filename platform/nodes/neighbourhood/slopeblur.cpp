@@ -92,7 +92,7 @@ void slopeBlurArea(const AreaJob& job)
 {
     const auto& state = static_cast<const SlopeBlurState&>(*job.state);
     for (int y = job.y0; y < job.y1; ++y) {
-        for (int x = 0; x < job.result.width; x += kChunk) {
+        for (int x = 0; x < job.result.width && !job.stopped(); x += kChunk) {
             const int count = std::min(kChunk, job.result.width - x);
             if (job.pass == 0)
                 slopeChunk(state, job, x, y, count);

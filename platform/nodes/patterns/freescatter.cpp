@@ -111,7 +111,8 @@ std::unique_ptr<State> prepareFreeScatter(const Setup& setup)
     std::uint32_t hash = scalar::mixBits(static_cast<std::uint32_t>(setup.seed) + 0xf2ee5ca7u);
     const auto random = [&hash] { return scalar::unitOf(hash = scalar::nextHash(hash)); };
     int thrown = 0;
-    for (std::int64_t tries = 16 * static_cast<std::int64_t>(number); thrown < number && tries > 0; --tries) {
+    for (std::int64_t tries = 16 * static_cast<std::int64_t>(number);
+         thrown < number && tries > 0 && !setup.stopped(); --tries) {
         const float u = random(), v = random(), chance = random();
         const float density =
             held(1.0f + (mapAt(setup.operands[kDensityMap], 0, u, v, 1.0f) - 1.0f) * amount, 0.0f, 1.0f);

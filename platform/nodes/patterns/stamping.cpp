@@ -233,7 +233,7 @@ HWY_INLINE void drawRow(const StampState& state, const AreaJob& job, int row, fl
                         const Put& put)
 {
     const std::size_t bin = static_cast<std::size_t>(row / kStampRows);
-    for (std::uint32_t e = state.starts[bin]; e < state.starts[bin + 1]; ++e) {
+    for (std::uint32_t e = state.starts[bin]; e < state.starts[bin + 1] && !job.stopped(); ++e) {
         const StampCopy& copy = state.copies[state.entries[e]];
         const Stamp& stamp = state.stamps[copy.stamp];
         const float dy = static_cast<float>(row) + (0.5f + offsetY) - copy.y;

@@ -132,6 +132,8 @@ StampMaker::StampMaker(const Setup& setup, const ParameterValue* parameters, flo
 
 void StampMaker::add(float x, float y, float row, float column, std::uint32_t hash)
 {
+    if (m_setup.stopped())
+        return;
     const ParameterValue* p = m_parameters;
     const ImageView* maps = m_setup.operands;
     Stamp stamp;
@@ -170,8 +172,10 @@ void StampMaker::add(float x, float y, float row, float column, std::uint32_t ha
     const float half = 0.5f * m_unit * size;
     stamp.halfX = held(p[kSize].f[0], 0.0f, 8.0f) * half * (stretch < 0.0f ? 1.0f + stretch : 1.0f);
     stamp.halfY = held(p[kSize].f[1], 0.0f, 8.0f) * half * (stretch > 0.0f ? 1.0f - stretch : 1.0f);
-    if (stamp.halfX < 1e-3f || stamp.halfY < 1e-3f || m_state->stamps.size() >= kMostStamps)
+    if (stamp.halfX < 1e-3f || stamp.halfY < 1e-3f || m_state->stamps.size() >= kMostStamps ||
+        m_layers > kMostLayers)
         return;
+    m_layers += 4.0 * stamp.halfX * stamp.halfY / (static_cast<double>(width) * height);
     const scalar::SinCos turn = scalar::sinCosOfTurns(held(turns, -1e4f, 1e4f));
     stamp.cosine = turn.cosine;
     stamp.sine = turn.sine;
@@ -227,19 +231,35 @@ void StampMaker::addCopies(std::uint32_t index, std::vector<std::pair<std::uint6
     }
 }
 
+/// Piece by piece: a sort of everything at once can't be stopped.
+void StampMaker::sortCopies(std::vector<std::pair<std::uint64_t, StampCopy>>& keyed) const
+{
+    constexpr std::size_t kPiece = 1 << 14;
+    const auto before = [](const auto& a, const auto& b) {
+        return a.first != b.first ? a.first < b.first : a.second.stamp < b.second.stamp;
+    };
+    const auto at = [&](std::size_t index) {
+        return keyed.begin() + static_cast<std::ptrdiff_t>(std::min(index, keyed.size()));
+    };
+    for (std::size_t first = 0; first < keyed.size() && !m_setup.stopped(); first += kPiece)
+        std::stable_sort(at(first), at(first + kPiece), before);
+    for (std::size_t piece = kPiece; piece < keyed.size(); piece *= 2)
+        for (std::size_t first = 0; first + piece < keyed.size() && !m_setup.stopped(); first += 2 * piece)
+            std::inplace_merge(at(first), at(first + piece), at(first + 2 * piece), before);
+}
+
 std::unique_ptr<StampState> StampMaker::finish()
 {
     std::vector<std::pair<std::uint64_t, StampCopy>> keyed;
     keyed.reserve(m_state->stamps.size() + m_state->stamps.size() / 8);
-    for (std::size_t i = 0; i < m_state->stamps.size(); ++i)
+    for (std::size_t i = 0; i < m_state->stamps.size() && !m_setup.stopped(); ++i)
         addCopies(static_cast<std::uint32_t>(i), keyed);
-    std::sort(keyed.begin(), keyed.end(), [](const auto& a, const auto& b) {
-        return a.first != b.first ? a.first < b.first : a.second.stamp < b.second.stamp;
-    });
+    sortCopies(keyed);
     m_state->copies.reserve(keyed.size());
     for (const auto& copy : keyed)
         m_state->copies.push_back(copy.second);
-    bin();
+    if (!m_setup.stopped())
+        bin();
     return std::move(m_state);
 }
 

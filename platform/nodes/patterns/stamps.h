@@ -44,6 +44,8 @@ constexpr int kStampRows = 8;
 constexpr int kStampPictures = 4;
 /// Most stamps of one picture.
 constexpr int kMostStamps = 1 << 18;
+/// How often stamps may cover the whole picture, taken together: what comes after that is left out.
+constexpr double kMostLayers = 4096.0;
 
 /// One stamp. Lengths are pixels.
 struct Stamp
@@ -113,17 +115,20 @@ public:
     /// it. row and column are its place in the order by rows; once around the picture adds the rows and
     /// columns that the constructor was told.
     void add(float x, float y, float row, float column, std::uint32_t hash);
-    /// Sorts all stamps by rows of the picture.
+    /// Sorts all stamps by rows of the picture. Once the setup is stopped, add() and finish() do nothing
+    /// more.
     std::unique_ptr<StampState> finish();
 
 private:
     void addCopies(std::uint32_t stamp, std::vector<std::pair<std::uint64_t, StampCopy>>& keyed) const;
+    void sortCopies(std::vector<std::pair<std::uint64_t, StampCopy>>& keyed) const;
     void bin();
 
     const Setup& m_setup;
     const ParameterValue* m_parameters;
     float m_unit, m_cellX, m_cellY, m_rows, m_columns;
     StampOrder m_order;
+    double m_layers = 0.0; // how often the stamps so far cover the picture
     std::unique_ptr<StampState> m_state;
 };
 

@@ -45,8 +45,9 @@ struct SimplexBasis
             const SinCos oddGradient = gradientAt(x, U(odd), octave, evolution);
             store(evenGradient.cosine * F(scale), lines.line[0] + i);
             store(evenGradient.sine * evenDown, lines.line[1] + i);
-            store(oddGradient.cosine * F(scale), lines.line[2] + i);
-            store(oddGradient.sine * oddDown, lines.line[3] + i);
+            // Odd rows are read from one column before, which lies at the lines' beginning.
+            storeAt(oddGradient.cosine * F(scale), lines.line[2] + 1 + i);
+            storeAt(oddGradient.sine * oddDown, lines.line[3] + 1 + i);
         }
     }
 
@@ -66,7 +67,7 @@ struct SimplexBasis
         const M left = f < F(0.5f);
         const F g = choose(left, f + F(0.5f), f - F(0.5f));
         const Columns before = columns.moved(choose(left, U(0u), U(1u)));
-        const F odd = share(before, 2, -1, g, oddReach) + share(before, 2, 0, g - F(1.0f), oddReach);
+        const F odd = share(before, 2, 0, g, oddReach) + share(before, 2, 1, g - F(1.0f), oddReach);
         return even + odd;
     }
 

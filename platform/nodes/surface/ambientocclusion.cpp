@@ -155,7 +155,7 @@ void occlusionRows(const OcclusionState& state, const AreaJob& job)
 {
     std::vector<Ray> rays;
     std::array<std::size_t, kDirections> ends{};
-    for (int y = job.y0; y < job.y1; ++y) {
+    for (int y = job.y0; y < job.y1 && !job.stopped(); ++y) {
         rays.clear();
         for (int d = 0; d < kDirections; ++d) {
             for (const OcclusionSample& sample : state.directions[d]) {

@@ -72,7 +72,7 @@ void bevelArea(const AreaJob& job)
                         : state.side == BevelSide::Outside ? 1.0f
                                                            : 0.5f;
     DistanceRows rows(job.scratch[0], job.result.width, job.result.height);
-    for (int y = job.y0; y < job.y1; ++y) {
+    for (int y = job.y0; y < job.y1 && !job.stopped(); ++y) {
         float* row = rowOf(job.result, 0, y);
         rows.both(y, row);
         for (int x = 0; x < job.result.width; ++x)

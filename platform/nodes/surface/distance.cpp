@@ -44,7 +44,7 @@ void distanceArea(const AreaJob& job)
         for (int x = 0; x < job.result.width; ++x)
             row[x] = std::min(std::max(base + gain * row[x], 0.0f), 1.0f);
     };
-    for (int y = job.y0; y < job.y1; ++y) {
+    for (int y = job.y0; y < job.y1 && !job.stopped(); ++y) {
         float* row = rowOf(job.result, 0, y);
         switch (state.side) {
         case DistanceSide::Outside:

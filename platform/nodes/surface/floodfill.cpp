@@ -115,7 +115,7 @@ void floodFillRuns(const FloodFillState& state, const AreaJob& job)
 {
     const ImageView& mask = job.operands[0];
     RegionRuns runs(job.result, mask.width, mask.height);
-    for (int y = job.y0; y < job.y1; ++y) {
+    for (int y = job.y0; y < job.y1 && !job.stopped(); ++y) {
         findRuns(rowOf(mask, 0, y), y, state.threshold, runs);
         if (y > job.y0)
             runs.joinToAbove(y, state.diagonal);
@@ -154,8 +154,9 @@ void floodFillArea(const AreaJob& job)
     if (job.pass == 1) {
         float* cellCounts = rowOf(job.result, 0, 0);
         std::fill_n(cellCounts, kNameCells * kNameCells, 0.0f);
-        runs.joinRest(state.diagonal);
-        return runs.nameRoots([&](std::uint32_t root) { return nameOf(runs, root, cellCounts); });
+        const auto stopped = [&job] { return job.stopped(); };
+        runs.joinRest(state.diagonal, stopped);
+        return runs.nameRoots([&](std::uint32_t root) { return nameOf(runs, root, cellCounts); }, stopped);
     }
     for (int y = job.y0; y < job.y1; ++y)
         fillRow(runs, y,

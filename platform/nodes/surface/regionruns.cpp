@@ -50,9 +50,9 @@ void RegionRuns::joinToAbove(int y, bool diagonal)
     m_runs[y * m_stride + 1] = 1;
 }
 
-void RegionRuns::joinRest(bool diagonal)
+void RegionRuns::joinRest(bool diagonal, const std::function<bool()>& stopped)
 {
-    for (int y = 1; y < height(); ++y)
+    for (int y = 1; y < height() && !stopped(); ++y)
         if (m_runs[y * m_stride + 1] == 0)
             joinRows(y - 1, y, diagonal);
     joinRows(height() - 1, 0, diagonal);

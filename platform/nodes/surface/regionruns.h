@@ -14,6 +14,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 
 namespace vellor::nodes {
 
@@ -50,12 +51,13 @@ public:
     /// Joins the regions of row y and the row above it that touch, at corners too if `diagonal`.
     void joinToAbove(int y, bool diagonal);
     /// Joins what is left: rows not joined to the row above yet, and regions that touch across the edges.
-    void joinRest(bool diagonal);
+    /// Returns early once `stopped` says so.
+    void joinRest(bool diagonal, const std::function<bool()>& stopped);
     /// Makes every run that is no root point at its root, and hands the roots in reading order to `name`,
-    /// which gives 30 bits that replace the number of pixels.
-    template<typename Name> void nameRoots(const Name& name)
+    /// which gives 30 bits that replace the number of pixels. Returns early once `stopped` says so.
+    template<typename Name> void nameRoots(const Name& name, const std::function<bool()>& stopped)
     {
-        for (int y = 0; y < height(); ++y) {
+        for (int y = 0; y < height() && !stopped(); ++y) {
             for (std::uint32_t run = firstRun(y); run < endRun(y); ++run) {
                 std::uint32_t& link = m_runs[at(run) + 1];
                 if (link & kRoot)

@@ -98,8 +98,8 @@ void shadowArea(const AreaJob& job)
     if (job.pass < kWayLevels)
         return widenMaxima(job.pass == 0 ? job.operands[0] : job.scratch[job.pass - 1],
                            state.halves[job.pass], job);
-    for (int y = job.y0; y < job.y1 && !job.stopped(); ++y)
-        for (int x = 0; x < job.result.width; x += kChunk)
+    for (int y = job.y0; y < job.y1; ++y)
+        for (int x = 0; x < job.result.width && !job.stopped(); x += kChunk)
             shadowChunk(state, job, x, y, std::min(kChunk, job.result.width - x));
 }
 

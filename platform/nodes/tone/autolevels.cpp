@@ -97,7 +97,8 @@ void findStripeRanges(const AreaJob& job, const AutolevelsState& state)
     for (int stripe = job.y0; stripe < job.y1; ++stripe) {
         for (int c = 0; c < state.tones; ++c) {
             Range range;
-            for (int y = stripeBegin(stripe, image.height); y < stripeBegin(stripe + 1, image.height); ++y)
+            for (int y = stripeBegin(stripe, image.height);
+                 y < stripeBegin(stripe + 1, image.height) && !job.stopped(); ++y)
                 range.add(rangeOfRow(rowOf(image, c, y), image.width));
             rowOf(job.result, c, stripe)[kLow] = range.low;
             rowOf(job.result, c, stripe)[kHigh] = range.high;
@@ -154,7 +155,8 @@ void countTones(const AreaJob& job, const AutolevelsState& state)
         for (int c = 0; c < state.tones; ++c) {
             bins.fill(0);
             const Range range = rangeIn(rowOf(job.scratch[kRange], c, 0));
-            for (int y = stripeBegin(stripe, image.height); y < stripeBegin(stripe + 1, image.height); ++y)
+            for (int y = stripeBegin(stripe, image.height);
+                 y < stripeBegin(stripe + 1, image.height) && !job.stopped(); ++y)
                 countRow(rowOf(image, c, y), image.width, range, bins);
             std::copy(bins.begin(), bins.end(), rowOf(job.result, c, stripe));
         }
