@@ -1,8 +1,9 @@
 #include "tests/fuzz/entries.h"
 
 #include "platform/cooker/cooker.h"
-#include "platform/cooker/tests/faketable.h"
+#include "platform/cooker/pngreader.h"
 #include "platform/linker/linker.h"
+#include "platform/nodes/pictureblob.h"
 #include "platform/program/assembly.h"
 #include "platform/program/packagearchive.h"
 #include "platform/program/programreader.h"
@@ -63,7 +64,7 @@ void authoring(const std::uint8_t* data, std::size_t size)
     cooker::CookOptions options;
     options.dynamicRandomSeed = size % 2 != 0;
     const std::string text(reinterpret_cast<const char*>(data), size);
-    const auto result = cooker::cook({{"fuzz.vlr", text}}, cooker::fakeTable(), options);
+    const auto result = cooker::cook({{VELLOR_FUZZ_PICTURES "/fuzz.vlr", text}}, nodes::allNodes(), options);
     require(result.end != cooker::CookEnd::BadProgram || result.errors.size() == 1,
             "one program breaks one rule", "");
     require((result.end == cooker::CookEnd::Done) == result.errors.empty(), "a failure has words", "");
@@ -73,6 +74,17 @@ void authoring(const std::uint8_t* data, std::size_t size)
     const auto programs = program::readAssembly(result.assembly, error);
     require(programs.has_value(), "a cooked assembly reads back", error);
     linkAndReadBack(*programs, 10);
+}
+
+void picture(const std::uint8_t* data, std::size_t size)
+{
+    std::string error;
+    const auto blob = cooker::pictureOfPng({reinterpret_cast<const char*>(data), size}, error);
+    require(blob.empty() != error.empty(), "a picture or words", error);
+    const auto read = nodes::PictureBlob::read(blob.data(), blob.size());
+    require(blob.empty() == (read.pixels == nullptr), "a picture that was packed can be read", "");
+    if (read.pixels)
+        read.at(read.width - 1, read.height - 1, read.channels - 1);
 }
 
 void assembly(const std::uint8_t* data, std::size_t size)

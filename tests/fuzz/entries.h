@@ -9,6 +9,7 @@
 namespace vellor::fuzz {
 
 void authoring(const std::uint8_t* data, std::size_t size);
+void picture(const std::uint8_t* data, std::size_t size); // a PNG file that a package embeds
 void assembly(const std::uint8_t* data, std::size_t size);
 void archive(const std::uint8_t* data, std::size_t size);
 void binary(const std::uint8_t* data, std::size_t size);
@@ -20,7 +21,7 @@ struct Target
     void (*run)(const std::uint8_t*, std::size_t);
 };
 
-constexpr Target kTargets[] = {
-    {"authoring", authoring}, {"assembly", assembly}, {"archive", archive}, {"binary", binary}, {"engine", engine}};
+constexpr Target kTargets[] = {{"authoring", authoring}, {"picture", picture}, {"assembly", assembly},
+                               {"archive", archive},     {"binary", binary},   {"engine", engine}};
 
 } // namespace vellor::fuzz
