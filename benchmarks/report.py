@@ -81,7 +81,8 @@ def rows_of(run):
 def cycles_note(run):
     note = f"{run['cycles']:.2f} cycles per pixel"
     if "aim" in run:
-        note += f" (aim {-run['aim']:g}, a noise library {run['known']:g})"
+        library = f", a noise library {run['known']:g}" if "known" in run else ""
+        note += f" (aim {-run['aim']:g}{library})"
     return note
 
 
