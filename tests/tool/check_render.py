@@ -220,15 +220,13 @@ def check_no_room(place):
 
 def check_interruption(place):
     (place.folder / "stopped").mkdir()
-    process = subprocess.Popen([place.vellor, "render", "slow.vlr", "-o", "stopped"], cwd=place.folder, stdout=subprocess.PIPE,
+    process = subprocess.Popen([place.vellor, "render", "slow.vlr", "-o", "stopped", "--format", "tga"], cwd=place.folder, stdout=subprocess.PIPE,
                                stderr=subprocess.PIPE, text=True)
     time.sleep(1.0)
-    sent = time.monotonic()
     process.send_signal(signal.SIGINT)
     _, errors = process.communicate()
-    seconds = time.monotonic() - sent
     check("ends by the signal", process.returncode == -signal.SIGINT and errors == "vellor: interrupted\n", (process.returncode, errors))
-    check("ends soon", seconds < 3.0, seconds)
+    check("ends before all is done", len(place.files("stopped")) < 12, place.files("stopped"))
     check("no part of a file", all(name.startswith("slow_o") for name in place.files("stopped")), place.files("stopped"))
 
 
