@@ -2,7 +2,7 @@
 
 #include "applications/player/description/inputdetails.h"
 #include "applications/player/description/inputsink.h"
-#include "applications/player/description/presetdescription.h"
+#include "applications/player/presets/presetdescription.h"
 #include "orncommon/surfaces/surface.h"
 
 #include <QSharedPointer>

@@ -121,7 +121,7 @@ int runNodes(const Arguments& arguments)
     });
     if (!arguments.has("--markdown")) {
         for (const NodeDeclaration* node : all)
-            std::printf("%-18s %-14s %s\n", node->name, node->category, node->label);
+            std::printf("%-20s %-14s %s\n", node->name, node->category, node->label);
         return Done;
     }
     for (const char* category :

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "applications/player/description/packagemodel.h"
-#include "applications/player/description/presetdescription.h"
+#include "applications/player/presets/presetdescription.h"
 #include "applications/player/session/cookingaliases.h"
 #include "applications/player/session/engine.h"
 

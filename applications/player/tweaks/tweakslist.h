@@ -1,6 +1,6 @@
 #pragma once
 
-#include "applications/player/description/presetdescription.h"
+#include "applications/player/presets/presetdescription.h"
 #include "applications/player/tweaks/tweakstree.h"
 #include "orncommon/gui/layoutwidget.h"
 

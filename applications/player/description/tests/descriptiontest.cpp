@@ -3,7 +3,6 @@
 #include "applications/player/description/descriptionindex.h"
 #include "applications/player/description/input.h"
 #include "applications/player/description/inputorder.h"
-#include "applications/player/description/presetdescription.h"
 #include "applications/player/description/widgetcode.h"
 
 #include <gtest/gtest.h>
@@ -138,44 +137,6 @@ TEST(AlterationLinks, readsRootElements)
     EXPECT_EQ(links[2], (std::set<quint32>{100, 101}));
     EXPECT_TRUE(readAlterationLinks(QDomDocument(), 10).empty());
     EXPECT_EQ(readAlterationLinks(document, 1).size(), 1u);
-}
-
-TEST(PresetDescription, readsValuesByType)
-{
-    const DescriptionIndex index(parse(R"(<p><graphs><graph pkgurl='g'><vlrpresets>
-        <vlrpreset label='One'>
-            <presetinput uid='1' identifier='f' type='2' value='0.5'/>
-            <presetinput uid='2' identifier='i' type='8' value='-5,4294967295'/>
-            <presetinput uid='3' identifier='t' type='6' value='a,b'/>
-            <presetinput uid='4' identifier='p' type='5' filepath='x/y.png'/>
-            <presetinput uid='6' value='7'/>
-            <presetinput uid='9' value='7'/>
-            <presetinput uid='1' identifier='f' type='0' value='9'/>
-        </vlrpreset><vlrpreset label='Two' pkgurl='h'/></vlrpresets></graph></graphs></p>)"));
-    QDomDocument document;
-    QDomElement element = document.createElement("input");
-    element.setAttribute("identifier", "known");
-    Input known(ValueType::Int);
-    known.bind({6, ValueType::Int, nullptr});
-    known.describe(0, element);
-
-    const auto presets =
-        readInternalPresets(index, QDir("/base"), [&](quint32 uid) { return uid == 6 ? &known : nullptr; });
-    ASSERT_EQ(presets.size(), 2);
-    EXPECT_EQ(presets[0].pkgurl, "g");
-    EXPECT_EQ(presets[1].pkgurl, "h");
-    const QVector<PresetInput>& inputs = presets[0].inputs;
-    ASSERT_EQ(inputs.size(), 7);
-    EXPECT_EQ(inputs[0].value.floatAt(0), 0.5f);
-    EXPECT_EQ(inputs[0].value.floatAt(1), 0.0f);
-    EXPECT_EQ(inputs[1].value.intAt(0), -5);
-    EXPECT_EQ(inputs[1].value.intAt(1), -1);
-    EXPECT_EQ(inputs[2].text, "a,b");
-    EXPECT_EQ(inputs[3].text, "/base/x/y.png");
-    EXPECT_EQ(inputs[4].identifier, "known");
-    EXPECT_EQ(inputs[4].value.intAt(0), 7);
-    EXPECT_EQ(inputs[5].type, 0u);
-    EXPECT_EQ(presets[0].find(known), &inputs[4]);
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-#include "applications/player/description/presetdescription.h"
+#include "applications/player/presets/presetdescription.h"
 
 #include "applications/player/description/input.h"
 
@@ -64,6 +64,9 @@ QVector<PresetDescription> readPresets(const QDomElement& parent, const QDir& di
         preset.description = element.attribute(QStringLiteral("description"));
         for (const QDomElement& entry : childElements(element, QStringLiteral("presetinput")))
             preset.inputs.append(readEntry(entry, directory, inputs));
+        const QDomElement exported = element.firstChildElement(QStringLiteral("export"));
+        if (!exported.isNull())
+            preset.exportOptions = ExportSettings::fromElement(exported);
         presets.append(preset);
     }
     return presets;

@@ -2,11 +2,13 @@
 
 #include "applications/player/description/descriptionindex.h"
 #include "applications/player/description/inputvalue.h"
+#include "applications/player/output/exportsettings.h"
 
 #include <QDir>
 #include <QVector>
 
 #include <functional>
+#include <optional>
 
 namespace Zph::Applications::Player {
 
@@ -30,6 +32,7 @@ struct PresetDescription
     QString pkgurl; // the key of the graph that it was made for
     QString description;
     QVector<PresetInput> inputs; // in the order of the file
+    std::optional<ExportSettings> exportOptions;
 
     // The entry for an input: by identifier where the input has one, else by uid; the first match, or null.
     const PresetInput* find(const Input& input) const;

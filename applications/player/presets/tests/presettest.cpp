@@ -1,0 +1,144 @@
+#include "applications/player/description/input.h"
+#include "applications/player/presets/presetfile.h"
+
+#include <gtest/gtest.h>
+
+#include <QTemporaryDir>
+
+namespace {
+
+using namespace Zph::Applications::Player;
+
+QDomDocument parse(const char* text)
+{
+    QDomDocument document;
+    EXPECT_TRUE(document.setContent(QByteArray(text)));
+    return document;
+}
+
+const Input* noInput(quint32)
+{
+    return nullptr;
+}
+
+PresetInput entry(const char* identifier, quint32 uid, quint32 type, InputValue value,
+                  const QString& text = {})
+{
+    PresetInput input;
+    input.identifier = identifier;
+    input.uid = uid;
+    input.type = type;
+    input.value = value;
+    input.text = text;
+    return input;
+}
+
+TEST(PresetDescription, readsValuesByType)
+{
+    const DescriptionIndex index(parse(R"(<p><graphs><graph pkgurl='g'><vlrpresets>
+        <vlrpreset label='One'>
+            <presetinput uid='1' identifier='f' type='2' value='0.5'/>
+            <presetinput uid='2' identifier='i' type='8' value='-5,4294967295'/>
+            <presetinput uid='3' identifier='t' type='6' value='a,b'/>
+            <presetinput uid='4' identifier='p' type='5' filepath='x/y.png'/>
+            <presetinput uid='6' value='7'/>
+            <presetinput uid='9' value='7'/>
+            <presetinput uid='1' identifier='f' type='0' value='9'/>
+        </vlrpreset><vlrpreset label='Two' pkgurl='h'/></vlrpresets></graph></graphs></p>)"));
+    QDomDocument document;
+    QDomElement element = document.createElement("input");
+    element.setAttribute("identifier", "known");
+    Input known(ValueType::Int);
+    known.bind({6, ValueType::Int, nullptr});
+    known.describe(0, element);
+
+    const auto presets =
+        readInternalPresets(index, QDir("/base"), [&](quint32 uid) { return uid == 6 ? &known : nullptr; });
+    ASSERT_EQ(presets.size(), 2);
+    EXPECT_EQ(presets[0].pkgurl, "g");
+    EXPECT_EQ(presets[1].pkgurl, "h");
+    const QVector<PresetInput>& inputs = presets[0].inputs;
+    ASSERT_EQ(inputs.size(), 7);
+    EXPECT_EQ(inputs[0].value.floatAt(0), 0.5f);
+    EXPECT_EQ(inputs[0].value.floatAt(1), 0.0f);
+    EXPECT_EQ(inputs[1].value.intAt(0), -5);
+    EXPECT_EQ(inputs[1].value.intAt(1), -1);
+    EXPECT_EQ(inputs[2].text, "a,b");
+    EXPECT_EQ(inputs[3].text, "/base/x/y.png");
+    EXPECT_EQ(inputs[4].identifier, "known");
+    EXPECT_EQ(inputs[4].value.intAt(0), 7);
+    EXPECT_EQ(inputs[5].type, 0u);
+    EXPECT_EQ(presets[0].find(known), &inputs[4]);
+}
+
+TEST(PresetFile, writesLineByLineAndReadsBack)
+{
+    const QTemporaryDir folder;
+    PresetDescription preset;
+    preset.pkgurl = "pkg://g";
+    preset.label = "A \"b\" <&>";
+    preset.inputs = {entry("f", 1, ValueType::Float2, InputValue::fromFloats(0.1f, -1e-7f)),
+                     entry("i", 4000000000u, ValueType::Int3, InputValue::fromInts(-1, 2, 3)),
+                     entry("t", 3, ValueType::Text, {}, "a\nb"),
+                     entry("p", 4, ValueType::Image, {}, folder.filePath("in/x.png"))};
+    preset.exportOptions = ExportSettings();
+    preset.exportOptions->timeEnd = 1234567;
+    preset.exportOptions->dir = "/out";
+    preset.exportOptions->metadataOptions = 0x020101;
+    preset.exportOptions->disabled = {7, 5};
+    const QString path = folder.filePath("p.vlrprs");
+    ASSERT_EQ(writePresetFile(path, {preset, PresetDescription()}), "");
+
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll().toStdString(), R"(<?xml version="1.0" encoding="utf-8"?>
+<vlrpresets formatversion="1.1" count="2">
+ <vlrpreset pkgurl="pkg://g" label="A &quot;b&quot; &lt;&amp;&gt;">
+  <presetinput uid="1" identifier="f" type="1" value="0.1,-1e-07"/>
+  <presetinput uid="4000000000" identifier="i" type="9" value="-1,2,3"/>
+  <presetinput uid="3" identifier="t" type="6" value="a&#10;b"/>
+  <presetinput uid="4" identifier="p" type="5" filepath="in/x.png"/>
+  <export timeunit="frame" timeend="1.23457e+06" timestart="0" fps="30" dir="/out" format="tga" pattern="" metaopt="131329" quality="75" disabled="5,7"/>
+ </vlrpreset>
+ <vlrpreset pkgurl="" label=""/>
+</vlrpresets>
+)");
+
+    QString reason;
+    const auto read = readPresetFile(path, noInput, reason);
+    ASSERT_TRUE(read) << reason.toStdString();
+    ASSERT_EQ(read->size(), 2);
+    const PresetDescription& first = read->at(0);
+    EXPECT_EQ(first.fileName, path);
+    EXPECT_EQ(first.label, preset.label);
+    ASSERT_EQ(first.inputs.size(), 4);
+    EXPECT_EQ(first.inputs[1].value.intAt(0), -1);
+    EXPECT_EQ(first.inputs[1].uid, 4000000000u);
+    EXPECT_EQ(first.inputs[2].text, "a\nb");
+    EXPECT_EQ(first.inputs[3].text, folder.filePath("in/x.png"));
+    ASSERT_TRUE(first.exportOptions);
+    EXPECT_EQ(first.exportOptions->disabled, (std::set<quint32>{5, 7}));
+    EXPECT_EQ(first.exportOptions->timeEnd, 1234570.0);
+    EXPECT_FALSE(read->at(1).exportOptions);
+}
+
+TEST(PresetFile, saysWhyAFileIsNone)
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("p.vlrprs");
+    QString reason;
+    EXPECT_FALSE(readPresetFile(path, noInput, reason));
+    EXPECT_FALSE(reason.isEmpty());
+    for (const char* text : {"", "<vlrpresets>", "<other/>", "\xff\xfe<"}) {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(text);
+        file.close();
+        reason.clear();
+        EXPECT_FALSE(readPresetFile(path, noInput, reason)) << text;
+        EXPECT_FALSE(reason.isEmpty()) << text;
+    }
+    EXPECT_NE(writePresetFile(folder.filePath("none/p.vlrprs"), {}), "");
+}
+
+} // namespace
