@@ -20,11 +20,26 @@ using vellor::nodes::ParameterType;
 using vellor::nodes::ResultChannels;
 using Clock = std::chrono::steady_clock;
 
-constexpr int kStops = 7;           // of each kind
-constexpr double kLongest = 2000.0; // milliseconds that a kind is left to work
+constexpr int kLeast = 3, kMost = 7; // stops of each kind
+constexpr double kBudget =
+    1000.0; // milliseconds: how long the runs before the stops of a kind may take together
+constexpr double kLongest = 1000.0; // milliseconds that a kind is left to work
 
-/// The kind by itself, with noise for its operands; -1 for one that needs more than that.
-int addKind(OperationGraph& graph, const NodeDeclaration& kind, bool extreme)
+/// A graph with noise for the operands of all kinds.
+struct Bench
+{
+    explicit Bench(int threads)
+        : graph(kSide, kSide, threads), grey(addMatrix(graph, testPicture(1))),
+          colour(addMatrix(graph, testPicture(4)))
+    {
+    }
+
+    OperationGraph graph;
+    int grey, colour;
+};
+
+/// The kind by itself; -1 for one that needs more than operands.
+int addKind(Bench& bench, const NodeDeclaration& kind, bool extreme)
 {
     std::vector<Setting> settings;
     for (const auto& parameter : kind.parameters) {
@@ -36,9 +51,8 @@ int addKind(OperationGraph& graph, const NodeDeclaration& kind, bool extreme)
     const int channels = kind.result == ResultChannels::Colour ? 4 : 1;
     std::vector<int> operands;
     for (const auto& operand : kind.operands)
-        operands.push_back(
-            addMatrix(graph, testPicture(operand.channels == OperandChannels::Colour ? 4 : 1)));
-    return graph.addNode(kind.name, channels, operands, settings);
+        operands.push_back(operand.channels == OperandChannels::Colour ? bench.colour : bench.grey);
+    return bench.graph.addNode(kind.name, channels, operands, settings);
 }
 
 /// From a stop after `delay` milliseconds until the engine is back; negative where it was back before. The
@@ -73,20 +87,22 @@ Span stopAfter(OperationGraph& graph, int node, double delay)
             1000.0 * double(backProcessor - stoppedProcessor) / CLOCKS_PER_SEC};
 }
 
-std::vector<Span> latencies(const NodeDeclaration& kind, int threads, bool extreme)
+/// Stops at random moments of equal parts of the work; of slow kinds fewer.
+std::vector<Span> latencies(Bench& bench, const NodeDeclaration& kind, bool extreme)
 {
-    OperationGraph graph(kSide, kSide, threads);
-    const int node = addKind(graph, kind, extreme);
+    const int node = addKind(bench, kind, extreme);
     std::vector<Span> times;
     if (node < 0)
         return times;
-    const double whole = Comparison::time([&] { times.push_back(stopAfter(graph, node, kLongest)); }).clock;
+    const double whole =
+        Comparison::time([&] { times.push_back(stopAfter(bench.graph, node, kLongest)); }).clock;
     if (times.back().clock < 0.0)
         times.clear();
     std::mt19937 random(1);
-    for (int i = 0; i < kStops; ++i) {
-        const double delay = whole * (i + std::uniform_real_distribution<double>()(random)) / kStops;
-        if (const Span time = stopAfter(graph, node, delay); time.clock >= 0.0)
+    const int stops = std::clamp(int(2.0 * kBudget / whole), kLeast, kMost);
+    for (int i = 0; i < stops; ++i) {
+        const double delay = whole * (i + std::uniform_real_distribution<double>()(random)) / stops;
+        if (const Span time = stopAfter(bench.graph, node, delay); time.clock >= 0.0)
             times.push_back(time);
     }
     return times;
@@ -105,8 +121,9 @@ void stop(benchmark::State& state)
         Span longest;
         std::string slowest;
         std::vector<Span> all;
+        Bench bench(int(state.range(0)));
         for (const NodeDeclaration* kind : vellor::nodes::allNodes()) {
-            const std::vector<Span> times = latencies(*kind, int(state.range(0)), state.range(1) != 0);
+            const std::vector<Span> times = latencies(bench, *kind, state.range(1) != 0);
             if (times.empty())
                 continue;
             all.insert(all.end(), times.begin(), times.end());

@@ -133,8 +133,8 @@ struct Setup
     const std::uint32_t* inputWords = nullptr;
     // The picture bound to the node's ImageInput parameter, in planes; channels 0 when the host gave none.
     ImageView image;
-    // Becomes true when nobody wants the result any more: a prepare that may take milliseconds looks at it now
-    // and then and returns early, with whatever state. Null: never.
+    // Becomes true when nobody wants the result any more: a prepare that may take milliseconds looks at it
+    // now and then and returns early, with whatever state. Null: never.
     const std::atomic<bool>* stop = nullptr;
 
     bool stopped() const { return stop && stop->load(std::memory_order_relaxed); }
@@ -158,6 +158,10 @@ struct RowJob
     // operands[operand * kMaxChannels + channel]; null for operands that aren't connected
     const float* const* operands = nullptr;
     std::array<float*, kMaxChannels> result{};
+    // As in Setup: for kernels that may take milliseconds for a row. The result may be left unfinished.
+    const std::atomic<bool>* stop = nullptr;
+
+    bool stopped() const { return stop && stop->load(std::memory_order_relaxed); }
 };
 
 /// Rows y0 to y1 - 1 of one pass of an area kernel. For passes before the last, result is scratch[pass].
@@ -168,7 +172,7 @@ struct AreaJob
     const ImageView* operands = nullptr;
     const ImageView* scratch = nullptr; // results of the passes before this one
     MutableImage result;
-    // As in Setup: for kernels that take milliseconds for a single row. The result may be left unfinished.
+    // As in RowJob.
     const std::atomic<bool>* stop = nullptr;
 
     bool stopped() const { return stop && stop->load(std::memory_order_relaxed); }

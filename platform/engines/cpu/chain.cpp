@@ -180,6 +180,7 @@ void Chain::runTile(int x, int count, int y, float* slots, const float** pointer
     job.count = count;
     job.width = width_;
     job.height = height_;
+    job.stop = &monitor_.stop();
     std::uint64_t before = ticks ? ticksNow() : 0;
     for (const Call& call : calls_) {
         const std::size_t end = call.firstOperand + call.operandPlanes;

@@ -90,18 +90,22 @@ void resampleRow(const Axis& axis, const float* in, float* out)
     }
 }
 
-void resampleColumn(const Axis& axis, const float* plane, std::ptrdiff_t stride, int y, int width, float* out)
+void resampleColumn(const Axis& axis, const nodes::AreaJob& job, const nodes::ImageView& in, int channel,
+                    int y, float* out)
 {
+    const float* plane = in.planes[channel];
+    const std::ptrdiff_t stride = in.stride;
+    const int width = job.result.width;
     if (axis.identity()) {
         std::memcpy(out, plane + y * stride, sizeof(float) * static_cast<std::size_t>(width));
         return;
     }
     std::fill_n(out, width, 0.0f);
-    for (int k = 0; k < axis.taps; ++k) {
-        const float* in = plane + axis.index[static_cast<std::size_t>(y) * axis.taps + k] * stride;
+    for (int k = 0; k < axis.taps && !job.stopped(); ++k) {
+        const float* row = plane + axis.index[static_cast<std::size_t>(y) * axis.taps + k] * stride;
         const float weight = axis.weight[static_cast<std::size_t>(y) * axis.taps + k];
         for (int x = 0; x < width; ++x)
-            out[x] += in[x] * weight;
+            out[x] += row[x] * weight;
     }
 }
 
@@ -115,7 +119,7 @@ void area(const nodes::AreaJob& job)
             if (job.pass == 0)
                 resampleRow(state.across, in.planes[c] + y * in.stride, out);
             else
-                resampleColumn(state.down, in.planes[c], in.stride, y, job.result.width, out);
+                resampleColumn(state.down, job, in, c, y, out);
         }
     }
 }

@@ -112,12 +112,24 @@ private:
     bool runPass(const nodes::AreaJob& pass, std::uint64_t work) const
     {
         const auto kernel = context_.plan.nodes[stage_.nodes.front()].kind->area;
-        return loop(pass.result.width, pass.result.height, work).run([&](int y0, int y1, int) {
+        return loop(pixelsOfRow(pass), pass.result.height, work).run([&](int y0, int y1, int) {
             nodes::AreaJob job = pass;
             job.y0 = y0;
             job.y1 = y1;
             kernel(job);
         });
+    }
+
+    /// How many pixels stand behind a row of the pass's result. Scratch may be narrow or low: each of its
+    /// rows then stands for a share of the pictures.
+    int pixelsOfRow(const nodes::AreaJob& pass) const
+    {
+        const PlanNode& node = context_.plan.nodes[stage_.nodes.front()];
+        std::int64_t pixels = std::int64_t(node.width) * node.height;
+        for (std::size_t i = 0; i < node.operands.size(); ++i)
+            pixels = std::max(pixels, std::int64_t(pass.operands[i].width) * pass.operands[i].height);
+        return static_cast<int>(
+            std::max<std::int64_t>(pass.result.width, pixels / std::max(pass.result.height, 1)));
     }
 
     std::shared_ptr<Image> makeScratch(const nodes::ScratchShape& shape) const

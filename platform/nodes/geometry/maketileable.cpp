@@ -183,7 +183,7 @@ void makeTileableRows(const AreaJob& job)
             mixer.back = mixer.forward + kForward;
         }
         std::size_t down = 0;
-        for (int y = job.y0; y < job.y1; ++y) {
+        for (int y = job.y0; y < job.y1 && !job.stopped(); ++y) {
             while (y >= state.runsY[down].end)
                 ++down;
             makeTileableRow(state, job, mixer, c, down, y);
@@ -315,12 +315,13 @@ void measureRow(const float* row, int width, float* result)
     result[2] = static_cast<float>(sum / width);
 }
 
-void countSlice(const ImageView& image, int channel, const Span& span, int slice, float* counts)
+void countSlice(const AreaJob& job, int channel, const Span& span, int slice, float* counts)
 {
+    const ImageView& image = job.operands[0];
     std::fill_n(counts, kBins, 0.0f);
     const float bins = binsOver(span);
     const auto edge = [&](int s) { return static_cast<int>(std::int64_t(s) * image.height / kSlices); };
-    for (int y = edge(slice); y < edge(slice + 1); ++y) {
+    for (int y = edge(slice); y < edge(slice + 1) && !job.stopped(); ++y) {
         const float* row = rowOf(image, channel, y);
         for (int x = 0; x < image.width; ++x)
             counts[static_cast<int>(held((row[x] - span.low) * bins, 0.0f, float(kBins - 1)))] += 1.0f;
@@ -366,12 +367,12 @@ void makeTileableArea(const AreaJob& job)
         return HWY_DYNAMIC_DISPATCH(makeTileableRows)(job);
     for (int c = 0; c < job.result.channels; ++c) {
         const Span span = job.pass > 0 ? spanOf(job.scratch[0], c) : Span();
-        for (int y = job.y0; y < job.y1; ++y) {
+        for (int y = job.y0; y < job.y1 && !job.stopped(); ++y) {
             float* row = rowOf(job.result, c, y);
             if (job.pass == 0)
                 measureRow(rowOf(job.operands[0], c, y), job.operands[0].width, row);
             else if (job.pass == 1)
-                countSlice(job.operands[0], c, span, y, row);
+                countSlice(job, c, span, y, row);
             else
                 makeTables(state, job.scratch[1], c, span, row, row + kForward);
         }

@@ -78,7 +78,7 @@ void readChannel(const BitmapState& state, const RowJob& job, int channel, float
     const Axis& across = state.across;
     const int begin = across.first(job.x), end = across.first(job.x + job.count - 1) + across.taps();
     std::vector<float> row(static_cast<std::size_t>(end - begin));
-    for (int x = begin; x < end; ++x)
+    for (int x = begin; x < end && !job.stopped(); ++x)
         row[x - begin] = columnOf(state, x, job.y, channel);
     for (int i = 0; i < job.count; ++i) {
         const float* const from = &row[across.first(job.x + i) - begin];
