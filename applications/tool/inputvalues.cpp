@@ -2,7 +2,6 @@
 
 #include "applications/player/description/input.h"
 #include "applications/player/description/valuetype.h"
-#include "applications/player/session/textureconversion.h"
 #include "applications/tool/failure.h"
 #include "applications/tool/identifiers.h"
 #include "applications/tool/valueparser.h"
@@ -22,6 +21,10 @@ InputValues::InputValues(const PackageModel& package, const QStringList& graphs)
             continue;
         const InputDetails details = inputDetails(input);
         m_entries.push_back({input, details, input.defaultValue, details.defaultText, {}, false});
+        if (input.type != ValueType::Image)
+            continue;
+        m_entries.back().image = std::make_shared<ImageInput>();
+        m_entries.back().dirty = true; // without a picture too, it has to stand for one
     }
 }
 
@@ -71,9 +74,10 @@ void InputValues::readPicture(Entry& entry, const QString& path)
 {
     if (!QFileInfo(path).isFile())
         throw Failure(UnreadableFile, path + ": the file can't be read");
-    entry.picture = Orn::Image::Codec::SurfaceCodecManager::instance().loadFile(path);
-    if (!entry.picture)
+    const auto picture = Orn::Image::Codec::SurfaceCodecManager::instance().loadFile(path);
+    if (!picture)
         throw Failure(UnreadableFile, path + ": the file holds no picture that this program reads");
+    entry.image->setSource(picture);
 }
 
 void InputValues::setSize(const QString& size)
@@ -121,11 +125,9 @@ bool InputValues::pushOne(const Entry& entry, InputSink& engine) const
         units.append(0);
         return engine.pushInput(index, type, units.constData());
     }
-    if (type != ValueType::Image)
-        return engine.pushInput(index, type, entry.value.words.data());
-    QSharedPointer<Orn::Surfaces::Surface> holder;
-    const VellorTexture texture = textureFromSurface(entry.picture, holder);
-    return engine.pushInput(index, type, texture.buffer ? &texture : nullptr);
+    if (type == ValueType::Image)
+        return engine.pushImage(index, entry.image.get());
+    return engine.pushInput(index, type, entry.value.words.data());
 }
 
 std::vector<std::size_t> InputValues::find(const QString& identifier) const

@@ -2,12 +2,12 @@
 
 #include "applications/player/description/inputdetails.h"
 #include "applications/player/description/inputsink.h"
+#include "applications/player/images/imageinput.h"
 #include "applications/player/presets/presetdescription.h"
-#include "orncommon/surfaces/surface.h"
 
-#include <QSharedPointer>
 #include <QStringList>
 
+#include <memory>
 #include <vector>
 
 namespace vellor::tool {
@@ -47,8 +47,8 @@ private:
         Zph::Applications::Player::PackageInput input;
         Zph::Applications::Player::InputDetails details;
         Zph::Applications::Player::InputValue value;
-        QString text; // of a text input
-        QSharedPointer<Orn::Surfaces::Surface> picture;
+        QString text;                                                 // of a text input
+        std::shared_ptr<Zph::Applications::Player::ImageInput> image; // of an image input
         bool dirty = false;
     };
 

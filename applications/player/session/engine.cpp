@@ -153,6 +153,12 @@ bool Engine::pushInput(int index, quint32 type, const void* value)
            Zph::Engine::handlePushSetInput(m_handle, 0, quint32(index), type, value, nullptr) == VELLOR_OK;
 }
 
+bool Engine::pushImage(int index, ImageSource* source)
+{
+    return handleOrNull() && Zph::Engine::handlePushSetInput(m_handle, 0, quint32(index), VELLOR_TYPE_IMAGE,
+                                                             nullptr, source) == VELLOR_OK;
+}
+
 void Engine::start()
 {
     stopThread();
@@ -255,9 +261,11 @@ void Engine::onProgress(VellorHandle* handle, uint32_t current, uint32_t total)
         engine->progress(current, total);
 }
 
-void Engine::onImageInput(VellorHandle*, uint32_t, uint32_t, void**, const VellorImageRequest*)
+void Engine::onImageInput(VellorHandle*, uint32_t, uint32_t, void** image, const VellorImageRequest* request)
 {
-    // Images are pushed ready-made: what lies in the slot is what the engine shall use.
+    if (*image)
+        *image = const_cast<VellorTexture*>(
+            static_cast<ImageSource*>(*image)->prepare(request->width, request->height));
 }
 
 void Engine::onCacheStore(VellorHandle* handle, uint32_t flags, uint32_t entry, char* buffer, uint64_t size)

@@ -45,6 +45,7 @@ public:
     /// Tells the engine the value of an input: as <vellor/engine.h> says for its type. False when it is
     /// refused.
     bool pushInput(int index, quint32 type, const void* value) override;
+    bool pushImage(int index, ImageSource* source) override;
 
 signals:
     /// An output is done. `index` is the engine's index of the output.

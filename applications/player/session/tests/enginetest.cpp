@@ -1,5 +1,7 @@
 #include "applications/player/session/tests/openengine.h"
 
+#include <QSize>
+
 using namespace Zph::Applications::Player;
 using namespace Zph::Applications::Player::Tests;
 
@@ -153,16 +155,29 @@ TEST(EngineSession, ParksBlocksInFilesOfTheirOwn)
                    "CacheStore flags=2 entry=9 data=untouchd", "CacheStore flags=2 entry=7 data=parked-7"}));
 }
 
-TEST(EngineSession, TheImageRequestLeavesTheSlotAlone)
+TEST(EngineSession, AnImageRequestGoesToTheSourceBehindTheInput)
 {
-    OpenEngine session("input 5 5\noutput 1 0\n");
-    quint8 pixels[64] = {};
-    const VellorTexture texture = {pixels, 4, 4, VELLOR_FORMAT_RGBA, VELLOR_ORDER_BGRA, {}};
-    EXPECT_TRUE(session.engine->pushInput(0, VELLOR_TYPE_IMAGE, &texture));
+    struct Source : ImageSource
+    {
+        QSize asked;
+        VellorTexture texture = {};
+
+        const VellorTexture* prepare(quint32 width, quint32 height) override
+        {
+            asked = QSize(int(width), int(height));
+            return &texture;
+        }
+    };
+    OpenEngine session("input 5 5\ninput 6 5\noutput 1 0\n");
+    Source source;
+    EXPECT_TRUE(session.engine->pushImage(0, &source));
+    EXPECT_TRUE(session.engine->pushImage(1, nullptr));
     session.generate({1});
+    EXPECT_EQ(source.asked, QSize(32, 16));
     const QStringList lines = session.log.take();
-    EXPECT_TRUE(lines.contains("PushSetInput flags=0x0 index=0 type=5 value=4x4 format=0 order=198 user=0"));
-    EXPECT_TRUE(lines.contains("ImageInput index=0 kept=1"));
+    EXPECT_TRUE(lines.contains("PushSetInput flags=0x0 index=0 type=5 value=null user=1"));
+    EXPECT_TRUE(lines.contains("ImageInput index=0 kept=0"));
+    EXPECT_TRUE(lines.contains("ImageInput index=1 kept=1"));
 }
 
 TEST(EngineSession, RecreateMakesTheHandleAnewFromTheSamePackage)
