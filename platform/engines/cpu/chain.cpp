@@ -2,6 +2,7 @@
 
 #include "platform/engines/cpu/pixelkernels.h"
 #include "platform/engines/cpu/ticks.h"
+#include "platform/nodes/selectivestate.h"
 
 #include <algorithm>
 
@@ -13,6 +14,9 @@ constexpr int kSlotBytes = 256 << 10;
 /// Pixels; multiples of 16. A handful of rows of the longest tile, which is what a grey kernel touches, stays
 /// in the first cache; shorter ones spend their time on calls.
 constexpr int kMinTile = 256, kMaxTile = 1024;
+/// Bytes of a tile's rows that are fetched ahead and of those that are written past the caches. All of them
+/// lie in the first cache at once, beside what the kernels need.
+constexpr int kStreamedBytes = 12 << 10;
 
 } // namespace
 
@@ -32,14 +36,27 @@ public:
         findLastReaders();
         for (std::size_t at = 0; at < stage_.nodes.size(); ++at)
             addCall(static_cast<int>(at));
-        const int slots = std::max(1, chain_.slotCount_);
-        const int fitting = kSlotBytes / (slots * static_cast<int>(sizeof(float))) / 16 * 16;
+        if (streams_)
+            shareAhead();
         const int row = (chain_.width_ + 15) / 16 * 16;
-        chain_.tileWidth_ = std::min(std::clamp(fitting, kMinTile, kMaxTile), row);
+        chain_.tileWidth_ = std::min(
+            {std::clamp(fitting(kSlotBytes, chain_.slotCount_), kMinTile, kMaxTile), streamedTile(), row});
     }
 
 private:
     using Places = std::array<Place, nodes::kMaxChannels>;
+
+    /// How many pixels of so many rows take these bytes.
+    static int fitting(int bytes, int rows)
+    {
+        return bytes / (std::max(1, rows) * static_cast<int>(sizeof(float))) / 16 * 16;
+    }
+
+    int streamedTile() const
+    {
+        const int ahead = static_cast<int>(chain_.ahead_.size());
+        return ahead ? std::max(kMinTile, fitting(kStreamedBytes, ahead + streamedPlanes())) : kMaxTile;
+    }
 
     void findLastReaders()
     {
@@ -108,6 +125,45 @@ private:
         return places;
     }
 
+    /// The planes of whole pictures that kernels read, each once, are fetched ahead, an even part of them
+    /// with each plane that is streamed.
+    void shareAhead()
+    {
+        for (const Call& call : chain_.calls_)
+            for (std::size_t i = 0; i < call.operandPlanes; ++i) {
+                const Place& place = chain_.operands_[call.firstOperand + i];
+                if (place.base && !fetched(place) && reads(call, static_cast<int>(i)))
+                    chain_.ahead_.push_back(place);
+            }
+        const int ahead = static_cast<int>(chain_.ahead_.size()), streamed = streamedPlanes();
+        int plane = 0;
+        for (Call& call : chain_.calls_)
+            for (int c = 0; call.whole[0].base && c < call.channels; ++c) {
+                call.ahead[c] = plane++ * ahead / streamed;
+                call.ahead[c + 1] = plane * ahead / streamed;
+            }
+    }
+
+    static bool reads(const Call& call, int plane)
+    {
+        const auto* selective = dynamic_cast<const nodes::SelectiveState*>(call.state.get());
+        return !selective || selective->reads(plane / nodes::kMaxChannels, plane % nodes::kMaxChannels);
+    }
+
+    bool fetched(const Place& place) const
+    {
+        return std::any_of(chain_.ahead_.begin(), chain_.ahead_.end(),
+                           [&](const Place& other) { return other.base == place.base; });
+    }
+
+    int streamedPlanes() const
+    {
+        int planes = 0;
+        for (const Call& call : chain_.calls_)
+            planes += call.whole[0].base ? call.channels : 0;
+        return planes;
+    }
+
     /// Whether what the stage writes is too much to be still in a cache when it is read.
     bool tooLargeForCaches() const
     {
@@ -163,16 +219,32 @@ Chain::Chain(const StageContext& context, const Stage& stage, const Pictures& re
     Compiler(*this, context, stage, read, written).compile();
 }
 
+/// Where the planes' rows are for one tile.
+struct Chain::Pointers
+{
+    std::vector<const float*> operands, ahead; // as in operands_; as in ahead_, for the tile that comes next
+};
+
 void Chain::run(int y0, int y1, float* slots, std::uint64_t* ticks) const
 {
-    std::vector<const float*> pointers(operands_.size());
+    Pointers pointers{std::vector<const float*>(operands_.size()), {}};
     for (int y = y0; y < y1; ++y)
-        for (int x = 0; x < width_ && !monitor_.stopped(); x += tileWidth_)
-            runTile(x, std::min(tileWidth_, width_ - x), y, slots, pointers.data(), ticks);
+        for (int x = 0; x < width_ && !monitor_.stopped(); x += tileWidth_) {
+            const bool last = x + tileWidth_ >= width_;
+            pointAhead(last ? 0 : x + tileWidth_, last ? std::min(y + 1, height_ - 1) : y, pointers);
+            runTile(x, std::min(tileWidth_, width_ - x), y, slots, pointers, ticks);
+        }
     endStreaming();
 }
 
-void Chain::runTile(int x, int count, int y, float* slots, const float** pointers, std::uint64_t* ticks) const
+void Chain::pointAhead(int x, int y, Pointers& pointers) const
+{
+    pointers.ahead.clear();
+    for (const Place& place : ahead_)
+        pointers.ahead.push_back(address(place, x, y, nullptr));
+}
+
+void Chain::runTile(int x, int count, int y, float* slots, Pointers& pointers, std::uint64_t* ticks) const
 {
     nodes::RowJob job;
     job.x = x;
@@ -185,15 +257,15 @@ void Chain::runTile(int x, int count, int y, float* slots, const float** pointer
     for (const Call& call : calls_) {
         const std::size_t end = call.firstOperand + call.operandPlanes;
         for (std::size_t i = call.firstOperand; i < end; ++i)
-            pointers[i] = address(operands_[i], x, y, slots);
+            pointers.operands[i] = address(operands_[i], x, y, slots);
         job.state = call.state.get();
         job.channels = call.channels;
-        job.operands = pointers + call.firstOperand;
+        job.operands = pointers.operands.data() + call.firstOperand;
         for (int c = 0; c < nodes::kMaxChannels; ++c)
             job.result[c] = address(call.result[c], x, y, slots);
         call.row(job);
         if (call.whole[0].base)
-            streamResult(call, job);
+            streamResult(call, job, pointers);
         if (ticks) {
             const std::uint64_t now = ticksNow();
             *ticks++ += now - before;
@@ -202,11 +274,12 @@ void Chain::runTile(int x, int count, int y, float* slots, const float** pointer
     }
 }
 
-void Chain::streamResult(const Call& call, const nodes::RowJob& job) const
+void Chain::streamResult(const Call& call, const nodes::RowJob& job, const Pointers& pointers) const
 {
     for (int c = 0; c < call.channels; ++c)
         streamBytes(call.whole[c].base + job.y * call.whole[c].stride + job.x, job.result[c],
-                    sizeof(float) * static_cast<std::size_t>(job.count));
+                    sizeof(float) * static_cast<std::size_t>(job.count),
+                    {pointers.ahead.data() + call.ahead[c], call.ahead[c + 1] - call.ahead[c]});
 }
 
 float* Chain::address(const Place& place, int x, int y, float* slots) const

@@ -6,7 +6,8 @@
 // Results that are read within the group alone go to slots: rows of one tile that nodes share as soon as the
 // last reader is through. Results that become whole pictures are written, and read again, where they lie;
 // large ones lie in slots, too, and are copied from there past the caches, which saves the reading of what is
-// overwritten.
+// overwritten. The same copying fetches what the next tile reads, line by line, so that memory is read and
+// written at the same time: a tile's kernels only read, and its copying would only write.
 
 #include "platform/engines/cpu/stagerunner.h"
 
@@ -45,17 +46,23 @@ private:
         std::size_t firstOperand = 0, operandPlanes = 0; // in operands_
         std::array<Place, nodes::kMaxChannels> result;
         std::array<Place, nodes::kMaxChannels> whole; // where results in slots go past the caches
+        // Channel c of whole brings along ahead_ from ahead[c] up to ahead[c + 1].
+        std::array<int, nodes::kMaxChannels + 1> ahead{};
     };
     class Compiler;
 
     std::size_t slotStride() const { return static_cast<std::size_t>(tileWidth_) + 16; }
-    void runTile(int x, int count, int y, float* slots, const float** pointers, std::uint64_t* ticks) const;
-    void streamResult(const Call& call, const nodes::RowJob& job) const;
+    struct Pointers;
+
+    void runTile(int x, int count, int y, float* slots, Pointers& pointers, std::uint64_t* ticks) const;
+    void pointAhead(int x, int y, Pointers& pointers) const;
+    void streamResult(const Call& call, const nodes::RowJob& job, const Pointers& pointers) const;
     float* address(const Place& place, int x, int y, float* slots) const;
 
     const Monitor& monitor_;
     std::vector<Call> calls_;
     std::vector<Place> operands_; // of all calls, kMaxChannels for each operand
+    std::vector<Place> ahead_;    // planes to fetch a tile ahead; none where nothing is streamed
     int width_ = 0, height_ = 0, tileWidth_ = 0, slotCount_ = 0;
 };
 

@@ -300,9 +300,9 @@ void halve(const float* above, const float* below, int count, float* out)
         out[x] = ((above[2 * x] + above[2 * x + 1]) + (below[2 * x] + below[2 * x + 1])) * 0.25f;
 }
 
-void stream(std::uint8_t* to, const std::uint8_t* from, std::size_t bytes)
+void stream(std::uint8_t* to, const std::uint8_t* from, std::size_t bytes, const Ahead& ahead)
 {
-    constexpr std::size_t kLine = 64;
+    constexpr std::size_t kLine = 64, kLineFloats = kLine / sizeof(float);
     const hn::ScalableTag<std::uint8_t> tag;
     const std::size_t head = (kLine - reinterpret_cast<std::uintptr_t>(to) % kLine) % kLine;
     if (bytes < head + kLine) {
@@ -310,10 +310,15 @@ void stream(std::uint8_t* to, const std::uint8_t* from, std::size_t bytes)
         return;
     }
     std::memcpy(to, from, head);
-    std::size_t at = head;
-    for (; at + kLine <= bytes; at += kLine)
+    std::size_t at = head, fetched = 0;
+    const std::size_t step = kLineFloats * static_cast<std::size_t>(ahead.lines);
+    for (; at + kLine <= bytes; at += kLine, fetched += step) {
+        for (int row = 0; row < ahead.count; ++row)
+            for (std::size_t line = 0; line < step; line += kLineFloats)
+                hwy::Prefetch(ahead.rows[row] + fetched + line);
         for (std::size_t part = 0; part < kLine; part += hn::MaxLanes(tag))
             hn::Stream(hn::LoadU(tag, from + at + part), tag, to + at + part);
+    }
     std::memcpy(to + at, from + at, bytes - at);
 }
 
@@ -350,10 +355,10 @@ void halvePixels(const float* above, const float* below, int count, float* out)
     HWY_DYNAMIC_DISPATCH(halve)(above, below, count, out);
 }
 
-void streamBytes(void* to, const void* from, std::size_t bytes)
+void streamBytes(void* to, const void* from, std::size_t bytes, const Ahead& ahead)
 {
     HWY_DYNAMIC_DISPATCH(stream)
-    (static_cast<std::uint8_t*>(to), static_cast<const std::uint8_t*>(from), bytes);
+    (static_cast<std::uint8_t*>(to), static_cast<const std::uint8_t*>(from), bytes, ahead);
 }
 
 void endStreaming()

@@ -32,9 +32,18 @@ void luminance(const float* const* in, int count, float* out);
 /// count means of the 2 x 2 pixels from `above` and `below` on, which may be the same row.
 void halvePixels(const float* above, const float* below, int count, float* out);
 
+/// What is read next while something is written: rows that are fetched into the first cache, each of them
+/// `lines` lines of 64 bytes for every line written.
+struct Ahead
+{
+    const float* const* rows = nullptr;
+    int count = 0, lines = 1;
+};
+
 /// Copies past the caches, for results that are not read again soon. Whoever has written like this calls
-/// endStreaming before another thread may read.
-void streamBytes(void* to, const void* from, std::size_t bytes);
+/// endStreaming before another thread may read. Memory reads and writes at the same time if it is asked to:
+/// work that only reads, and then only writes, takes as long as both.
+void streamBytes(void* to, const void* from, std::size_t bytes, const Ahead& ahead = {});
 void endStreaming();
 
 /// Whether a result of so many bytes had better be written past the caches: plainly so from 64 MiB on, and

@@ -1,13 +1,16 @@
 #include "platform/nodes/kinds.h"
 #include "platform/nodes/parameters.h"
+#include "platform/nodes/selectivestate.h"
 
 #include <algorithm>
 
 namespace vellor::nodes {
 namespace {
 
-struct SwitchState : State
+struct SwitchState : SelectiveState
 {
+    bool reads(int operand, int) const override { return operand == index; }
+
     int index = 0;
 };
 

@@ -1,5 +1,6 @@
 #include "platform/nodes/kinds.h"
 #include "platform/nodes/parameters.h"
+#include "platform/nodes/selectivestate.h"
 
 #include <algorithm>
 
@@ -13,8 +14,13 @@ enum Pick
     kOne
 };
 
-struct ChannelshuffleState : State
+struct ChannelshuffleState : SelectiveState
 {
+    bool reads(int operand, int channel) const override
+    {
+        return std::count(picks.begin(), picks.end(), operand * kMaxChannels + channel) > 0;
+    }
+
     std::array<int, kMaxChannels> picks{};
 };
 

@@ -1,13 +1,16 @@
 #include "platform/nodes/kinds.h"
 #include "platform/nodes/parameters.h"
+#include "platform/nodes/selectivestate.h"
 
 #include <algorithm>
 
 namespace vellor::nodes {
 namespace {
 
-struct ChannelsplitState : State
+struct ChannelsplitState : SelectiveState
 {
+    bool reads(int, int plane) const override { return plane == channel; }
+
     int channel = 0;
 };
 

@@ -1,13 +1,16 @@
 #include "platform/nodes/dispatch.h"
 #include "platform/nodes/kinds.h"
+#include "platform/nodes/selectivestate.h"
 
 #ifndef VELLOR_GREYCONVERSION_STATE
 #define VELLOR_GREYCONVERSION_STATE
 namespace vellor::nodes {
 namespace {
 
-struct GreyState : State
+struct GreyState : SelectiveState
 {
+    bool reads(int, int channel) const override { return channel < 3 || (method == 0 && weights[3] != 0.0f); }
+
     std::array<float, kMaxChannels> weights{};
     int method = 0;
 };
