@@ -109,12 +109,13 @@ std::optional<QVector<PresetDescription>> readPresetFile(const QString& path, co
     return presets;
 }
 
-QString writePresetFile(const QString& path, const QVector<PresetDescription>& presets)
+QString writePresetFile(const QString& path, const QVector<PresetDescription>& presets,
+                        const QString& formatVersion)
 {
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly))
         return file.errorString();
-    file.write(presetDocument(presets, QFileInfo(path).absoluteDir()));
+    file.write(presetDocument(presets, QFileInfo(path).absoluteDir(), formatVersion));
     return file.commit() ? QString() : file.errorString();
 }
 

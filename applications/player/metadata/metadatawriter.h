@@ -1,0 +1,55 @@
+#pragma once
+
+#include "applications/player/metadata/metadatachoices.h"
+#include "applications/player/metadata/metadatarecord.h"
+
+#include <QHash>
+
+#include <functional>
+
+namespace Zph::Applications::Player {
+
+// Gives the bitmaps of one export their records. What is embedded only once stands in the holder of its
+// package URL, and the others refer to it. Main thread.
+class MetadataWriter
+{
+public:
+    // One output of the export, in its first frame.
+    struct Bitmap
+    {
+        QString packageUrl; // "pkg://bricks"
+        QString identifier; // behind the first " - " of its label
+        QString path;       // of the file that it becomes
+    };
+
+    struct Package
+    {
+        QString archiveFileName;                                     // empty: not known
+        QByteArray archive;                                          // its bytes, if needsArchive()
+        std::function<PresetDescription(const QString& url)> preset; // asked once for each package URL
+    };
+
+    // `firstBitmaps` are the outputs of the export: the first of a URL is its holder, unless a later one is
+    // called diffuse or base colour.
+    MetadataWriter(const MetadataChoices& choices, Package package, const QVector<Bitmap>& firstBitmaps);
+
+    // The text to embed in a bitmap, by metadataTrailer(); empty unless records are embedded.
+    QByteArray embedded(const Bitmap& bitmap);
+
+    // Writes the files that go beside a bitmap: its record, where it stands alone, and its preset. Returns
+    // the first error, or an empty text.
+    QString writeBeside(const Bitmap& bitmap);
+
+private:
+    MetadataRecord recordOf(const Bitmap& bitmap);
+    const PresetDescription& presetOf(const QString& url);
+    QString referenceTo(const QString& path) const;
+    bool isHolder(const Bitmap& bitmap) const { return m_holders.value(bitmap.packageUrl) == bitmap.path; }
+
+    MetadataChoices m_choices;
+    Package m_package;
+    QHash<QString, QString> m_holders; // paths, by URL
+    QHash<QString, PresetDescription> m_presets;
+};
+
+} // namespace Zph::Applications::Player
