@@ -5,8 +5,9 @@
 //
 // Down, a running sum takes one row in and one out. It starts anew at every multiple of kBoxTile rows, so
 // that rounding has no time to gather and a band can begin anywhere with the same bytes; wide windows take
-// that start from sums of whole tiles, which a pass before has made. Across, windows are put together from
-// sums of 4, 16, 64... pixels, each made of four smaller ones. Fractions of a pixel weigh the outermost
+// that start from sums of whole tiles, which a pass before has made. Where the rows of a window would not
+// stay in the cache, a band goes down the picture block of columns by block. Across, windows are put together
+// from sums of 4, 16, 64... pixels, each made of four smaller ones. Fractions of a pixel weigh the outermost
 // pixels. Everything wraps around.
 
 #include "platform/nodes/node.h"
@@ -27,7 +28,7 @@ struct BoxRadius
 struct BoxPlan
 {
     BoxRadius x, y;
-    bool tiled() const { return y.whole > kBoxTile; }
+    bool tiled() const { return y.whole > 2 * kBoxTile; }
     int passes() const { return tiled() ? 2 : 1; }
 };
 

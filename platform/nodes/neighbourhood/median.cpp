@@ -7,8 +7,10 @@
 #include <algorithm>
 #include <vector>
 
-// Windows of up to 5 x 5 pixels are sorted out vector by vector: of half the values and one more neither the
-// least nor the greatest can be the median; both go, the next value comes in, until one is left.
+// Windows of up to 7 x 7 pixels are sorted out vector by vector, and what neighbours share is done once: each
+// column is sorted, and neighbouring columns are merged in pairs (after A. Adams, "Fast median filters using
+// separable sorting networks", 2021). Of what a window's pairs give together only the ranks count that the
+// last column can make the median. Merging is K. Batcher's by odd and even places (1968).
 //
 // Larger windows slide over tiles whose pixels are numbered by their order first. A set of the numbers in the
 // window, counted in words of 64, follows the median as pixels come and go (after T. Huang, 1979).
@@ -40,49 +42,144 @@ HWY_BEFORE_NAMESPACE();
 namespace vellor::nodes::HWY_NAMESPACE {
 namespace {
 
-HWY_INLINE void order(F& low, F& high)
+/// Two ascending lists made one. Lists are taken by value of their places: `step` apart. What is not used of
+/// the result costs nothing.
+template<int countA, int countB, int step = 1> HWY_INLINE void merge(const F* a, const F* b, F* result)
 {
-    const F least = minOf(low, high);
-    high = maxOf(low, high);
-    low = least;
-}
-
-template<int radius> void smallMedianRow(const ImageView& source, int channel, int y, float* result)
-{
-    constexpr int kSide = 2 * radius + 1, kCount = kSide * kSide, kHeld = kCount / 2 + 2;
-    RowWindow<radius> rows[kSide];
-    for (int x = 0; x < source.width; x += kChunk) {
-        const int count = std::min(kChunk, source.width - x);
-        for (int r = 0; r < kSide; ++r)
-            rows[r].fill(source, channel, x, y + r - radius, count);
-        for (int i = 0; i < count; i += kLanes) {
-            const auto value = [&](int k) { return loadAt(rows[k / kSide].at(i + k % kSide - radius)); };
-            F held[kHeld];
-            for (int k = 0; k < kHeld; ++k)
-                held[k] = value(k);
-            for (int first = 0, next = kHeld;; ++first) {
-                for (int k = first + 1; k < kHeld; ++k)
-                    order(held[first], held[k]);
-                for (int k = first + 1; k < kHeld - 1; ++k)
-                    order(held[k], held[kHeld - 1]);
-                if (next == kCount)
-                    break;
-                held[kHeld - 1] = value(next++);
-            }
-            store(held[kHeld - 2], result + x + i);
+    if constexpr (countA == 0 || countB == 0) {
+        for (int i = 0; i < countA + countB; ++i)
+            result[i] = countA == 0 ? b[i * step] : a[i * step];
+    } else if constexpr (countA == 1 && countB == 1) {
+        result[0] = minOf(a[0], b[0]);
+        result[1] = maxOf(a[0], b[0]);
+    } else {
+        constexpr int kEven = (countA + 1) / 2 + (countB + 1) / 2, kOdd = countA / 2 + countB / 2;
+        F even[kEven], odd[kOdd];
+        merge<(countA + 1) / 2, (countB + 1) / 2, 2 * step>(a, b, even);
+        merge<countA / 2, countB / 2, 2 * step>(a + step, b + step, odd);
+        constexpr int kPairs = kEven - 1 < kOdd ? kEven - 1 : kOdd;
+        result[0] = even[0];
+        for (int i = 0; i < kPairs; ++i) {
+            result[2 * i + 1] = minOf(odd[i], even[i + 1]);
+            result[2 * i + 2] = maxOf(odd[i], even[i + 1]);
         }
+        if constexpr (kEven != kOdd + 1)
+            result[kEven + kOdd - 1] = kEven > kOdd ? even[kEven - 1] : odd[kOdd - 1];
     }
 }
 
+template<int count> HWY_INLINE void sort(F* values)
+{
+    if constexpr (count > 1) {
+        constexpr int kHalf = count / 2;
+        F sorted[count];
+        sort<kHalf>(values);
+        sort<count - kHalf>(values + kHalf);
+        merge<kHalf, count - kHalf>(values, values + kHalf, sorted);
+        for (int i = 0; i < count; ++i)
+            values[i] = sorted[i];
+    }
+}
+
+/// Windows of 3, 5 or 7 pixels square. Arrays begin at the first column that a chunk's windows reach.
+template<int radius> class SmallMedian
+{
+public:
+    SmallMedian(const ImageView& source, int channel) : m_source(source), m_channel(channel) {}
+
+    void run(const MutableImage& result, int y0, int y1)
+    {
+        for (int x = 0; x < m_source.width; x += kChunk) {
+            const int count = std::min(kChunk, m_source.width - x);
+            for (int y = y0 - radius; y < y0 + radius; ++y)
+                fill(x, y, count);
+            for (int y = y0; y < y1; ++y) {
+                fill(x, y + radius, count);
+                sortColumns(count);
+                mergePairs(count);
+                medians(count, rowOf(result, m_channel, y) + x);
+            }
+        }
+    }
+
+private:
+    static constexpr int kSide = 2 * radius + 1, kPair = 2 * kSide;
+    using Line = float[kChunk + 3 * 16];
+
+    void fill(int x, int y, int count) { m_rows[wrapped(y, kSide)].fill(m_source, m_channel, x, y, count); }
+
+    void sortColumns(int count)
+    {
+        for (int i = 0; i < count + 2 * radius; i += kLanes) {
+            F values[kSide];
+            for (int k = 0; k < kSide; ++k)
+                values[k] = loadAt(m_rows[k].at(i - radius));
+            sort<kSide>(values);
+            for (int k = 0; k < kSide; ++k)
+                store(values[k], m_columns[k] + i);
+        }
+    }
+
+    /// Each column with the next.
+    void mergePairs(int count)
+    {
+        for (int i = 0; i < count + 2 * radius - 2; i += kLanes) {
+            F left[kSide], right[kSide], both[kPair];
+            for (int k = 0; k < kSide; ++k) {
+                left[k] = load(m_columns[k] + i);
+                right[k] = loadAt(m_columns[k] + i + 1);
+            }
+            merge<kSide, kSide>(left, right, both);
+            for (int k = 0; k < kPair; ++k)
+                store(both[k], m_pairs[k] + i);
+        }
+    }
+
+    /// The first `pairs` of a window's pairs of columns, merged.
+    template<int pairs> HWY_INLINE void gather(int i, F* values) const
+    {
+        F last[kPair];
+        for (int k = 0; k < kPair; ++k)
+            last[k] = loadAt(m_pairs[k] + i + 2 * (pairs - 1));
+        if constexpr (pairs == 1) {
+            std::copy_n(last, kPair, values);
+        } else {
+            F others[(pairs - 1) * kPair];
+            gather<pairs - 1>(i, others);
+            merge<(pairs - 1) * kPair, kPair>(others, last, values);
+        }
+    }
+
+    void medians(int count, float* result) const
+    {
+        constexpr int kFirst = kSide * kSide / 2 - kSide; // the least rank that the last column can raise
+        for (int i = 0; i < count; i += kLanes) {
+            F values[radius * kPair];
+            gather<radius>(i, values);
+            F median = values[kFirst + kSide];
+            for (int k = 0; k < kSide; ++k)
+                median = minOf(median,
+                               maxOf(values[kFirst + k], loadAt(m_columns[kSide - 1 - k] + i + 2 * radius)));
+            store(median, result + i);
+        }
+    }
+
+    const ImageView& m_source;
+    int m_channel;
+    RowWindow<radius> m_rows[kSide]; // in any order: they are sorted anyway
+    alignas(64) Line m_columns[kSide], m_pairs[kPair];
+};
+
 void smallMedian(const MedianState& state, const AreaJob& job)
 {
-    for (int c = 0; c < job.result.channels; ++c)
-        for (int y = job.y0; y < job.y1; ++y) {
-            if (state.radius == 1)
-                smallMedianRow<1>(job.operands[0], c, y, rowOf(job.result, c, y));
-            else
-                smallMedianRow<2>(job.operands[0], c, y, rowOf(job.result, c, y));
-        }
+    for (int c = 0; c < job.result.channels; ++c) {
+        if (state.radius == 1)
+            SmallMedian<1>(job.operands[0], c).run(job.result, job.y0, job.y1);
+        else if (state.radius == 2)
+            SmallMedian<2>(job.operands[0], c).run(job.result, job.y0, job.y1);
+        else
+            SmallMedian<3>(job.operands[0], c).run(job.result, job.y0, job.y1);
+    }
 }
 
 } // namespace
@@ -213,7 +310,7 @@ void largeMedian(const MedianState& state, const AreaJob& job)
 void medianArea(const AreaJob& job)
 {
     const auto& state = static_cast<const MedianState&>(*job.state);
-    if (state.radius > 2)
+    if (state.radius > 3)
         return largeMedian(state, job);
     if (state.radius > 0)
         return HWY_DYNAMIC_DISPATCH(smallMedian)(state, job);

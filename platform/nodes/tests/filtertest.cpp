@@ -43,17 +43,20 @@ Picture gaussian(const Picture& in, double thousandths)
 
 TEST(Median, IsTheMiddleOfTheSortedWindow)
 {
-    const Picture in = noise(90, 70, 4);
-    for (const int radius : {0, 1, 2, 3, 8, 16}) {
-        const Picture out = Evaluation("median", 90, 70, 4).set("radius", {double(radius)}).operand(in)();
-        for (int i = 0; i < 90 * 70; i += 37) {
-            const int x = i % 90, y = i / 90, c = i % 4;
-            std::vector<float> window;
-            for (int dy = -radius; dy <= radius; ++dy)
-                for (int dx = -radius; dx <= radius; ++dx)
-                    window.push_back(in.at(x + dx, y + dy, c));
-            std::sort(window.begin(), window.end());
-            ASSERT_EQ(out.at(x, y, c), window[window.size() / 2]) << radius << ": " << x << ' ' << y;
+    for (const auto& [width, height] : {std::pair(90, 70), std::pair(1030, 12), std::pair(2, 1)}) {
+        const Picture in = noise(width, height, 4);
+        for (const int radius : {0, 1, 2, 3, 4, 8, 16}) {
+            const Picture out =
+                Evaluation("median", width, height, 4).set("radius", {double(radius)}).operand(in)();
+            for (int i = 0; i < width * height; i += 37) {
+                const int x = i % width, y = i / width, c = i % 4;
+                std::vector<float> window;
+                for (int dy = -radius; dy <= radius; ++dy)
+                    for (int dx = -radius; dx <= radius; ++dx)
+                        window.push_back(in.at(x + dx, y + dy, c));
+                std::sort(window.begin(), window.end());
+                ASSERT_EQ(out.at(x, y, c), window[window.size() / 2]) << radius << ": " << x << ' ' << y;
+            }
         }
     }
 }
