@@ -49,6 +49,27 @@ std::vector<std::uint8_t> pixelsOf(Surface const& surface)
     return bytes;
 }
 
+/// Takes no bytes after the first hundred.
+class FullDevice : public QIODevice
+{
+public:
+    int refusals = 0;
+
+protected:
+    qint64 readData(char*, qint64) override { return -1; }
+    qint64 writeData(char const*, qint64 size) override
+    {
+        m_taken += size;
+        if (m_taken <= 100)
+            return size;
+        ++refusals;
+        return -1;
+    }
+
+private:
+    qint64 m_taken = 0;
+};
+
 class Codecs : public ::testing::Test
 {
 protected:
@@ -249,6 +270,18 @@ TEST_F(Codecs, FailedSaveLeavesTheTarget)
     EXPECT_FALSE(manager.saveFile(rampOf(RGBA8, 2, 2), path("taken.png")));
     EXPECT_EQ(QDir(folder.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
               (QStringList{"kept.txt", "taken.png"}));
+}
+
+TEST_F(Codecs, EncodingEndsWithTheFirstBytesThatAreRefused)
+{
+    FullDevice device;
+    ASSERT_TRUE(device.open(QIODevice::WriteOnly));
+    std::vector<quint16> noise(256 * 256);
+    quint32 random = 1;
+    for (quint16& value : noise)
+        value = quint16((random = random * 1664525u + 1013904223u) >> 16);
+    EXPECT_FALSE(manager.createWriter(device, "png")->write(pictureOf(L16, 256, 256, noise), nullptr));
+    EXPECT_EQ(device.refusals, 1);
 }
 
 TEST_F(Codecs, OptionsAreFoundThroughExtensions)

@@ -28,8 +28,11 @@ unsigned readItems(void* buffer, unsigned size, unsigned count, fi_handle handle
 
 unsigned writeItems(void* buffer, unsigned size, unsigned count, fi_handle handle)
 {
-    qint64 const bytes =
-        deviceOf(handle).device().write(static_cast<char const*>(buffer), qint64(size) * count);
+    FreeImageDevice& file = deviceOf(handle);
+    qint64 const wanted = qint64(size) * count;
+    qint64 const bytes = file.device().write(static_cast<char const*>(buffer), wanted);
+    if (bytes != wanted && file.writer() == FreeImageDevice::Writer::EndsByException)
+        throw FreeImageDevice::refusal();
     return size == 0 || bytes < 0 ? 0 : unsigned(bytes / size);
 }
 
@@ -53,11 +56,17 @@ long tell(fi_handle handle)
 
 } // namespace
 
-FreeImageDevice::FreeImageDevice(QIODevice& device)
-    : m_device(device), m_start(device.pos()), m_io(new FreeImageIO{readItems, writeItems, seekTo, tell})
+FreeImageDevice::FreeImageDevice(QIODevice& device, Writer writer)
+    : m_device(device), m_start(device.pos()), m_writer(writer),
+      m_io(new FreeImageIO{readItems, writeItems, seekTo, tell})
 {
 }
 
 FreeImageDevice::~FreeImageDevice() = default;
+
+char const* FreeImageDevice::refusal()
+{
+    return "the device takes no more bytes";
+}
 
 } // namespace Orn::Image::Codec

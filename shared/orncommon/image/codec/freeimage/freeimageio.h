@@ -10,21 +10,32 @@ namespace Orn::Image::Codec {
 
 /// Lets the library read and write a device. What it takes for the start of the file is the device's position
 /// at construction; `rewind` goes back there.
+///
+/// The plug-in for PNG does not look at whether its bytes were taken, but ends for an exception of the type
+/// that its own errors have: `writer` says so, and a refused write then throws refusal().
 class FreeImageDevice
 {
 public:
-    explicit FreeImageDevice(QIODevice& device);
+    enum class Writer
+    {
+        LooksAtCounts,
+        EndsByException
+    };
+    explicit FreeImageDevice(QIODevice& device, Writer writer = Writer::LooksAtCounts);
     ~FreeImageDevice();
 
     FreeImageIO* io() { return m_io.get(); }
     void* handle() { return this; }
     QIODevice& device() { return m_device; }
     qint64 start() const { return m_start; }
+    Writer writer() const { return m_writer; }
+    static char const* refusal();
     bool rewind() { return m_device.seek(m_start); }
 
 private:
     QIODevice& m_device;
     qint64 m_start;
+    Writer m_writer;
     std::unique_ptr<FreeImageIO> m_io;
 };
 

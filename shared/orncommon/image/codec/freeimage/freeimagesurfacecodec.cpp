@@ -14,6 +14,7 @@
 
 #include <QDebug>
 
+#include <cstring>
 #include <utility>
 
 namespace Orn::Image::Codec {
@@ -25,6 +26,8 @@ namespace {
 
 void reportMessage(FREE_IMAGE_FORMAT plugin, char const* message)
 {
+    if (std::strcmp(message, FreeImageDevice::refusal()) == 0)
+        return; // whoever owns the device knows
     char const* const name = plugin == FIF_UNKNOWN ? "" : FreeImage_GetFormatFromFIF(plugin);
     qWarning().noquote() << QStringLiteral("Freeimage Error>> %1. (format: %2)")
                                 .arg(QString::fromUtf8(message), QString::fromUtf8(name));
@@ -160,11 +163,16 @@ bool FreeimageSurfaceCodec::doWrite(QSharedPointer<Surface> const& surface,
     if (options != nullptr)
         writeMetadata(bitmap.get(), *options);
     int const flags = options != nullptr ? saveFlags(plugin, *options) : 0;
-    FreeImageDevice file(m_device);
+    using Writer = FreeImageDevice::Writer;
+    FreeImageDevice file(m_device, plugin == FIF_PNG ? Writer::EndsByException : Writer::LooksAtCounts);
     auto const locker = mgr->getLocker(plugin);
     if (target.custom)
         return target.custom->save(file.io(), bitmap.get(), file.handle(), 0, flags, nullptr);
-    return FreeImage_SaveToHandle(plugin, bitmap.get(), file.io(), file.handle(), flags) != FALSE;
+    try {
+        return FreeImage_SaveToHandle(plugin, bitmap.get(), file.io(), file.handle(), flags) != FALSE;
+    } catch (char const*) {
+        return false;
+    }
 }
 
 } // namespace Orn::Image::Codec
