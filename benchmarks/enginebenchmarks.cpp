@@ -24,7 +24,7 @@ namespace {
 using Zph::Applications::Player::InputValue;
 
 constexpr int kTurns = 9;
-constexpr int kWarmUps = 40;     // until the engine's cache is full
+constexpr int kWarmUps = 40; // until the engine's cache is full
 
 // Indexes of inputs: the order of the authoring file.
 constexpr int kOutputSize = 0;
@@ -176,7 +176,7 @@ BENCHMARK(allBricks)
     ->Name("engine, all bricks outputs")
     ->ArgNames({"", "threads"})
     ->ArgsProduct({{512, 1024, 2048}, {2}})
-    ->Iterations(kTurns)
+    ->Iterations(5)
     ->UseManualTime();
 BENCHMARK(material)
     ->Name("engine, material of 60 nodes")
@@ -194,7 +194,7 @@ BENCHMARK(lateChange)
     ->Name("engine, material, change of gloss or soil")
     ->ArgNames({"", "input"})
     ->ArgsProduct({{2048}, {kGloss, kSoil}})
-    ->Iterations(5)
+    ->Iterations(3)
     ->UseManualTime();
 BENCHMARK(pointChain)
     ->Name("engine, chain of 8 point nodes")

@@ -7,6 +7,7 @@ import json
 import os
 import pathlib
 import re
+import signal
 import statistics
 import subprocess
 import sys
@@ -132,8 +133,13 @@ def main():
     rows = []
     if re.search(options.filter, STARTUP):
         rows += startup_rows(options.build, options.runs)
-    for program in ("vellor_benchmarks", "vellor_operationbenchmarks"):
-        rows += benchmark_rows(f"{options.build}/benchmarks/{program}", options.filter)
+        print("{name}: {ms:.0f} ms, {note}".format(**rows[0]), file=sys.stderr, flush=True)
+    signal.signal(signal.SIGTERM, signal.default_int_handler)
+    try:
+        for program in ("vellor_benchmarks", "vellor_operationbenchmarks"):
+            rows += benchmark_rows(f"{options.build}/benchmarks/{program}", options.filter)
+    except KeyboardInterrupt:
+        print("Cut short: the table lacks the program that was running.", file=sys.stderr)
     print_table(rows, options.markdown)
     print(f"\n{os.cpu_count()} processors; load average before the run {load:.1f}, after it {os.getloadavg()[0]:.1f}.")
 

@@ -74,15 +74,16 @@ void cycles(benchmark::State& state, const NoiseFigure& figure)
     const int node = graph.addNode(figure.kind, 1, {}, figure.settings);
     graph.run(node);
     std::vector<double> clock, processor;
-    for (auto turn : state) {
-        const Span time = Comparison::time([&] {
-            for (int i = 0; i < kPasses; ++i)
-                graph.run(node);
+    for (auto whole : state)
+        takeTurns([&] {
+            const Span time = Comparison::time([&] {
+                for (int i = 0; i < kPasses; ++i)
+                    graph.run(node);
+            });
+            state.SetIterationTime(time.clock / 1000.0);
+            clock.push_back(time.clock / kPasses);
+            processor.push_back(time.processor / kPasses);
         });
-        state.SetIterationTime(time.clock / 1000.0);
-        clock.push_back(time.clock / kPasses);
-        processor.push_back(time.processor / kPasses);
-    }
     const auto median = [](std::vector<double>& times) {
         std::nth_element(times.begin(), times.begin() + std::ptrdiff_t(times.size() / 2), times.end());
         return times[times.size() / 2];
@@ -118,7 +119,7 @@ const bool registered = [] {
         auto* benchmark = benchmark::RegisterBenchmark(name.c_str(), measure)->ArgName("threads")->Arg(1);
         if (figure.aim > 0)
             benchmark->Arg(2);
-        benchmark->Iterations(9)->UseManualTime();
+        benchmark->Iterations(1)->UseManualTime();
     }
     return true;
 }();

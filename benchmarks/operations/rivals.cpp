@@ -2,8 +2,18 @@
 
 #include <opencv2/core/utility.hpp>
 
+#include <chrono>
 #include <cmath>
 #include <vector>
+
+void takeTurns(const std::function<void()>& turn)
+{
+    using Clock = std::chrono::steady_clock;
+    constexpr int kLeast = 5, kMost = 9;
+    const auto end = Clock::now() + std::chrono::seconds(1);
+    for (int i = 0; i < kMost && (i < kLeast || Clock::now() < end); ++i)
+        turn();
+}
 
 void compare(benchmark::State& state, const std::string& rival, Aim kind, double aim,
              const std::function<void()>& ours, const std::function<void()>& theirs)
@@ -12,10 +22,11 @@ void compare(benchmark::State& state, const std::string& rival, Aim kind, double
     theirs();
     ours();
     Comparison comparison(state, rival);
-    for (auto turn : state) {
-        const Span beside = Comparison::time(theirs);
-        comparison.add(Comparison::time(ours), beside);
-    }
+    for (auto whole : state)
+        takeTurns([&] {
+            const Span beside = Comparison::time(theirs);
+            comparison.add(Comparison::time(ours), beside);
+        });
     state.counters["aim"] = kind == Aim::AtMost ? -aim : aim;
 }
 
@@ -25,7 +36,7 @@ void registerOperation(const std::string& name, void (*measure)(benchmark::State
         ->ArgName("threads")
         ->Arg(1)
         ->Arg(2)
-        ->Iterations(9)
+        ->Iterations(1)
         ->UseManualTime();
 }
 

@@ -20,6 +20,10 @@ enum class Aim
     AtMost
 };
 
+/// Calls `turn` until a second has gone by, 5 times at the least and 9 at the most. For figures that are
+/// registered with one iteration.
+void takeTurns(const std::function<void()>& turn);
+
 /// Takes turns, ours and the rival's, after one of each that does not count. The counter "aim" holds the aim,
 /// negative for one that is an upper bound; the label names the rival.
 void compare(benchmark::State& state, const std::string& rival, Aim kind, double aim,
