@@ -222,7 +222,8 @@ Chain::Chain(const StageContext& context, const Stage& stage, const Pictures& re
 /// Where the planes' rows are for one tile.
 struct Chain::Pointers
 {
-    std::vector<const float*> operands, ahead; // as in operands_; as in ahead_, for the tile that comes next
+    std::vector<const float*> operands; // as in operands_
+    std::vector<const void*> ahead;     // as in ahead_, for the tile that comes next
 };
 
 void Chain::run(int y0, int y1, float* slots, std::uint64_t* ticks) const
@@ -276,10 +277,10 @@ void Chain::runTile(int x, int count, int y, float* slots, Pointers& pointers, s
 
 void Chain::streamResult(const Call& call, const nodes::RowJob& job, const Pointers& pointers) const
 {
+    const std::size_t bytes = sizeof(float) * static_cast<std::size_t>(job.count);
     for (int c = 0; c < call.channels; ++c)
-        streamBytes(call.whole[c].base + job.y * call.whole[c].stride + job.x, job.result[c],
-                    sizeof(float) * static_cast<std::size_t>(job.count),
-                    {pointers.ahead.data() + call.ahead[c], call.ahead[c + 1] - call.ahead[c]});
+        streamBytes(call.whole[c].base + job.y * call.whole[c].stride + job.x, job.result[c], bytes,
+                    {pointers.ahead.data() + call.ahead[c], call.ahead[c + 1] - call.ahead[c], bytes});
 }
 
 float* Chain::address(const Place& place, int x, int y, float* slots) const

@@ -1,6 +1,7 @@
 #include "platform/engines/cpu/hostimage.h"
 
 #include "platform/engines/cpu/blockdecoder.h"
+#include "platform/engines/cpu/image.h"
 #include "platform/engines/cpu/pixelkernels.h"
 
 #include <algorithm>
@@ -90,14 +91,36 @@ void HostImage::unpack(int y0, int y1, const nodes::MutableImage& into) const
         return;
     }
     const RawFormat raw = RawFormat::of(format_);
+    const auto planes = static_cast<std::size_t>(channels());
+    const bool streams = worthStreaming(Image::byteSize(width_, height_, channels()));
+    alignas(64) float blocks[nodes::kMaxChannels][kPixelBlock];
     for (int y = y0; y < y1; ++y) {
         for (int x = 0; x < width_; x += kPixelBlock) {
-            std::array<float*, nodes::kMaxChannels> to{};
-            for (int c = 0; c < channels(); ++c)
-                to[c] = into.planes[c] + y * into.stride + x;
-            unpackBlock(raw, x, y, std::min(kPixelBlock, width_ - x), to);
+            const int count = std::min(kPixelBlock, width_ - x);
+            std::array<float*, nodes::kMaxChannels> to{}, target{};
+            for (std::size_t c = 0; c < planes; ++c) {
+                target[c] = into.planes[c] + y * into.stride + x;
+                to[c] = streams ? blocks[c] : target[c];
+            }
+            unpackBlock(raw, x, y, count, to);
+            if (!streams)
+                continue;
+            // The pixels behind these come next, wherever the row ends.
+            const std::size_t size = raw.pixelBytes() * static_cast<std::size_t>(count), part = size / planes;
+            for (std::size_t c = 0; c < planes; ++c) {
+                const void* next = pixelsAt(x, y) + size + c * part;
+                streamBytes(target[c], blocks[c], sizeof(float) * static_cast<std::size_t>(count),
+                            {&next, 1, part});
+            }
         }
     }
+    endStreaming();
+}
+
+const std::uint8_t* HostImage::pixelsAt(int x, int y) const
+{
+    const std::size_t pixel = static_cast<std::size_t>(y) * static_cast<std::size_t>(width_) + x;
+    return data_.data() + pixel * RawFormat::of(format_).pixelBytes();
 }
 
 void HostImage::unpackBlock(const RawFormat& raw, int x, int y, int count,
@@ -109,8 +132,7 @@ void HostImage::unpackBlock(const RawFormat& raw, int x, int y, int count,
     for (int c = channels(); c-- > 0;)
         if (!missing(c))
             stored[source(c)] = to[c];
-    const std::size_t pixel = static_cast<std::size_t>(y) * static_cast<std::size_t>(width_) + x;
-    unpackPixels(raw, data_.data() + pixel * raw.pixelBytes(), count, stored.data());
+    unpackPixels(raw, pixelsAt(x, y), count, stored.data());
     for (int c = 0; c < channels(); ++c) {
         if (missing(c))
             std::fill_n(to[c], count, 1.0f);

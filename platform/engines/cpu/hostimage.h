@@ -34,6 +34,7 @@ public:
     void unpack(int y0, int y1, const nodes::MutableImage& into) const;
 
 private:
+    const std::uint8_t* pixelsAt(int x, int y) const; // of a raw format
     void unpackBlock(const RawFormat& raw, int x, int y, int count,
                      const std::array<float*, nodes::kMaxChannels>& to) const;
 

@@ -32,12 +32,14 @@ void luminance(const float* const* in, int count, float* out);
 /// count means of the 2 x 2 pixels from `above` and `below` on, which may be the same row.
 void halvePixels(const float* above, const float* below, int count, float* out);
 
-/// What is read next while something is written: rows that are fetched into the first cache, each of them
-/// `lines` lines of 64 bytes for every line written.
+/// What is read next while something is written: so many bytes of each of these rows are fetched into the
+/// first cache, an even part with every line written. Rows may end early: what lies behind is fetched, never
+/// looked at.
 struct Ahead
 {
-    const float* const* rows = nullptr;
-    int count = 0, lines = 1;
+    const void* const* rows = nullptr;
+    int count = 0;
+    std::size_t bytes = 0;
 };
 
 /// Copies past the caches, for results that are not read again soon. Whoever has written like this calls

@@ -276,6 +276,23 @@ TEST(Convert, ReadsPicturesOfTheHost)
     EXPECT_EQ(firstPixel(host), (std::vector<float>(4, -1.0f))) << "no picture";
 }
 
+TEST(Convert, LargePicturesGoPastTheCaches)
+{
+    constexpr int kWidth = 1051, kHeight = 1024;
+    Bytes bytes(std::size_t(4) * kWidth * kHeight), back(bytes.size());
+    for (std::size_t i = 0; i < bytes.size(); ++i)
+        bytes[i] = static_cast<std::uint8_t>(i * 2654435761u >> 13);
+    const VellorTexture texture{bytes.data(), kWidth, kHeight, VELLOR_FORMAT_RGBA, VELLOR_ORDER_RGBA, {}};
+    const Image planes(*BufferPool::make(), kWidth, kHeight, 4);
+    ASSERT_TRUE(worthStreaming(planes.byteSize()));
+    HostImage::copy(texture)->unpack(0, 7, planes.mutableView());
+    HostImage::copy(texture)->unpack(7, kHeight, planes.mutableView());
+    convertRows(planes.view(), VELLOR_FORMAT_RGBA, 0, kHeight, back.data());
+    EXPECT_TRUE(back == bytes);
+    const std::size_t last = 4 * (std::size_t(kWidth) * 6 + kWidth - 1) + 2;
+    EXPECT_EQ(planes.view().planes[2][6 * planes.view().stride + kWidth - 1], bytes[last] / 255.0f);
+}
+
 TEST(Convert, AsksTheHostForPictures)
 {
     TestHost host(photo().program);
