@@ -37,8 +37,9 @@ inline const ReducingTaps& reducingTaps(int factor)
 struct PairedRows
 {
     PairedRows(int count, const float* weights) : count(count), weights(weights) {}
-    int count;
+    int count, comingCount = 0;
     const float* weights;
+    const float* coming[4]; // rows that the next sum will be the first to read: fetched meanwhile
     const float* first[kMaxRadius + 1];
     const float* second[kMaxRadius + 1];
 };
@@ -50,6 +51,8 @@ struct PairedRows
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "platform/nodes/gaussian.cpp"
 #include <hwy/foreach_target.h>
+
+#include <hwy/cache_control.h>
 
 #include "platform/nodes/simd.h"
 
@@ -63,6 +66,9 @@ void sumPairs(const PairedRows& rows, int width, float* result)
     int x = 0;
     for (; x + kStep <= width; x += kStep) {
         F a(0.0f), b(0.0f), c(0.0f), d(0.0f);
+        for (int r = 0; r < rows.comingCount; ++r)
+            for (int line = 0; line < kStep; line += 16)
+                hwy::Prefetch(rows.coming[r] + x + line);
         for (int t = 0; t < rows.count; ++t) {
             const F weight(rows.weights[t]);
             const float *first = rows.first[t] + x, *second = rows.second[t] + x;
@@ -136,6 +142,9 @@ void reduceBand(int across, int down, const ImageView& source, int channel, cons
                 rows.first[t] = rowOf(source, channel, y * down - tapsDown.lead + t);
                 rows.second[t] = rowOf(source, channel, y * down + down + tapsDown.lead - 1 - t);
             }
+            rows.comingCount = down;
+            for (int r = 0; r < down; ++r)
+                rows.coming[r] = rowOf(source, channel, y * down + down + tapsDown.lead + r);
             float* to = across > 1 ? line.data() : rowOf(result, channel, y);
             sumPairs(rows, source.width, to);
             whole = to;
