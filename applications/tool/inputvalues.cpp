@@ -1,6 +1,5 @@
 #include "applications/tool/inputvalues.h"
 
-#include "applications/player/description/input.h"
 #include "applications/player/description/valuetype.h"
 #include "applications/tool/failure.h"
 #include "applications/tool/identifiers.h"
@@ -9,9 +8,23 @@
 
 #include <QFileInfo>
 
+#include <algorithm>
+
 namespace vellor::tool {
 
 using namespace Zph::Applications::Player;
+
+namespace {
+
+Input identityOf(const PackageInput& input)
+{
+    Input identity(input.type);
+    identity.bind({input.uid, input.type, nullptr});
+    identity.describe(input.index, input.element);
+    return identity;
+}
+
+} // namespace
 
 InputValues::InputValues(const PackageModel& package, const QStringList& graphs)
 {
@@ -20,7 +33,8 @@ InputValues::InputValues(const PackageModel& package, const QStringList& graphs)
             !graphs.contains(input.graphKey))
             continue;
         const InputDetails details = inputDetails(input);
-        m_entries.push_back({input, details, input.defaultValue, details.defaultText, {}, false});
+        m_entries.push_back(
+            {identityOf(input), input, details, input.defaultValue, details.defaultText, {}, false});
         if (input.type != ValueType::Image)
             continue;
         m_entries.back().image = std::make_shared<ImageInput>();
@@ -28,21 +42,60 @@ InputValues::InputValues(const PackageModel& package, const QStringList& graphs)
     }
 }
 
-void InputValues::apply(const PresetDescription& preset)
+void InputValues::apply(const PresetDescription& preset, const QString& graphKey)
 {
     for (Entry& entry : m_entries) {
-        if (entry.input.graphKey != preset.pkgurl)
+        if (entry.input.graphKey != graphKey)
             continue;
-        Input identity(entry.input.type);
-        identity.describe(entry.input.index, entry.input.element);
-        const PresetInput* found = preset.find(identity);
+        const PresetInput* found = preset.find(entry.identity);
         const bool isGiven = found && found->type == entry.input.type;
+        if (entry.input.type == ValueType::Image) {
+            if (isGiven)
+                readPicture(entry, found->text);
+            continue;
+        }
         entry.dirty = true;
-        if (entry.input.type == ValueType::Image && isGiven)
-            readPicture(entry, found->text);
         entry.text = isGiven ? found->text : entry.details.defaultText;
         entry.value = isGiven ? found->value : entry.input.defaultValue;
     }
+}
+
+bool InputValues::isDefault(const Entry& entry)
+{
+    if (entry.input.type == ValueType::Image)
+        return entry.text.isEmpty();
+    if (entry.input.type == ValueType::Text)
+        return entry.text == entry.details.defaultText;
+    return entry.value.equals(entry.input.defaultValue, componentCount(entry.input.type));
+}
+
+PresetDescription InputValues::collect(const QString& graphKey) const
+{
+    PresetDescription preset;
+    preset.pkgurl = graphKey;
+    for (const Entry& entry : m_entries) {
+        if (entry.input.graphKey != graphKey || isDefault(entry))
+            continue;
+        preset.inputs.append(
+            {entry.identity.identifier(), entry.input.uid, entry.input.type, entry.value, entry.text});
+    }
+    std::sort(preset.inputs.begin(), preset.inputs.end(),
+              [](const PresetInput& a, const PresetInput& b) { return a.uid < b.uid; });
+    return preset;
+}
+
+bool InputValues::isCompatible(const PresetDescription& preset, const QString& graphKey) const
+{
+    return std::any_of(m_entries.begin(), m_entries.end(), [&](const Entry& entry) {
+        return entry.input.graphKey == graphKey && preset.find(entry.identity);
+    });
+}
+
+const Input* InputValues::withUid(quint32 uid) const
+{
+    const auto found = std::find_if(m_entries.begin(), m_entries.end(),
+                                    [uid](const Entry& entry) { return entry.input.uid == uid; });
+    return found == m_entries.end() ? nullptr : &found->identity;
 }
 
 void InputValues::assign(const QString& assignment)
@@ -78,6 +131,8 @@ void InputValues::readPicture(Entry& entry, const QString& path)
     if (!picture)
         throw Failure(UnreadableFile, path + ": the file holds no picture that this program reads");
     entry.image->setSource(picture);
+    entry.text = QFileInfo(path).absoluteFilePath();
+    entry.dirty = true;
 }
 
 void InputValues::setSize(const QString& size)

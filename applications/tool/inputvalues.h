@@ -1,5 +1,6 @@
 #pragma once
 
+#include "applications/player/description/input.h"
 #include "applications/player/description/inputdetails.h"
 #include "applications/player/description/inputsink.h"
 #include "applications/player/images/imageinput.h"
@@ -24,8 +25,15 @@ public:
     /// All at their defaults: inputs of the graphs with these keys, and of no graph.
     InputValues(const PackageModel& package, const QStringList& graphs);
 
-    /// Every input that the preset doesn't name goes back to its default, save pictures, which stay.
-    void apply(const PresetDescription& preset);
+    /// Applies a preset to a graph, which need not be the one that it was made for: inputs that it doesn't
+    /// name, or under another type, go back to their defaults, save pictures, which stay.
+    void apply(const PresetDescription& preset, const QString& graphKey);
+    /// The values of a graph that aren't defaults, by uid.
+    PresetDescription collect(const QString& graphKey) const;
+    /// Whether a preset names an input of the graph.
+    bool isCompatible(const PresetDescription& preset, const QString& graphKey) const;
+    /// Null where there is none.
+    const Zph::Applications::Player::Input* withUid(quint32 uid) const;
 
     /// "ID=VALUE": numbers with "," between them, "#rrggbb" for a colour, a choice by its number or label, a
     /// text, the path of a picture. In each graph that has such an input.
@@ -44,14 +52,16 @@ public:
 private:
     struct Entry
     {
+        Zph::Applications::Player::Input identity;
         Zph::Applications::Player::PackageInput input;
         Zph::Applications::Player::InputDetails details;
         Zph::Applications::Player::InputValue value;
-        QString text;                                                 // of a text input
+        QString text; // of a text input, or the path of a picture
         std::shared_ptr<Zph::Applications::Player::ImageInput> image; // of an image input
         bool dirty = false;
     };
 
+    static bool isDefault(const Entry& entry);
     std::vector<std::size_t> find(const QString& identifier) const;
     /// Throws UsageError with the inputs that there are.
     std::vector<std::size_t> findOrThrow(const QString& identifier) const;

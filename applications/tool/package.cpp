@@ -2,6 +2,7 @@
 
 #include "applications/player/description/descriptionfile.h"
 #include "applications/player/session/enginerecords.h"
+#include "applications/player/session/packagearchive.h"
 #include "applications/player/session/packagecooker.h"
 #include "applications/player/session/packagelinker.h"
 #include "applications/tool/failure.h"
@@ -25,6 +26,7 @@ struct Binary
 {
     QByteArray bytes;
     QDomDocument description;
+    QByteArray archive, assembly, descriptionText; // what there was of them
 };
 
 [[noreturn]] void fail(const QString& file, const MessagePrinter& printer, const char* otherwise)
@@ -73,7 +75,10 @@ Binary cook(const QString& file, const QVector<CookingAlias>& aliases)
         fail(file, printer, "cooking failed");
     Binary binary;
     describe(file, cooker.description(), binary.description);
-    link(file, cooker.assembly(), binary);
+    const QByteArray assembly = cooker.assembly(), description = cooker.description();
+    binary.assembly = QByteArray(assembly.constData(), assembly.size()); // the cooker's go with it
+    binary.descriptionText = QByteArray(description.constData(), description.size());
+    link(file, binary.assembly, binary);
     return binary;
 }
 
@@ -82,12 +87,16 @@ Binary readBesideDescription(const QString& file, bool isAssembly)
     Binary binary;
     const QFileInfo info(file);
     const QString xml = info.dir().filePath(info.baseName() + ".xml");
-    if (QFileInfo::exists(xml))
-        describe(xml, readFile(xml), binary.description);
-    if (isAssembly)
-        link(file, readFile(file), binary);
-    else
+    if (QFileInfo::exists(xml)) {
+        binary.descriptionText = readFile(xml);
+        describe(xml, binary.descriptionText, binary.description);
+    }
+    if (!isAssembly) {
         binary.bytes = readFile(file);
+        return binary;
+    }
+    binary.assembly = readFile(file);
+    link(file, binary.assembly, binary);
     return binary;
 }
 
@@ -102,7 +111,8 @@ Binary open(const QString& file, const QVector<CookingAlias>& aliases)
         throw Failure(UnreadableFile,
                       file + ": unknown kind of file; expected .vlr, .vlrar, .vlrasm or .vlrbin");
     Binary binary;
-    link(file, readFile(file), binary);
+    binary.archive = readFile(file);
+    link(file, binary.archive, binary);
     return binary;
 }
 
@@ -111,6 +121,9 @@ Binary open(const QString& file, const QVector<CookingAlias>& aliases)
 Package::Package(const QString& file, const Options& options) : m_file(file)
 {
     Binary binary = open(file, options.aliases);
+    m_archive = binary.archive;
+    m_assembly = binary.assembly;
+    m_descriptionText = binary.descriptionText;
     QBuffer device(&binary.bytes);
     device.open(QIODevice::ReadOnly);
     m_engine = std::make_unique<Engine>(nullptr, device, options.engine);
@@ -119,6 +132,17 @@ Package::Package(const QString& file, const Options& options) : m_file(file)
     const EngineRecords records = readEngineRecords(m_engine->handleOrNull());
     m_model = PackageModel(records.inputs, records.outputs, binary.description);
     readPresets();
+}
+
+QByteArray Package::archive() const
+{
+    return m_archive.isEmpty() && !m_assembly.isEmpty() ? packArchive(m_assembly, m_descriptionText)
+                                                        : m_archive;
+}
+
+QString Package::archiveFileName() const
+{
+    return QFileInfo(m_file).completeBaseName() + ".vlrar";
 }
 
 void Package::readPresets()

@@ -31,11 +31,18 @@ public:
     const Zph::Applications::Player::PackageModel& model() const { return m_model; }
     /// Those of the package itself, of all graphs.
     const QVector<Zph::Applications::Player::PresetDescription>& presets() const { return m_presets; }
+    /// The package as an archive: its file's bytes, or what its assembly and description give. Empty for a
+    /// binary, which can't go back to one.
+    QByteArray archive() const;
+    /// The file name of archive(), beside the package's file.
+    QString archiveFileName() const;
 
 private:
     void readPresets();
 
     QString m_file;
+    QByteArray m_archive; // of a .vlrar
+    QByteArray m_assembly, m_descriptionText;
     std::unique_ptr<Zph::Applications::Player::Engine> m_engine;
     Zph::Applications::Player::PackageModel m_model;
     QVector<Zph::Applications::Player::PresetDescription> m_presets;

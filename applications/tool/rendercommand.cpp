@@ -1,6 +1,7 @@
 #include "applications/tool/engineloader.h"
 #include "applications/tool/failure.h"
 #include "applications/tool/package.h"
+#include "applications/tool/presetoption.h"
 #include "applications/tool/renderer.h"
 #include "applications/tool/sharedoptions.h"
 #include "orncommon/image/codec/defaultcodecs.h"
@@ -72,6 +73,12 @@ int runRender(const Arguments& arguments)
     if (settings.isAnimation && !selection.values.hasTime())
         throw UsageError("--frames: the package has no input $time, all frames would be the same");
 
+    if (settings.metadata.needsArchive() && package.archive().isEmpty())
+        throw UsageError(
+            "--metadata: a .vlrbin has no package that could be kept; take the .vlr or the .vlrar");
+    if (arguments.has("--save-preset"))
+        savePreset(QString::fromStdString(arguments.value("--save-preset")), selection);
+
     Report report(arguments);
     Renderer renderer(package, selection, settings);
     renderer.onRendered = [&](const RenderedOutput& rendered) { report.add(rendered); };
@@ -89,6 +96,7 @@ const Command renderCommand{"render", "FILE",
                             "a .vlr, .vlrar, .vlrasm or .vlrbin.",
                             joined({renderOptions(),
                                     selectionOptions(),
+                                    {kSavePreset},
                                     {{"--json", nullptr, nullptr, "a report on standard output"}},
                                     engineOptions()}),
                             runRender};

@@ -2,6 +2,7 @@
 
 #include "applications/player/description/outputlabel.h"
 #include "applications/player/description/valuetype.h"
+#include "applications/player/metadata/metadatatrailer.h"
 #include "applications/player/output/pixelhash.h"
 #include "applications/player/session/outputfetch.h"
 #include "applications/tool/failure.h"
@@ -74,10 +75,43 @@ void Renderer::renderFrame(int frame)
         }
     }
     m_doneOfFrame = 0;
+    if (!m_metadata && m_settings.metadata.isEnabled() && !m_settings.folder.isEmpty())
+        prepareMetadata();
     if (m_settings.isAnimation)
         m_selection.values.setTime(float(double(frame) / m_settings.framesPerSecond));
     showProgress(0);
     m_generator.run();
+}
+
+namespace {
+
+MetadataWriter::Bitmap bitmapOf(const RenderedOutput& rendered)
+{
+    const QString label = exportLabel(rendered.output);
+    return {label.section(" - ", 0, 0).remove(' '), label.section(" - ", 1), rendered.file};
+}
+
+} // namespace
+
+/// The outputs of the first frame say which of them holds what is kept only once.
+void Renderer::prepareMetadata()
+{
+    QVector<MetadataWriter::Bitmap> bitmaps;
+    for (const RenderedOutput& rendered : m_outputs) {
+        if (!rendered.file.isEmpty())
+            bitmaps.append(bitmapOf(rendered));
+    }
+    m_metadata = std::make_unique<MetadataWriter>(
+        m_settings.metadata,
+        MetadataWriter::Package{m_package.archiveFileName(),
+                                m_settings.metadata.needsArchive() ? m_package.archive() : QByteArray(),
+                                [this](const QString& url) { return m_selection.values.collect(url); }},
+        bitmaps);
+}
+
+BitmapMetadata Renderer::metadataOf(const RenderedOutput& rendered)
+{
+    return m_metadata && !rendered.file.isEmpty() ? m_metadata->of(bitmapOf(rendered)) : BitmapMetadata();
 }
 
 QString Renderer::pathOf(const PackageOutput& output, std::optional<int> frame)
@@ -93,7 +127,9 @@ QString Renderer::pathOf(const PackageOutput& output, std::optional<int> frame)
 void Renderer::take(RenderedOutput& rendered, const Generator::Result& result)
 {
     if (result.isSurface()) {
-        m_queue.post([this, &rendered, result] { encode(rendered, result); });
+        m_queue.post([this, &rendered, result, metadata = metadataOf(rendered)] {
+            encode(rendered, result, metadata);
+        });
         return;
     }
     const std::lock_guard lock(m_mutex);
@@ -103,16 +139,22 @@ void Renderer::take(RenderedOutput& rendered, const Generator::Result& result)
     rendered.isDone = true;
 }
 
-void Renderer::encode(RenderedOutput& rendered, const Generator::Result& result)
+void Renderer::encode(RenderedOutput& rendered, const Generator::Result& result,
+                      const BitmapMetadata& metadata)
 {
     const auto surface = result.surface();
     const QByteArray hash = pixelHash(*surface);
     QElapsedTimer clock;
     clock.start();
     QString error;
-    if (!rendered.file.isEmpty())
-        error = writePictureFile(surface, rendered.file,
-                                 {m_settings.format, m_settings.depth, &m_interrupter.flag()});
+    if (!rendered.file.isEmpty()) {
+        PictureFileOptions options{m_settings.format, m_settings.depth, &m_interrupter.flag()};
+        if (!metadata.embedded.isEmpty())
+            options.trailer = [&](qint64 size) { return metadataTrailer(metadata.embedded, size); };
+        error = writePictureFile(surface, rendered.file, options);
+        if (error.isEmpty())
+            error = metadata.writeBeside();
+    }
     const std::lock_guard lock(m_mutex);
     if (!error.isEmpty() && !m_interrupter.isRequested()) {
         m_failure = rendered.file + ": " + error;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "applications/player/metadata/metadatawriter.h"
 #include "applications/player/output/basename.h"
 #include "applications/tool/generator.h"
 #include "applications/tool/interrupter.h"
@@ -9,6 +10,7 @@
 #include "applications/tool/taskqueue.h"
 
 #include <deque>
+#include <memory>
 
 namespace vellor::tool {
 
@@ -29,15 +31,19 @@ public:
 private:
     void renderFrame(int frame);
     void take(RenderedOutput& rendered, const Generator::Result& result);
-    void encode(RenderedOutput& rendered, const Generator::Result& result);
+    void encode(RenderedOutput& rendered, const Generator::Result& result,
+                const Zph::Applications::Player::BitmapMetadata& metadata);
     void tellFinished(bool all);
     void showProgress(int percent);
+    void prepareMetadata();
+    Zph::Applications::Player::BitmapMetadata metadataOf(const RenderedOutput& rendered);
     QString pathOf(const Zph::Applications::Player::PackageOutput& output, std::optional<int> frame);
 
     const Package& m_package;
     Selection& m_selection;
     const RenderSettings& m_settings;
     Zph::Applications::Player::BaseNames m_names;
+    std::unique_ptr<Zph::Applications::Player::MetadataWriter> m_metadata; // null: none is written
     Interrupter m_interrupter;
     Generator m_generator;
     ProgressBar m_progress;

@@ -81,6 +81,19 @@ double readRate(const Arguments& arguments)
     return rate;
 }
 
+MetadataChoices readMetadata(const Arguments& arguments)
+{
+    using Metadata = MetadataChoices::Metadata;
+    const QString text = textOf(arguments, "--metadata", "none");
+    if (text == "none")
+        return {Metadata::Disabled};
+    if (text == "embedded")
+        return {Metadata::Embedded};
+    if (text == "file")
+        return {Metadata::File};
+    wrong("--metadata", "embedded, file or none", text);
+}
+
 } // namespace
 
 const std::vector<Option>& renderOptions()
@@ -95,6 +108,10 @@ const std::vector<Option>& renderOptions()
          "frame"},
         {"--frames", nullptr, "A-B", "renders the frames from A to B, for packages with an input $time"},
         {"--fps", nullptr, "N", "frames in a second; 30 by default"},
+        {"--metadata", nullptr, "embedded|file|none",
+         "keeps the package and the values at the end of each picture's file, or in a .vlrmeta file beside "
+         "it, "
+         "for the window to open; none by default"},
         {"--hash", nullptr, nullptr,
          "prints the MD5 digest of each output's raw pixels; writes files only with -o"},
     };
@@ -110,6 +127,7 @@ RenderSettings readRenderSettings(const Arguments& arguments)
     settings.format = readFormat(arguments);
     settings.depth = readDepth(arguments, settings.format);
     readFrames(arguments, settings);
+    settings.metadata = readMetadata(arguments);
     settings.framesPerSecond = readRate(arguments);
     return settings;
 }

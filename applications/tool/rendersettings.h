@@ -1,5 +1,6 @@
 #pragma once
 
+#include "applications/player/metadata/metadatachoices.h"
 #include "applications/player/output/picturefile.h"
 #include "applications/tool/options.h"
 
@@ -16,6 +17,7 @@ struct RenderSettings
     int firstFrame = 0;
     int lastFrame = 0;
     double framesPerSecond = 30.0;
+    Zph::Applications::Player::MetadataChoices metadata;
     bool encodeBeside = true; // files are encoded while the next output is generated
 };
 

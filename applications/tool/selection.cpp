@@ -2,6 +2,7 @@
 
 #include "applications/tool/identifiers.h"
 #include "applications/tool/package.h"
+#include "applications/tool/presetoption.h"
 #include "applications/tool/sharedoptions.h"
 
 #include <algorithm>
@@ -50,24 +51,6 @@ QVector<PackageOutput> chosenOutputs(const PackageModel& model, const QStringLis
     return chosen;
 }
 
-void applyPreset(const Package& package, const QStringList& graphs, const QString& label, InputValues& values)
-{
-    QStringList labels;
-    bool isFound = false;
-    for (const PresetDescription& preset : package.presets()) {
-        if (!graphs.contains(preset.pkgurl))
-            continue;
-        labels.append('\'' + preset.label + '\'');
-        if (preset.label != label)
-            continue;
-        values.apply(preset);
-        isFound = true;
-    }
-    if (!isFound)
-        throw UsageError("there is no preset '" + label.toStdString() + "'; there are " +
-                         (labels.isEmpty() ? "none" : labels.join(", ").toStdString()));
-}
-
 } // namespace
 
 const std::vector<Option>& selectionOptions()
@@ -79,7 +62,8 @@ const std::vector<Option>& selectionOptions()
          "the value of an input: numbers with ',' between them, #rrggbb, a choice by number or label, a "
          "text, the "
          "path of a picture; may be repeated"},
-        {"--preset", nullptr, "LABEL", "a preset of the package, under the values of --set"},
+        {"--preset", nullptr, "LABEL|FILE.vlrprs[:LABEL]",
+         "a preset of the package or of a file, under the values of --set"},
         {"--size", nullptr, "WxH", "the size of pictures in pixels, powers of two: 1024 or 1024x512"},
         {"--seed", nullptr, "N", "the random seed"},
     };
@@ -90,11 +74,9 @@ Selection readSelection(const Package& package, const Arguments& arguments)
 {
     const PackageModel& model = package.model();
     const QStringList graphs = chosenGraphs(model, arguments);
-    Selection selection{chosenOutputs(model, graphs, arguments), InputValues(model, graphs), {}};
-    if (arguments.has("--preset")) {
-        selection.preset = QString::fromStdString(arguments.value("--preset"));
-        applyPreset(package, graphs, selection.preset, selection.values);
-    }
+    Selection selection{chosenOutputs(model, graphs, arguments), InputValues(model, graphs), graphs, {}};
+    if (arguments.has("--preset"))
+        applyPreset(QString::fromStdString(arguments.value("--preset")), package, selection);
     if (arguments.has("--size"))
         selection.values.setSize(QString::fromStdString(arguments.value("--size")));
     if (arguments.has("--seed"))

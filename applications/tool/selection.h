@@ -12,7 +12,8 @@ struct Selection
 {
     QVector<Zph::Applications::Player::PackageOutput> outputs; // in the package's order; never empty
     InputValues values;
-    QString preset; // the label of the one applied; or empty
+    QStringList graphs; // their keys
+    QString preset;     // the label of the one applied; or empty
 };
 
 /// The options that readSelection() reads.

@@ -2,6 +2,7 @@
 
 Usage: check_render.py VELLOR
 """
+import base64
 import hashlib
 import json
 import os
@@ -141,6 +142,58 @@ def check_values(place):
     check("hash lines", lines[0] == plain[2] + "  wall/base" and len(lines) == 5, lines)
 
 
+def check_presets(place):
+    def hashes(*words):
+        return {name: entry["hash"] for name, entry in place.report("--hash", *words).items()}
+
+    changed = ("--set", "grey=0.7", "--set", "rows=-4,9", "--set", "title=A & B", "--set", "tint=#336699", "--seed", "5")
+    wanted = hashes(*changed, "--save-preset", "mine.vlrprs:Blue one")
+    text = (place.folder / "mine.vlrprs").read_text()
+    check("preset file", text.startswith('<?xml version="1.0" encoding="utf-8"?>\n<vlrpresets formatversion="1.1" count="1">\n'
+          ' <vlrpreset pkgurl="pkg://wall" label="Blue one">\n  <presetinput uid="') and 'value="-4,9"' in text and
+          'value="A &amp; B"' in text and text.count("<presetinput") == 5, text)
+    check("a preset of a file", hashes("--preset", "mine.vlrprs:Blue one") == wanted == hashes("--preset", "mine.vlrprs"))
+    check("values over it", hashes("--preset", "mine.vlrprs", "--set", "grey=0.2")["height"] == hashes()["height"])
+    place.report("--hash", "--set", "wet=on", "--save-preset", "mine.vlrprs")
+    place.report("--hash", "--set", "grey=0.1", "--save-preset", "mine.vlrprs:Blue one")
+    text = (place.folder / "mine.vlrprs").read_text()
+    check("beside and in place of others", 'count="2"' in text and text.index("Blue one") < text.index('label="mine"') and
+          'value="0.1"' in text and "-4,9" not in text, text)
+    (place.folder / "other.vlrprs").write_text(text.replace("pkg://wall", "pkg://other"))
+    check("a preset of another graph", hashes("--preset", "other.vlrprs:Blue one") == hashes("--set", "grey=0.1"))
+    (place.folder / "bad.vlrprs").write_text("<vlrpresets><")
+    for words, code, line in [(["--preset", "mine.vlrprs:None"], 1, "there is no preset 'None' in mine.vlrprs; there are 'Blue one', 'mine'"),
+                              (["--preset", "bad.vlrprs"], 2, "bad.vlrprs: line 1"), (["--preset", "none.vlrprs"], 2, "none.vlrprs: "),
+                              (["--save-preset", "mine.vlrprs"], 1, "all values are defaults"),
+                              (["--save-preset", "bad.vlrprs", "--set", "grey=1"], 2, "bad.vlrprs: line 1"),
+                              (["--save-preset", "none/x.vlrprs", "--set", "grey=1"], 4, "none/x.vlrprs: ")]:
+        told = place.run("wall.vlr", "--hash", *words)
+        check(str(words), told.returncode == code and line in told.stderr and told.stderr.count("\n") == 1, told)
+    check("an unreadable file stays", (place.folder / "bad.vlrprs").read_text() == "<vlrpresets><")
+
+
+def check_metadata(place):
+    def record(data):
+        length = struct.unpack("<I", data[-8:-4])[0]
+        check("trailer", len(data) % 4 == 0 and data[-4:] == b"TMLV" and length < len(data), data[-16:])
+        return data[-8 - length:-8].decode()
+
+    place.report("-o", "meta", "--set", "grey=0.7", "--metadata", "embedded")
+    place.report("-o", "bare", "--set", "grey=0.7")
+    for name in place.files("bare"):
+        bare, told = (place.folder / "bare" / name).read_bytes(), (place.folder / "meta" / name).read_bytes()
+        text = record(told)
+        check("the picture comes first", told.startswith(bare), name)
+        check("record", text.startswith('<vlrmeta formatversion="1.0" pkgurl="pkg://wall" outputidentifier="') and 'vlrarfilename="wall.vlrar"' in text and
+              ' <vlrpreset>\n  <presetinput uid="' in text and 'value="0.7"' in text, text[-400:])
+        archive = base64.b64decode(text.split('vlrarcontent="')[1].split('"')[0])
+        (place.folder / "back.vlrar").write_bytes(archive)
+        check("the archive within", place.run("back.vlrar", "--hash").stdout.replace("back", "wall") == place.run("wall.vlr", "--hash").stdout)
+    place.report("-o", "beside", "--metadata", "file", "--output", "height")
+    check("a record beside", place.files("beside") == ["wall_height.png", "wall_height.vlrmeta"], place.files("beside"))
+    check("its picture's name", 'imgfilename="wall_height.png"' in (place.folder / "beside/wall_height.vlrmeta").read_text())
+
+
 def check_frames(place):
     told = place.run("wall.vlr", "-o", "frames", "--frames", "9-11", "--fps", "20", "--output", "height", "--json")
     entries = json.loads(told.stdout)["outputs"]
@@ -233,7 +286,7 @@ def check_interruption(place):
 def main():
     with tempfile.TemporaryDirectory() as name:
         place = Place(os.path.abspath(sys.argv[1]), name)
-        for part in (check_pictures, check_values, check_frames, check_profile, check_errors, check_no_room, check_interruption):
+        for part in (check_pictures, check_values, check_presets, check_metadata, check_frames, check_profile, check_errors, check_no_room, check_interruption):
             part(place)
     return 1 if failures else 0
 

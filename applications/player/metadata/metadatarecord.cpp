@@ -1,5 +1,6 @@
 #include "applications/player/metadata/metadatarecord.h"
 
+#include "applications/player/description/descriptionfile.h"
 #include "applications/player/presets/presetfile.h"
 
 #include <QHash>
@@ -78,7 +79,7 @@ QByteArray metadataDocument(const MetadataRecord& record, const QDir& directory)
 std::optional<MetadataRecord> parseMetadata(const QByteArray& document, const QDir& directory)
 {
     QDomDocument dom;
-    if (!dom.setContent(document))
+    if (!parseDescription(document, dom))
         return {};
     const QDomElement root = dom.documentElement();
     if (!root.hasAttribute(QStringLiteral("pkgurl")))

@@ -35,35 +35,39 @@ MetadataWriter::MetadataWriter(const MetadataChoices& choices, Package package,
     }
 }
 
-QByteArray MetadataWriter::embedded(const Bitmap& bitmap)
+QString BitmapMetadata::writeBeside() const
 {
-    if (m_choices.metadata != MetadataChoices::Metadata::Embedded)
-        return {};
-    return metadataDocument(recordOf(bitmap), QFileInfo(bitmap.path).absoluteDir());
+    for (const File& entry : beside) {
+        QSaveFile file(entry.path);
+        if (!file.open(QIODevice::WriteOnly))
+            return file.errorString();
+        file.write(entry.bytes);
+        if (!file.commit())
+            return file.errorString();
+    }
+    return {};
 }
 
-QString MetadataWriter::writeBeside(const Bitmap& bitmap)
+BitmapMetadata MetadataWriter::of(const Bitmap& bitmap)
 {
+    BitmapMetadata metadata;
     if (!m_choices.isEnabled())
-        return {};
+        return metadata;
     const QDir directory = QFileInfo(bitmap.path).absoluteDir();
     if (m_choices.values == MetadataChoices::Values::File) {
         PresetDescription preset = presetOf(bitmap.packageUrl);
         preset.pkgurl = bitmap.packageUrl;
         preset.label = QFileInfo(bitmap.path).completeBaseName();
-        const QString error = writePresetFile(beside(bitmap.path, "vlrprs"), {preset}, QStringLiteral("1.0"));
-        if (!error.isEmpty())
-            return error;
+        metadata.beside.append({beside(bitmap.path, "vlrprs"), presetDocument({preset}, directory, "1.0")});
     }
-    if (m_choices.metadata != MetadataChoices::Metadata::File)
-        return {};
     MetadataRecord record = recordOf(bitmap);
+    if (m_choices.metadata == MetadataChoices::Metadata::Embedded) {
+        metadata.embedded = metadataDocument(record, directory);
+        return metadata;
+    }
     record.imageFileName = QFileInfo(bitmap.path).fileName();
-    QSaveFile file(beside(bitmap.path, "vlrmeta"));
-    if (!file.open(QIODevice::WriteOnly))
-        return file.errorString();
-    file.write(metadataDocument(record, directory));
-    return file.commit() ? QString() : file.errorString();
+    metadata.beside.append({beside(bitmap.path, "vlrmeta"), metadataDocument(record, directory)});
+    return metadata;
 }
 
 // The name of the file that has the record of a bitmap.

@@ -9,6 +9,22 @@
 
 namespace Zph::Applications::Player {
 
+// What goes into a bitmap's file and beside it.
+struct BitmapMetadata
+{
+    struct File
+    {
+        QString path;
+        QByteArray bytes;
+    };
+
+    QByteArray embedded; // to be appended by metadataTrailer(); may be empty
+    QVector<File> beside;
+
+    // To be called once the bitmap is there. Returns the first error, or an empty text. Any thread.
+    QString writeBeside() const;
+};
+
 // Gives the bitmaps of one export their records. What is embedded only once stands in the holder of its
 // package URL, and the others refer to it. Main thread.
 class MetadataWriter
@@ -33,12 +49,7 @@ public:
     // called diffuse or base colour.
     MetadataWriter(const MetadataChoices& choices, Package package, const QVector<Bitmap>& firstBitmaps);
 
-    // The text to embed in a bitmap, by metadataTrailer(); empty unless records are embedded.
-    QByteArray embedded(const Bitmap& bitmap);
-
-    // Writes the files that go beside a bitmap: its record, where it stands alone, and its preset. Returns
-    // the first error, or an empty text.
-    QString writeBeside(const Bitmap& bitmap);
+    BitmapMetadata of(const Bitmap& bitmap);
 
 private:
     MetadataRecord recordOf(const Bitmap& bitmap);

@@ -215,6 +215,8 @@ QString writePictureFile(const SurfacePtr& picture, const QString& path, const P
     const bool isEncoded = writer->write(source, &codec);
     if (!isEncoded && !file.hasFailed())
         return translated("the picture can't be written in the format '%1'").arg(options.format);
+    if (isEncoded && options.trailer && file.device().seek(file.device().size()))
+        file.device().write(options.trailer(file.device().size()));
     return file.finish();
 }
 

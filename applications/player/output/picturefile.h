@@ -8,6 +8,7 @@
 #include <QVector>
 
 #include <atomic>
+#include <functional>
 
 namespace Zph::Applications::Player {
 
@@ -33,6 +34,8 @@ struct PictureFileOptions
     QString format; // an extension of pictureFormats()
     PictureDepth depth = PictureDepth::OfPicture;
     const std::atomic<bool>* cancelled = nullptr; // once it is true, writing fails soon
+    // What to append to the encoded picture, by its size in bytes; none for nothing.
+    std::function<QByteArray(qint64 size)> trailer = {};
 };
 
 // Writes a picture through a temporary file in the folder of `path`, which takes the place of `path` only

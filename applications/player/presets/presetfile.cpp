@@ -1,5 +1,6 @@
 #include "applications/player/presets/presetfile.h"
 
+#include "applications/player/description/descriptionfile.h"
 #include "applications/player/description/valuetype.h"
 
 #include <QCoreApplication>
@@ -93,11 +94,8 @@ std::optional<QVector<PresetDescription>> readPresetFile(const QString& path, co
         return {};
     }
     QDomDocument document;
-    int line = 0, column = 0;
-    if (!document.setContent(&file, &reason, &line, &column)) {
-        reason = translated("line %1, column %2: %3").arg(line).arg(column).arg(reason);
+    if (!parseDescription(file.readAll(), document, &reason))
         return {};
-    }
     if (document.documentElement().tagName() != QLatin1String("vlrpresets")) {
         reason = translated("it holds no presets");
         return {};
@@ -109,13 +107,12 @@ std::optional<QVector<PresetDescription>> readPresetFile(const QString& path, co
     return presets;
 }
 
-QString writePresetFile(const QString& path, const QVector<PresetDescription>& presets,
-                        const QString& formatVersion)
+QString writePresetFile(const QString& path, const QVector<PresetDescription>& presets)
 {
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly))
         return file.errorString();
-    file.write(presetDocument(presets, QFileInfo(path).absoluteDir(), formatVersion));
+    file.write(presetDocument(presets, QFileInfo(path).absoluteDir()));
     return file.commit() ? QString() : file.errorString();
 }
 

@@ -30,7 +30,6 @@ std::optional<QVector<PresetDescription>> readPresetFile(const QString& path, co
 
 // Writes a preset file, which takes the place of one there only when all of it is written. Returns an empty
 // text, or what went wrong.
-QString writePresetFile(const QString& path, const QVector<PresetDescription>& presets,
-                        const QString& formatVersion = QStringLiteral("1.1"));
+QString writePresetFile(const QString& path, const QVector<PresetDescription>& presets);
 
 } // namespace Zph::Applications::Player

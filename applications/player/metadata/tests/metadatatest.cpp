@@ -135,9 +135,10 @@ struct Export
                                }},
                               bitmaps);
         for (const auto& bitmap : bitmaps) {
-            const QByteArray document = writer.embedded(bitmap);
+            const BitmapMetadata metadata = writer.of(bitmap);
+            const QByteArray document = metadata.embedded;
             write(bitmap.path, document.isEmpty() ? "pixels" : "pixels" + metadataTrailer(document, 6));
-            EXPECT_EQ(writer.writeBeside(bitmap), "");
+            EXPECT_EQ(metadata.writeBeside(), "");
         }
     }
 };
