@@ -1,5 +1,6 @@
 #include "platform/nodes/gaussian.h"
 #include "platform/nodes/kinds.h"
+#include "platform/nodes/neighbourhood/directedgaussian.h"
 #include "platform/nodes/parameters.h"
 #include "platform/nodes/rowbuffer.h"
 #include "platform/nodes/rows.h"
@@ -12,6 +13,8 @@
 // itself and Gaussians whose widths grow by a factor of 1.6. The shares are such that the variance is the
 // wanted one. All blurs are kept reduced as far as they allow, and are brought back to full size a few rows
 // at a time, so that memory stays far below eight pictures.
+//
+// An oval blur is the round one of its lesser width, then a Gaussian along its longer axis.
 
 namespace vellor::nodes {
 namespace {
@@ -26,17 +29,25 @@ struct NonUniformState : State
     std::array<float, kLevels + 1> variances{}; // relative to the greatest; 0 for the picture
     std::array<int, kLevels> firstPass{};       // of each level; its last pass runs with the blend
     int blendPass = 0;
+    bool oval = false;
+    DirectedGaussian longer; // of oval blurs
 };
 
 std::unique_ptr<State> prepareNonUniform(const Setup& setup)
 {
     auto state = std::make_unique<NonUniformState>();
-    const float greatest =
+    const float sigma =
         held(setup.parameters[0].f[0], 0.0f, 500.0f) * 0.001f * static_cast<float>(setup.width);
+    const float ratio = held(setup.parameters[1].f[0], 1.0f, 16.0f);
+    const float greatest = sigma / ratio; // across
+    state->oval = ratio > 1.0f;
+    if (state->oval)
+        state->longer = planDirectedGaussian(scalar::sqrtOf((sigma - greatest) * (sigma + greatest)),
+                                             greatest, held(setup.parameters[2].f[0], -1e4f, 1e4f));
     float share = 1.0f;
     for (int level = kLevels; level > 0; --level, share /= kGrowth) {
-        const float sigma = greatest * share;
-        state->plans[level - 1] = planGaussian(sigma, sigma, setup.width, setup.height);
+        const float width = greatest * share;
+        state->plans[level - 1] = planGaussian(width, width, setup.width, setup.height);
         state->variances[level] = share * share;
     }
     for (int level = 0; level < kLevels; ++level) {
@@ -48,10 +59,13 @@ std::unique_ptr<State> prepareNonUniform(const Setup& setup)
 
 std::vector<ScratchShape> nonUniformScratch(const State* state, const Setup& setup)
 {
+    const auto& blur = *static_cast<const NonUniformState*>(state);
     std::vector<ScratchShape> shapes;
-    for (const GaussianPlan& plan : static_cast<const NonUniformState*>(state)->plans)
+    for (const GaussianPlan& plan : blur.plans)
         for (const ScratchShape& shape : gaussianScratch(plan, setup.width, setup.height, setup.channels))
             shapes.push_back(shape);
+    if (blur.oval)
+        shapes.push_back({setup.width, setup.height, setup.channels});
     return shapes;
 }
 
@@ -96,6 +110,9 @@ void blendBand(const NonUniformState& state, const AreaJob& job, int y0, int y1)
 void nonUniformArea(const AreaJob& job)
 {
     const auto& state = static_cast<const NonUniformState&>(*job.state);
+    if (job.pass > state.blendPass)
+        return runDirectedGaussian(state.longer, job.scratch[state.blendPass], job.operands[1],
+                                   job.operands[2], job);
     if (job.pass == state.blendPass) {
         for (int y = job.y0; y < job.y1 && !job.stopped(); y += kRowsAtOnce)
             blendBand(state, job, y, std::min(y + kRowsAtOnce, job.y1));
@@ -120,13 +137,26 @@ const NodeDeclaration nonuniformblurNode{
     ResultChannels::FromOperands,
     Chance::None,
     {{"input", OperandChannels::Result, true, "The picture to blur."},
-     {"map", OperandChannels::Grey, true, "The width of the blur: none at 0, all of sigma at 1."}},
+     {"map", OperandChannels::Grey, true, "The width of the blur: none at 0, all of sigma at 1."},
+     {"direction", OperandChannels::Grey, false, "Added to the angle: white is one turn."}},
     {{"sigma",
       ParameterType::Float,
       {20.0},
       0,
       250,
-      "Standard deviation of the Gaussian where the map is white, in thousandths of the picture's width."}},
+      "Standard deviation of the Gaussian where the map is white, in thousandths of the picture's width."},
+     {"ratio",
+      ParameterType::Float,
+      {1.0},
+      1,
+      16,
+      "How many times narrower the blur is across its direction."},
+     {"angle",
+      ParameterType::Float,
+      {0.0},
+      0,
+      1,
+      "The direction along which the blur has all its width, clockwise from the right in turns."}},
     prepareNonUniform,
     nullptr,
     nonUniformArea,

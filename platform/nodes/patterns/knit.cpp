@@ -25,7 +25,9 @@ enum class KnitOutput
     Value,
     U,
     V,
-    Direction
+    Direction,
+    Column,
+    Row
 };
 
 struct KnitState : State
@@ -72,8 +74,8 @@ namespace {
 struct Leg
 {
     F straight, aside; // from its middle along its axis, upwards, and across, without the bend
-    F random, value;
-    F side; // 1 for legs that lean to the right, -1 to the left
+    F random, value;   // what is shown for value, column and row
+    F side;            // 1 for legs that lean to the right, -1 to the left
     M near;
 };
 
@@ -129,6 +131,8 @@ HWY_INLINE void addLeg(const KnitState& state, const Leg& leg, F straight, F acr
     top.cover = maxOf(top.cover, cover);
     switch (state.output) {
     case KnitOutput::Value:
+    case KnitOutput::Column:
+    case KnitOutput::Row:
         top.shown = choose(higher, leg.value, top.shown);
         break;
     case KnitOutput::U:
@@ -179,7 +183,7 @@ public:
                 const U hash = mixBits(stitch + choose(onRight, U(1u), U(2u))), second = nextHash(hash);
                 store(unitOf(hash) - F(0.5f), line.random + i);
                 store((unitOf(second) - F(0.5f)) * F(0.1f * state.variation), line.down + i);
-                store(unitOf(nextHash(second)), line.value + i);
+                store(shownOf(state, column, row, second), line.value + i);
             }
         }
     }
@@ -189,6 +193,16 @@ public:
     const LegLine& line(int step) const { return m_lines[step + 1]; }
 
 private:
+    /// A number for each leg: by chance, or the place of its stitch.
+    static HWY_INLINE F shownOf(const KnitState& state, F column, U row, U hash)
+    {
+        if (state.output == KnitOutput::Column)
+            return (column + F(0.5f)) * F(1.0f / state.columns);
+        if (state.output == KnitOutput::Row)
+            return (toFloat(row) + F(0.5f)) * F(1.0f / state.rows);
+        return unitOf(nextHash(hash));
+    }
+
     static HWY_INLINE F wrappedCellOf(F cell, float count) { return toFloat(wrappedCell(cell, count)); }
 
     float m_row;
@@ -242,6 +256,15 @@ HWY_INLINE F knitAt(const KnitState& state, const LegRows& rows, F u, float y, c
         look(0, ownX, right);
         look(-1, choose(onRight, -ownX, otherX), -right);
         look(1, choose(onRight, otherX, -ownX), -right);
+    }
+    if (state.output == KnitOutput::Column || state.output == KnitOutput::Row) {
+        // Places do not mix: the sample that lies highest shows.
+        Yarn highest = tops[0];
+        for (const Yarn& top : tops) {
+            highest.shown = choose(top.height > highest.height, top.shown, highest.shown);
+            highest.height = maxOf(top.height, highest.height);
+        }
+        return highest.shown;
     }
     F sum(0.0f);
     for (const Yarn& top : tops) {
@@ -318,7 +341,7 @@ static std::unique_ptr<State> prepareKnit(const Setup& setup)
     state->plies = static_cast<float>(held(p[4].i[0], 1, 16));
     state->twist = held(p[5].f[0], 0.0f, 1.0f);
     state->variation = held(p[6].f[0], 0.0f, 1.0f);
-    state->output = static_cast<KnitOutput>(held(p[7].i[0], 0, 5));
+    state->output = static_cast<KnitOutput>(held(p[7].i[0], 0, 7));
     // A pixel sees no more than one stitch: what is finer would only be noise.
     state->columns = std::min(state->columns, static_cast<float>(setup.width));
     state->seed = scalar::mixBits(static_cast<std::uint32_t>(setup.seed) + 0x6b17a3c5u);
@@ -361,13 +384,14 @@ const NodeDeclaration knitNode{
       ParameterType::Choice,
       {0},
       0,
-      5,
+      7,
       "What to draw: height is the relief; mask is white on yarn; value is a random grey for each leg of a "
       "stitch; "
       "u runs along the yarn and v across it; direction is the yarn's angle, a half for upright and a whole "
       "range "
-      "for half a turn.",
-      {"height", "mask", "value", "u", "v", "direction"}}},
+      "for half a turn; column and row are the place of the stitch that shows, 0 to 1 from the left and from "
+      "the top, unmixed at borders: read a chart of colours or stitches there.",
+      {"height", "mask", "value", "u", "v", "direction", "column", "row"}}},
     prepareKnit,
     runknitRow};
 

@@ -3,6 +3,7 @@
 #include "platform/nodes/rows.h"
 
 #include <cmath>
+#include <numeric>
 
 #ifndef VELLOR_DISTANCETRANSFORM_SHARED
 #define VELLOR_DISTANCETRANSFORM_SHARED
@@ -17,6 +18,7 @@ struct DistanceBuffers
 {
     float *own, *turned, *squares;
     std::int32_t *places, *rises; // the stack: where parabolas lie, and place^2 + column^2
+    std::int32_t* nearest;        // whose parabola is the lowest, or null
 };
 
 } // namespace
@@ -151,6 +153,8 @@ void readParabolas(const DistanceBuffers& b, int count, int first, int end)
             const F dx = countFrom(static_cast<float>(i - place));
             storeAt(dx * dx + square, b.squares + i);
         }
+        if (b.nearest)
+            std::fill(b.nearest + x, b.nearest + until, place);
         x = until;
     }
 }
@@ -175,6 +179,8 @@ void findSquares(const DistanceBuffers& b, int width)
             while (level < width && b.turned[level + 1] == 0.0f)
                 ++level;
             std::fill(b.squares + x, b.squares + level, 0.0f);
+            if (b.nearest)
+                std::iota(b.nearest + x, b.nearest + level, x);
             x = level;
         }
     }
@@ -189,6 +195,8 @@ void findRow(const ImageView& strips, int width, int y, bool inside, const Dista
         least = *p < *least ? p : least;
     if (*least >= kFar) {
         std::fill_n(distances, width, kFar);
+        if (b.nearest)
+            std::fill_n(b.nearest, width, -1);
         return;
     }
     const int cut = static_cast<int>(least - b.own);
@@ -198,6 +206,11 @@ void findRow(const ImageView& strips, int width, int y, bool inside, const Dista
         storeAt(sqrtOf(loadAt(b.squares + i)), b.turned + i);
     std::copy_n(b.turned, width - cut, distances + cut);
     std::copy_n(b.turned + width - cut, cut, distances);
+    if (!b.nearest)
+        return;
+    std::rotate(b.nearest, b.nearest + width - cut, b.nearest + width);
+    for (int x = 0; x < width; ++x)
+        b.nearest[x] = (b.nearest[x] + cut) % width;
 }
 
 } // namespace
@@ -227,10 +240,17 @@ DistanceRows::DistanceRows(const ImageView& columns, int width, int height)
 {
 }
 
-void DistanceRows::find(int y, bool inside, float* distances)
+void DistanceRows::nearest(int y, std::int32_t* columns, float* rows)
 {
-    const DistanceBuffers buffers{m_own.data(), m_turned.data(), m_squares.data(), m_places.data(),
-                                  m_rises.data()};
+    find(y, false, m_other.data(), columns);
+    for (int x = 0; x < m_width; ++x)
+        rows[x] = columns[x] < 0 ? kFar : m_own[columns[x]];
+}
+
+void DistanceRows::find(int y, bool inside, float* distances, std::int32_t* nearest)
+{
+    const DistanceBuffers buffers{m_own.data(),    m_turned.data(), m_squares.data(),
+                                  m_places.data(), m_rises.data(),  nearest};
     HWY_DYNAMIC_DISPATCH(findRow)(m_columns, m_width, y, inside, buffers, distances);
 }
 

@@ -39,9 +39,12 @@ public:
     void inside(int y, float* distances) { find(y, true, distances); }
     /// Distances to the mask's edges, half a pixel off the outermost centres: negative outside.
     void both(int y, float* distances);
+    /// For each pixel of row y the nearest pixel of the mask: its column, or -1 without any, and how many
+    /// rows it lies above or below, kFar without any.
+    void nearest(int y, std::int32_t* columns, float* rows);
 
 private:
-    void find(int y, bool inside, float* distances);
+    void find(int y, bool inside, float* distances, std::int32_t* nearest = nullptr);
 
     ImageView m_columns;
     int m_width, m_height;

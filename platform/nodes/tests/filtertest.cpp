@@ -165,6 +165,35 @@ TEST(NonUniformBlur, EvenMapsGiveGaussians)
     }
 }
 
+TEST(NonUniformBlur, OvalsAreGaussiansOfTwoWidths)
+{
+    Picture point = drawn(128, 128, [](float, float) { return 0.0f; });
+    point.at(64, 64) = 1000.0f;
+    const Picture white = drawn(128, 128, [](float, float) { return 1.0f; });
+    const Picture turn = drawn(128, 128, [](float, float) { return 1.0f / 12; });
+    for (const double ratio : {1.5, 4.0}) {
+        const Picture out = Evaluation("nonuniformblur", 128, 128)
+                                .set("sigma", {100})
+                                .set("ratio", {ratio})
+                                .set("angle", {0.25})
+                                .operand(point)
+                                .operand(white)
+                                .operand(turn)
+                                .split(7, 5)();
+        constexpr double kTurn = 6.283185307179586;
+        const double along = 12.8, across = along / ratio, angle = kTurn * (0.25 + 1.0 / 12);
+        const double top = 1000 / (kTurn * along * across);
+        for (int y = 20; y < 108; ++y)
+            for (int x = 20; x < 108; ++x) {
+                const double dx = x - 64, dy = y - 64;
+                const double a = (dx * std::cos(angle) + dy * std::sin(angle)) / along;
+                const double b = (dy * std::cos(angle) - dx * std::sin(angle)) / across;
+                EXPECT_NEAR(out.at(x, y), top * std::exp(-0.5 * (a * a + b * b)), 0.025 * top)
+                    << x << ' ' << y;
+            }
+    }
+}
+
 TEST(SlopeBlur, WalksDownhill)
 {
     // A slope of 1 to the right, away from its edge: 8 places a pixel apart, to the left.

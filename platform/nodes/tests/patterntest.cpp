@@ -197,6 +197,30 @@ TEST(Patterns, SeedsDiffer)
     }
 }
 
+TEST(Knit, TellsTheStitchThatShows)
+{
+    const auto drawnAs = [](double output) {
+        return Evaluation("knit", 160, 120).set("stitches", {5, 4}).set("output", {output})();
+    };
+    const Picture mask = drawnAs(1), column = drawnAs(6), row = drawnAs(7);
+    int met[5][4] = {};
+    for (int i = 0; i < 160 * 120; ++i) {
+        const int x = i % 160, y = i / 160;
+        if (mask.at(x, y) < 0.99f)
+            continue;
+        const int c = std::lround(column.at(x, y) * 5 - 0.5), r = std::lround(row.at(x, y) * 4 - 0.5);
+        EXPECT_NEAR(column.at(x, y), (c + 0.5) / 5, 1e-6);
+        EXPECT_NEAR(row.at(x, y), (r + 0.5) / 4, 1e-6);
+        ++met[c][r];
+        // A leg stays within a stitch of its own, around the edges.
+        EXPECT_LT(std::fabs(std::remainder((x + 0.5) / 32 - c - 0.5, 5.0)), 0.75) << x << ' ' << y;
+        EXPECT_LT(std::fabs(std::remainder((y + 0.5) / 30 - r - 0.5, 4.0)), 1.25) << x << ' ' << y;
+    }
+    for (const auto& counts : met)
+        for (const int count : counts)
+            EXPECT_GT(count, 160 * 120 / 20 / 2);
+}
+
 TEST(Perlin, IsHalfOnLatticePointsAndLoops)
 {
     // Cells of an odd number of pixels have lattice points between pixels: with cells of two, the mean of the

@@ -57,6 +57,70 @@ TEST(Distance, EverySideAgreesWithSearching)
     }
 }
 
+TEST(Distance, AntialiasedEdgesLieBetweenPixels)
+{
+    // A disc and a slanting strip, their greys the shares of 16 x 16 places in each pixel.
+    const double x0 = 47.3, y0 = 52.8, radius = 20.4;
+    const auto disc = [&](double x, double y) { return radius - std::hypot(x - x0, y - y0); };
+    const auto strip = [&](double x, double y) {
+        const double way = 0.6 * (x - x0) + 0.8 * (y - y0);
+        return 15.2 - std::fabs(way);
+    };
+    const auto check = [&](const auto& inside, double worst) {
+        Picture mask = drawn(96, 96, [](float, float) { return 0.0f; });
+        for (int i = 0; i < 96 * 96 * 256; ++i) {
+            const int x = i / 256 % 96, y = i / 256 / 96;
+            const double px = x + (i % 16 + 0.5) / 16, py = y + (i / 16 % 16 + 0.5) / 16;
+            mask.at(x, y) += inside(px, py) > 0 ? 1.0f / 256 : 0.0f;
+        }
+        const Picture out = Evaluation("distance", 96, 96)
+                                .set("radius", {0.5})
+                                .set("side", {2})
+                                .set("edges", {1})
+                                .operand(mask)
+                                .split(7, 5)();
+        for (int y = 24; y < 80; ++y)
+            for (int x = 24; x < 72; ++x)
+                EXPECT_NEAR((out.at(x, y) - 0.5) * 96, inside(x + 0.5, y + 0.5), worst) << x << ' ' << y;
+    };
+    check(disc, 0.05);
+    check(strip, 0.05);
+    // Without greys edges lie on the borders of pixels, across the picture's edge, too.
+    const Picture bar = drawn(40, 8, [](float x, float) { return x < 0.25f ? 1.0f : 0.0f; });
+    const Picture out = Evaluation("distance", 40, 8).set("radius", {1}).set("edges", {1}).operand(bar)();
+    for (int x = 0; x < 40; ++x)
+        EXPECT_NEAR(out.at(x, 3), 1.0 - std::clamp(std::min(x - 9.5, 39.5 - x), 0.0, 40.0) / 40, 1e-6) << x;
+}
+
+TEST(Curvature, MeanIsThatOfBallsAndCylinders)
+{
+    // Of 80 pixels' radius, white 128 pixels above black, at slopes up to 1.
+    const auto bump = [](bool ball) {
+        return drawn(256, 256, [=](float x, float y) {
+            const double dx = x * 256 - 128, dy = ball ? y * 256 - 128 : 0.0;
+            return float(std::sqrt(std::max(6400.0 - dx * dx - dy * dy, 0.0)) / 128);
+        });
+    };
+    for (const bool ball : {true, false}) {
+        const auto measured = [&](int output) {
+            return Evaluation("curvature", 256, 256)
+                .set("radius", {1000 * 2.0 / 256})
+                .set("intensity", {output == 2 ? -8.0 : 8.0})
+                .set("output", {double(output)})
+                .set("measure", {1})
+                .set("depth", {50})
+                .operand(bump(ball))();
+        };
+        const Picture both = measured(0), convex = measured(1), hollow = measured(2);
+        const double expected = 8 * 2.0 / 80 * (ball ? 1.0 : 0.5);
+        for (int x = 72; x < 184; ++x) {
+            EXPECT_NEAR(both.at(x, 128), 0.5 + expected, 0.03 * expected) << ball << ' ' << x;
+            EXPECT_NEAR(convex.at(x, 128), expected, 0.03 * expected);
+            EXPECT_EQ(hollow.at(x, 128), convex.at(x, 128)); // the picture upside down
+        }
+    }
+}
+
 TEST(Bevel, HasTheProfileAcrossAnEdge)
 {
     // A bar from pixel 20 to 59; slopes are ten pixels wide.
