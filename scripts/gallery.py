@@ -55,19 +55,18 @@ class Sample:
                 "(", *maps, "-resize", f"{MAP}x{MAP}", "-bordercolor", "#202124", "-border", "3x3", "+append", ")",
                 "-gravity", "center", "-append", whole)
             run("convert", whole, "-quality", "86", PICTURES / f"{self.name}.jpg")
-        balls = [self.preset_ball(preset) for preset in self.presets()]
-        if balls:
-            run("convert", *balls, "+append", "-quality", "84", PICTURES / f"{self.name}_presets.jpg")
-            for ball in balls:
-                ball.unlink()
+        with tempfile.TemporaryDirectory() as folder:
+            balls = [self.preset_ball(preset, pathlib.Path(folder, f"{number}.png"))
+                     for number, preset in enumerate(self.presets())]
+            if balls:
+                run("convert", *balls, "+append", "-quality", "84", PICTURES / f"{self.name}_presets.jpg")
 
     def presets(self):
         numeric = (int, float, bool, list)
         return [preset for preset in self.graph["presets"]
                 if all(isinstance(value, numeric) for value in preset["values"].values())][:4]
 
-    def preset_ball(self, preset):
-        result = PICTURES / f".{self.name}_{len(preset['label'])}_{abs(hash(preset['label']))}.png"
+    def preset_ball(self, preset, result):
         with tempfile.TemporaryDirectory() as folder:
             values = [argument(identifier, value) for identifier, value in preset["values"].items()]
             picture = self.sheet(folder, 9, values)
