@@ -1,22 +1,6 @@
+#include "platform/nodes/colourkey.h"
 #include "platform/nodes/dispatch.h"
 #include "platform/nodes/kinds.h"
-#include "platform/nodes/parameters.h"
-
-#ifndef VELLOR_COLOURTOMASK_STATE
-#define VELLOR_COLOURTOMASK_STATE
-namespace vellor::nodes {
-namespace {
-
-struct ColourtomaskState : State
-{
-    std::array<float, 4> key{};
-    float tolerance = 0.1f, softness = 0.1f;
-    bool perceptual = true;
-};
-
-} // namespace
-} // namespace vellor::nodes
-#endif
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "platform/nodes/tone/colourtomask.cpp"
@@ -30,7 +14,7 @@ namespace {
 
 void colourtomaskRow(const RowJob& job)
 {
-    const auto& state = static_cast<const ColourtomaskState&>(*job.state);
+    const auto& state = static_cast<const ColourKeyState&>(*job.state);
     const ColourKey key(state.key.data(), state.tolerance, state.softness, state.perceptual);
     const float *r = job.operands[0], *g = job.operands[1], *b = job.operands[2];
     for (int i = 0; i < job.count; i += kLanes)
@@ -48,12 +32,7 @@ NODES_ROW_KERNEL(colourtomaskRow)
 
 static std::unique_ptr<State> prepareColourtomask(const Setup& setup)
 {
-    auto state = std::make_unique<ColourtomaskState>();
-    state->key = setup.parameters[0].f;
-    state->tolerance = held(setup.parameters[1].f[0], 0.0f, 10.0f);
-    state->softness = held(setup.parameters[2].f[0], 0.0f, 10.0f);
-    state->perceptual = setup.parameters[3].i[0] == 0;
-    return state;
+    return std::make_unique<ColourKeyState>(setup.parameters[0], setup.parameters + 1);
 }
 
 const NodeDeclaration colourtomaskNode{

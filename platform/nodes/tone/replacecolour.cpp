@@ -1,17 +1,16 @@
+#include "platform/nodes/colourkey.h"
 #include "platform/nodes/dispatch.h"
 #include "platform/nodes/kinds.h"
-#include "platform/nodes/parameters.h"
 
 #ifndef VELLOR_REPLACECOLOUR_STATE
 #define VELLOR_REPLACECOLOUR_STATE
 namespace vellor::nodes {
 namespace {
 
-struct ReplacecolourState : State
+struct ReplacecolourState : ColourKeyState
 {
-    std::array<float, 4> key{}, target{};
-    float tolerance = 0.1f, softness = 0.1f;
-    bool perceptual = true;
+    using ColourKeyState::ColourKeyState;
+    std::array<float, 4> target{};
 };
 
 } // namespace
@@ -51,12 +50,8 @@ NODES_ROW_KERNEL(replacecolourRow)
 
 static std::unique_ptr<State> prepareReplacecolour(const Setup& setup)
 {
-    auto state = std::make_unique<ReplacecolourState>();
+    auto state = std::make_unique<ReplacecolourState>(setup.parameters[0], setup.parameters + 2);
     state->target = setup.parameters[1].f;
-    state->key = setup.parameters[0].f;
-    state->tolerance = held(setup.parameters[2].f[0], 0.0f, 10.0f);
-    state->softness = held(setup.parameters[3].f[0], 0.0f, 10.0f);
-    state->perceptual = setup.parameters[4].i[0] == 0;
     return state;
 }
 
