@@ -13,7 +13,7 @@ namespace Zph::Applications::Player {
 
 // The picture of an image input in the form that the engine gets: cropped, and laid on a canvas as the
 // options say. The work is done when the engine asks, and kept until the wanted size, the picture or the
-// options change. Without a picture the engine gets the program's own, tiled.
+// options change. Without a picture the engine gets the program's own, tiled, which is transparent.
 class ImageInput : public ImageSource
 {
 public:

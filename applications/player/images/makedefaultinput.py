@@ -1,7 +1,8 @@
 """Draws the picture of an image input that has none: makedefaultinput.py FILE.png.
 
-A tileable checker of four greys around the middle, so that scale, direction and seams of what is made of it can
-be seen. Standard library only.
+A tileable checker of greys, so that scale and direction can be seen of what is made of it, and all of it
+transparent: packages that bring a picture of their own show that one where theirs is transparent. Standard library
+only.
 """
 import struct
 import sys
@@ -26,8 +27,8 @@ def chunk(name, data):
 
 
 def main():
-    rows = b"".join(b"\0" + bytes(v for x in range(SIDE) for v in [grey(x, y)] * 3) for y in range(SIDE))
-    header = struct.pack(">IIBBBBB", SIDE, SIDE, 8, 2, 0, 0, 0)
+    rows = b"".join(b"\0" + bytes(v for x in range(SIDE) for v in [grey(x, y)] * 3 + [0]) for y in range(SIDE))
+    header = struct.pack(">IIBBBBB", SIDE, SIDE, 8, 6, 0, 0, 0)
     with open(sys.argv[1], "wb") as file:
         file.write(b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", header) + chunk(b"IDAT", zlib.compress(rows, 9)) +
                    chunk(b"IEND", b""))
