@@ -221,7 +221,7 @@ HWY_INLINE F knitAt(const KnitState& state, const LegRows& rows, F u, float y, c
     // The own leg stands beside the other one of its stitch and one of the stitch beside, both mirrored.
     const F ownX = absOf(halves * F(0.5f) - column - F(0.5f)) * F(state.aspect);
     const F otherX = F(state.aspect) - ownX;
-    const Columns columns(toInteger(half), rows.first());
+    const Columns columns(toInteger(half), rows.first() + 1); // the one before is read, too
     const bool between = state.output == KnitOutput::U || state.output == KnitOutput::V;
     Yarn tops[4];
     for (Yarn& top : tops)
@@ -234,16 +234,16 @@ HWY_INLINE F knitAt(const KnitState& state, const LegRows& rows, F u, float y, c
         // x goes from the middle line of the leg's stitch to the outside.
         const auto look = [&](int beside, F x, F side) {
             Leg leg;
-            leg.random = columns.read(line.random + beside);
+            leg.random = columns.read(line.random + 1 + beside);
             const F dx = x - F(0.25f * state.aspect) - leg.random * F(0.1f * state.variation);
-            const F dy = F(down) - columns.read(line.down + beside);
+            const F dy = F(down) - columns.read(line.down + 1 + beside);
             leg.straight = dx * F(state.leanX) - dy * F(state.leanY);
             leg.aside = dx * F(state.leanY) + dy * F(state.leanX);
             leg.near =
                 (absOf(leg.aside) < F(state.near)) & (absOf(leg.straight) < F(state.reach + state.near));
             if (hn::AllFalse(FloatTag(), leg.near.m))
                 return;
-            leg.value = columns.read(line.value + beside);
+            leg.value = columns.read(line.value + 1 + beside);
             leg.side = side;
             for (int i = 0; i < 4; ++i) {
                 const F straight =
