@@ -6,6 +6,17 @@
 
 #include <sys/mman.h>
 
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define VELLOR_POISONS
+#endif
+#elif defined(__SANITIZE_ADDRESS__)
+#define VELLOR_POISONS
+#endif
+#ifdef VELLOR_POISONS
+#include <sanitizer/asan_interface.h>
+#endif
+
 namespace vellor::cpu {
 namespace {
 
@@ -15,6 +26,16 @@ constexpr std::size_t kSmallStep = std::size_t(16) << 10;
 std::size_t roundUp(std::size_t size, std::size_t step)
 {
     return (size + step - 1) / step * step;
+}
+
+/// Tells the address sanitizer, where there is one, which `size` of a block's bytes may be touched.
+void openOnly([[maybe_unused]] void* data, [[maybe_unused]] std::size_t size,
+              [[maybe_unused]] std::size_t capacity)
+{
+#ifdef VELLOR_POISONS
+    ASAN_UNPOISON_MEMORY_REGION(data, size);
+    ASAN_POISON_MEMORY_REGION(static_cast<std::byte*>(data) + size, capacity - size);
+#endif
 }
 
 void* allocate(std::size_t capacity)
@@ -73,6 +94,7 @@ Buffer BufferPool::acquire(std::size_t size)
         throw std::bad_alloc();
     buffer.capacity_ = capacity;
     buffer.pool_ = shared_from_this();
+    openOnly(buffer.data_, size, capacity);
     return buffer;
 }
 
@@ -98,6 +120,7 @@ void BufferPool::release(void* data, std::size_t capacity) noexcept
             try {
                 kept_.emplace(capacity, data);
                 keptBytes_ += capacity;
+                openOnly(data, 0, capacity);
                 return;
             } catch (const std::bad_alloc&) {
             }
