@@ -1,4 +1,4 @@
-// The engine on graphs that bytes decide: kinds, links, sizes up to 64 x 64, parameters with all that floats
+// The engine on graphs that bytes decide: kinds, links, sizes up to 32 x 32, parameters with all that floats
 // can be, formats, inputs, and what the host does in between.
 
 #include "platform/nodes/node.h"
@@ -319,7 +319,8 @@ void generate(VellorHandle* handle, Source& source)
 void run(VellorContext* context, const std::vector<std::uint8_t>& image, Source& source)
 {
     VellorHardResources resources{};
-    const std::uint32_t words[3] = {1 + std::uint32_t(source.below(2)), std::uint32_t(source.below(9)),
+    // One thread for most: waking another one costs more than pictures of this size.
+    const std::uint32_t words[3] = {source.below(8) == 7 ? 2u : 1u, std::uint32_t(source.below(9)),
                                     std::uint32_t(source.below(2) | source.below(4) << 8)};
     std::memcpy(resources.reserved0, words, sizeof words);
     resources.memoryBudget = source.below(2) ? 20000 + 1000 * source.byte() : 0;
@@ -339,6 +340,20 @@ void run(VellorContext* context, const std::vector<std::uint8_t>& image, Source&
     vellorHandleRelease(handle);
 }
 
+/// One for all inputs: threads and memory are dearer than most graphs.
+VellorContext* sharedContext()
+{
+    static VellorContext* const shared = [] {
+        VellorDevice device{};
+        VellorContext* context = nullptr;
+        vellorContextInitImpl(&context, &device, VELLOR_API_VERSION, 0);
+        vellorContextSetCallback(context, VELLOR_CALLBACK_OUTPUT_COMPLETE, function(&fetch));
+        vellorContextSetCallback(context, VELLOR_CALLBACK_CACHE_STORE, function(&keepBlock));
+        return context;
+    }();
+    return shared;
+}
+
 } // namespace
 
 void engine(const std::uint8_t* data, std::size_t size)
@@ -350,13 +365,7 @@ void engine(const std::uint8_t* data, std::size_t size)
     const std::vector<std::uint8_t> image = program::writeProgram(program);
     std::string error;
     require(program::readProgram(image, error).has_value(), "the package that was built keeps the rules");
-    VellorDevice device{};
-    VellorContext* context = nullptr;
-    vellorContextInitImpl(&context, &device, VELLOR_API_VERSION, 0);
-    vellorContextSetCallback(context, VELLOR_CALLBACK_OUTPUT_COMPLETE, function(&fetch));
-    vellorContextSetCallback(context, VELLOR_CALLBACK_CACHE_STORE, function(&keepBlock));
-    run(context, image, source);
-    vellorContextRelease(context);
+    run(sharedContext(), image, source);
     parked().clear();
 }
 
