@@ -32,8 +32,8 @@ OperationGraph::OperationGraph(int width, int height, int threads)
     : m_noStore(m_callbacks, nullptr), m_pool(BufferPool::make()), m_store(m_pool, m_noStore), m_width(width),
       m_height(height)
 {
-    m_pool->setKeepLimit(std::size_t(8) << 30);
     m_store.setBudget(std::uint64_t(16) << 30);
+    m_pool->setKeepLimit(std::size_t(8) << 30); // the budget has set a lower one
     setThreads(threads);
 }
 
