@@ -10,6 +10,8 @@
 #include "platform/program/programwriter.h"
 #include "platform/program/sections.h"
 
+#include <zlib.h>
+
 #include <cstdio>
 #include <cstdlib>
 
@@ -57,6 +59,35 @@ std::vector<std::uint8_t> sealed(const std::uint8_t* data, std::size_t size)
     return bytes;
 }
 
+/// The same for the chunks of a PNG file: big-endian length, name, data, check sum of the last two.
+std::vector<std::uint8_t> withChunkSums(const std::uint8_t* data, std::size_t size)
+{
+    std::vector<std::uint8_t> bytes(data, data + size);
+    for (std::size_t at = 8; at + 12 <= size;) {
+        std::size_t length = 0;
+        for (std::size_t i = 0; i < 4; ++i)
+            length = length << 8 | bytes[at + i];
+        if (length > size - at - 12)
+            break;
+        const auto sum = crc32(0, &bytes[at + 4], static_cast<uInt>(length + 4));
+        for (std::size_t i = 0; i < 4; ++i)
+            bytes[at + 8 + length + i] = static_cast<std::uint8_t>(sum >> (24 - 8 * i));
+        at += length + 12;
+    }
+    return bytes;
+}
+
+void readPicture(const std::uint8_t* data, std::size_t size)
+{
+    std::string error;
+    const auto blob = cooker::pictureOfPng({reinterpret_cast<const char*>(data), size}, error);
+    require(blob.empty() != error.empty(), "a picture or words", error);
+    const auto read = nodes::PictureBlob::read(blob.data(), blob.size());
+    require(blob.empty() == (read.pixels == nullptr), "a picture that was packed can be read", "");
+    if (read.pixels)
+        read.at(read.width - 1, read.height - 1, read.channels - 1);
+}
+
 } // namespace
 
 void authoring(const std::uint8_t* data, std::size_t size)
@@ -78,13 +109,8 @@ void authoring(const std::uint8_t* data, std::size_t size)
 
 void picture(const std::uint8_t* data, std::size_t size)
 {
-    std::string error;
-    const auto blob = cooker::pictureOfPng({reinterpret_cast<const char*>(data), size}, error);
-    require(blob.empty() != error.empty(), "a picture or words", error);
-    const auto read = nodes::PictureBlob::read(blob.data(), blob.size());
-    require(blob.empty() == (read.pixels == nullptr), "a picture that was packed can be read", "");
-    if (read.pixels)
-        read.at(read.width - 1, read.height - 1, read.channels - 1);
+    readPicture(data, size);
+    readPicture(withChunkSums(data, size).data(), size);
 }
 
 void assembly(const std::uint8_t* data, std::size_t size)
