@@ -181,7 +181,7 @@ bool InputValues::pushOne(const Entry& entry, InputSink& engine) const
         return engine.pushInput(index, type, units.constData());
     }
     if (type == ValueType::Image)
-        return engine.pushImage(index, entry.image.get());
+        return engine.pushImage(index, entry.image);
     return engine.pushInput(index, type, entry.value.words.data());
 }
 

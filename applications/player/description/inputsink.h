@@ -2,6 +2,8 @@
 
 #include <QtGlobal>
 
+#include <memory>
+
 struct VellorTexture;
 
 namespace Zph::Applications::Player {
@@ -28,9 +30,9 @@ public:
     // engine refused the value.
     virtual bool pushInput(int index, quint32 type, const void* value) = 0;
 
-    // Sets an image input. The source must live until the input gets another one or the engine goes; null
-    // for no image.
-    virtual bool pushImage(int index, ImageSource* source) = 0;
+    // Sets an image input; null for no image. The sink shares the source until the input gets another one or
+    // the engine goes, so nobody can delete what a generation would ask. False when the engine refused.
+    virtual bool pushImage(int index, std::shared_ptr<ImageSource> source) = 0;
 };
 
 } // namespace Zph::Applications::Player

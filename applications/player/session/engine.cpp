@@ -153,10 +153,13 @@ bool Engine::pushInput(int index, quint32 type, const void* value)
            Zph::Engine::handlePushSetInput(m_handle, 0, quint32(index), type, value, nullptr) == VELLOR_OK;
 }
 
-bool Engine::pushImage(int index, ImageSource* source)
+bool Engine::pushImage(int index, std::shared_ptr<ImageSource> source)
 {
-    return handleOrNull() && Zph::Engine::handlePushSetInput(m_handle, 0, quint32(index), VELLOR_TYPE_IMAGE,
-                                                             nullptr, source) == VELLOR_OK;
+    if (!handleOrNull() || Zph::Engine::handlePushSetInput(m_handle, 0, quint32(index), VELLOR_TYPE_IMAGE,
+                                                           nullptr, source.get()) != VELLOR_OK)
+        return false;
+    m_images[index] = std::move(source);
+    return true;
 }
 
 void Engine::start()

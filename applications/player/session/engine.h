@@ -12,6 +12,7 @@
 #include <atomic>
 #include <cstdlib>
 #include <ctime>
+#include <map>
 #include <memory>
 
 namespace Zph::Applications::Player {
@@ -45,7 +46,7 @@ public:
     /// Tells the engine the value of an input: as <vellor/engine.h> says for its type. False when it is
     /// refused.
     bool pushInput(int index, quint32 type, const void* value) override;
-    bool pushImage(int index, ImageSource* source) override;
+    bool pushImage(int index, std::shared_ptr<ImageSource> source) override;
 
 signals:
     /// An output is done. `index` is the engine's index of the output.
@@ -106,6 +107,7 @@ private:
     VellorContext* m_context = nullptr;
     VellorHandle* m_handle = nullptr;
     CacheStore m_cacheStore;
+    std::map<int, std::shared_ptr<ImageSource>> m_images; // by input index
     quint32 m_engineId = 0;
     std::clock_t m_startClock = 0;
     float m_busyTime = 0;     // seconds

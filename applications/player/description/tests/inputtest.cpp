@@ -28,6 +28,7 @@ struct Recorder : InputSink
         calls.push_back(call);
         return true;
     }
+    bool pushImage(int, std::shared_ptr<ImageSource>) override { return false; }
     std::vector<Call> calls;
 };
 

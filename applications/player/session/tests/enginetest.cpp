@@ -169,11 +169,18 @@ TEST(EngineSession, AnImageRequestGoesToTheSourceBehindTheInput)
         }
     };
     OpenEngine session("input 5 5\ninput 6 5\noutput 1 0\n");
-    Source source;
-    EXPECT_TRUE(session.engine->pushImage(0, &source));
+    const auto source = std::make_shared<Source>();
+    const std::weak_ptr<Source> replaced = [&] {
+        const auto first = std::make_shared<Source>();
+        EXPECT_TRUE(session.engine->pushImage(0, first));
+        return first;
+    }();
+    EXPECT_FALSE(replaced.expired());
+    EXPECT_TRUE(session.engine->pushImage(0, source));
+    EXPECT_TRUE(replaced.expired());
     EXPECT_TRUE(session.engine->pushImage(1, nullptr));
     session.generate({1});
-    EXPECT_EQ(source.asked, QSize(32, 16));
+    EXPECT_EQ(source->asked, QSize(32, 16));
     const QStringList lines = session.log.take();
     EXPECT_TRUE(lines.contains("PushSetInput flags=0x0 index=0 type=5 value=null user=1"));
     EXPECT_TRUE(lines.contains("ImageInput index=0 kept=0"));

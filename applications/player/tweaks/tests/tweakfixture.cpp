@@ -16,6 +16,12 @@ bool RecordingEngine::pushInput(int index, quint32 type, const void* value)
     return true;
 }
 
+bool RecordingEngine::pushImage(int index, std::shared_ptr<ImageSource> source)
+{
+    images[index] = std::move(source);
+    return true;
+}
+
 Row::Row(quint32 type, const QByteArray& inputXml, const InputValue& defaultValue,
          const TweakContext& context)
 {

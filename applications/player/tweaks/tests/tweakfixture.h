@@ -15,6 +15,7 @@
 #include <QTextEdit>
 #include <QToolButton>
 
+#include <map>
 #include <memory>
 #include <vector>
 
@@ -31,7 +32,9 @@ struct RecordingEngine : InputSink
         InputValue words;
     };
     bool pushInput(int index, quint32 type, const void* value) override;
+    bool pushImage(int index, std::shared_ptr<ImageSource> source) override;
     std::vector<Call> calls;
+    std::map<int, std::shared_ptr<ImageSource>> images; // by input index
 };
 
 // One row, made the way the panel makes it, with the changes that it told of.
