@@ -14,8 +14,8 @@ namespace vellor::nodes::HWY_NAMESPACE {
 
 template<class Pixels> HWY_INLINE F bilinearOf(const Pixels& pixels, F x, F y)
 {
-    const Pair upper = pixels.pair(0, 0), lower = pixels.pair(0, 1);
-    return lerpOf(lerpOf(upper.first, upper.second, x), lerpOf(lower.first, lower.second, x), y);
+    const Pair between = pairBetweenRows(pixels, y);
+    return lerpOf(between.first, between.second, x);
 }
 
 /// Weights of four neighbours, the place lying at t between the second and the third (E. Catmull, R. Rom).

@@ -19,16 +19,25 @@ struct Pair
     F first, second; // neighbours in a row
 };
 
-/// Pixels of a window, by the distance from a place's own.
+/// Pixels of a window, or of a part of a picture that nothing goes around the edges of, by the distance from
+/// a place's own.
 class NearPixels
 {
 public:
     NearPixels(const Window<1>& window, const Tile& tile, int row)
-        : m_pixels(window.at(window.box().left, window.box().top)), m_stride(window.stride()),
-          m_left(static_cast<float>(tile.anchorX[row] - window.box().left)),
-          m_top(static_cast<float>(tile.anchorY[row] - window.box().top))
+        : NearPixels(window.box(), window.stride(), tile, row)
+    {
+        lookAt(window.at(window.box().left, window.box().top));
+    }
+    /// lookAt() comes before reading. The box's height times stride is below 2^24.
+    NearPixels(const Box& box, int stride, const Tile& tile, int row)
+        : m_stride(stride), m_left(static_cast<float>(tile.anchorX[row] - box.left)),
+          m_top(static_cast<float>(tile.anchorY[row] - box.top))
     {
     }
+
+    /// The pixel in the box's corner: of another channel, places stay.
+    HWY_INLINE void lookAt(const float* corner) { m_pixels = corner; }
 
     HWY_INLINE void moveTo(F wholeX, F wholeY)
     {
@@ -53,18 +62,17 @@ public:
     }
 
 private:
-    const float* m_pixels;
+    const float* m_pixels = nullptr;
     int m_stride;
-    float m_left, m_top; // from the window's corner to the anchor
+    float m_left, m_top; // from the box's corner to the anchor
     hn::Vec<IntegerTag> m_index;
 };
 
-/// Colours of a window, by the distance from a place's own. A vector has whole colours of kLanes / 4 pixels.
+/// Colours of a window, by the distance from a place's own. The places of a vector are read in four parts; a
+/// part is the colours of places part, part + 4, part + 8 and so on.
 class NearColours
 {
 public:
-    static constexpr int kPixels = kLanes / 4;
-
     NearColours(const Window<4>& window, const Tile& tile, int row)
         : m_pixels(window.at(window.box().left, window.box().top)), m_stride(window.stride()),
           m_left(static_cast<float>(tile.anchorX[row] - window.box().left)),
@@ -75,22 +83,14 @@ public:
     HWY_INLINE void moveTo(F wholeX, F wholeY)
     {
         const F x = wholeX + F(m_left), y = wholeY + F(m_top);
-        hn::Store(hn::ConvertTo(IntegerTag(), (y * F(static_cast<float>(m_stride)) + x).v), IntegerTag(),
-                  m_index.data());
+        const auto index = hn::ConvertTo(IntegerTag(), (y * F(static_cast<float>(m_stride)) + x).v);
+        hn::Store(hn::ShiftLeft<2>(index), IntegerTag(), m_offset.data());
     }
 
-    /// Which kPixels of the kLanes places are read.
-    HWY_INLINE void choosePart(int part) { m_part = part * kPixels; }
+    HWY_INLINE void choosePart(int part) { m_part = part; }
 
-    /// The chosen places' numbers, each for all four channels.
-    static HWY_INLINE F spread(F numbers, int part)
-    {
-        const FloatTag tag;
-        const IntegerTag integers;
-        const auto lanes =
-            hn::Add(hn::ShiftRight<2>(hn::Iota(integers, 0)), hn::Set(integers, part * kPixels));
-        return hn::TableLookupLanes(numbers.v, hn::IndicesFromVec(tag, lanes));
-    }
+    /// The places' numbers, each for the four channels of a part's colour.
+    template<int part> static HWY_INLINE F spread(F numbers) { return hn::Broadcast<part>(numbers.v); }
 
     HWY_INLINE Pair pair(int x, int y) const
     {
@@ -98,13 +98,16 @@ public:
         return {coloursAt<kLanes>(from), coloursAt<kLanes>(from + 4)};
     }
 
+    /// Between the rows of the places and the ones below, y lying as in spread().
+    HWY_INLINE Pair pairBetweenRows(F y) const { return pairBetween<kLanes>(y); }
+
 private:
+    HWY_INLINE std::ptrdiff_t offsetOf(int k) const { return m_offset[4 * k + m_part]; }
+
     template<int lanes> HWY_INLINE F coloursAt(const float* from) const
     {
         const hn::FixedTag<float, 4> one;
-        const auto colour = [&](int k) {
-            return hn::LoadU(one, from + 4 * static_cast<std::ptrdiff_t>(m_index[m_part + k]));
-        };
+        const auto colour = [&](int k) { return hn::LoadU(one, from + offsetOf(k)); };
         if constexpr (lanes == 4) {
             return colour(0);
         } else if constexpr (lanes == 8) {
@@ -116,11 +119,53 @@ private:
         }
     }
 
+    template<int lanes> HWY_INLINE Pair pairBetween(F y) const
+    {
+        if constexpr (lanes == 4) {
+            const Pair upper = pair(0, 0), lower = pair(0, 1);
+            return {lerpOf(upper.first, lower.first, y), lerpOf(upper.second, lower.second, y)};
+        } else {
+            // Neighbours in a row come with one read and are sorted afterwards.
+            const auto other = hn::SwapAdjacentBlocks(y.v);
+            const auto even = neighboursBetween<lanes>(0, hn::OddEvenBlocks(other, y.v)).v;
+            const auto odd = neighboursBetween<lanes>(1, hn::OddEvenBlocks(y.v, other)).v;
+            return {hn::OddEvenBlocks(hn::SwapAdjacentBlocks(odd), even),
+                    hn::OddEvenBlocks(odd, hn::SwapAdjacentBlocks(even))};
+        }
+    }
+
+    /// Between the rows, both neighbours of the part's even or odd places.
+    template<int lanes> HWY_INLINE F neighboursBetween(int odd, F y) const
+    {
+        return lerpOf(neighboursAt<lanes>(m_pixels, odd), neighboursAt<lanes>(m_pixels + 4 * m_stride, odd),
+                      y);
+    }
+
+    template<int lanes> HWY_INLINE F neighboursAt(const float* from, int odd) const
+    {
+        const hn::FixedTag<float, 8 + 0 * lanes> two;
+        if constexpr (lanes == 8)
+            return hn::LoadU(two, from + offsetOf(odd));
+        else
+            return hn::Combine(FloatTag(), hn::LoadU(two, from + offsetOf(odd + 2)),
+                               hn::LoadU(two, from + offsetOf(odd)));
+    }
+
     const float* m_pixels;
     int m_stride, m_part = 0;
     float m_left, m_top; // from the window's corner to the anchor
-    alignas(64) std::array<std::int32_t, kLanes> m_index;
+    alignas(64) std::array<std::int32_t, kLanes> m_offset;
 };
+
+template<class Pixels> HWY_INLINE Pair pairBetweenRows(const Pixels& pixels, F y)
+{
+    const Pair upper = pixels.pair(0, 0), lower = pixels.pair(0, 1);
+    return {lerpOf(upper.first, lower.first, y), lerpOf(upper.second, lower.second, y)};
+}
+HWY_INLINE Pair pairBetweenRows(const NearColours& pixels, F y)
+{
+    return pixels.pairBetweenRows(y);
+}
 
 /// Pixels of a whole picture, by the distance from a place's own.
 class FarPixels

@@ -61,6 +61,12 @@ struct Box
     int height() const { return bottom - top; }
 };
 
+/// Columns left to right - 1 of a row.
+struct Span
+{
+    int left = 0, right = 0;
+};
+
 /// Pixels x to x + count - 1 of a row of `size`, with what stands beyond its edges.
 inline void copyBeyond(const float* row, int size, Edges edges, int x, int count, float* result)
 {

@@ -35,10 +35,14 @@ struct Tile
     std::array<int, kTileHeight> anchorX{}, anchorY{};
     alignas(64) std::array<float, kTileWidth * kTileHeight> placeX, placeY;
     Box box; // of the pixels that the places lie in
+    // Where they are known: which columns from spansFrom on the places lie in, for the rows of the box.
+    const Span* spans = nullptr;
+    int spansFrom = 0;
 
     /// Takes the places from place(i, row): those of columns x + i on, from the anchors.
     template<class Place> HWY_INLINE void locate(const Place& place)
     {
+        spans = nullptr;
         box = {1 << 30, 1 << 30, -(1 << 30), -(1 << 30)};
         for (int row = 0; row < height; ++row) {
             F lowX(kFurthest), highX(-kFurthest), lowY(kFurthest), highY(-kFurthest);

@@ -38,6 +38,71 @@ void halve(const ImageView& source, const MutableImage& result, int y0, int y1)
     }
 }
 
+/// The parallelogram that the places of a tile lie in, as spans of columns. Tiles of one size share it.
+class TileShape
+{
+public:
+    /// For a tile whose places are known and have gone around nowhere.
+    void giveSpans(const AffineMap& map, Tile& tile)
+    {
+        const int width = (tile.width + kLanes - 1) / kLanes * kLanes;
+        if (width != m_width || tile.height != m_height)
+            shape(map, width, tile.height);
+        const int first = tile.box.top - tile.anchorY[0] - m_top;
+        if (first < 0 || first + tile.box.height() > static_cast<int>(m_spans.size()))
+            return;
+        tile.spans = m_spans.data() + first;
+        tile.spansFrom = tile.anchorX[0];
+    }
+
+private:
+    static constexpr double kMostRows = 4096.0;
+
+    void shape(const AffineMap& map, int width, int height)
+    {
+        m_width = width;
+        m_height = height;
+        m_spans.clear();
+        const double acrossX = map.xx * (width - 1), acrossY = map.yx * (width - 1);
+        const double downX = map.xy * (height - 1), downY = map.yy * (height - 1);
+        const double high = std::max(acrossY, 0.0) + std::max(downY, 0.0);
+        const double low = std::min(acrossY, 0.0) + std::min(downY, 0.0);
+        if (!(high - low < kMostRows))
+            return;
+        m_top = static_cast<int>(std::floor(low)) - 1;
+        m_spans.resize(static_cast<std::size_t>(static_cast<int>(std::floor(high)) + 3 - m_top),
+                       {1 << 30, -(1 << 30)});
+        addEdge(0.0, 0.0, acrossX, acrossY);
+        addEdge(downX, downY, acrossX, acrossY);
+        addEdge(0.0, 0.0, downX, downY);
+        addEdge(acrossX, acrossY, downX, downY);
+    }
+
+    /// Widens the spans by an edge from (x, y) on. Tiles start up to a pixel further right and down.
+    void addEdge(double x, double y, double dx, double dy)
+    {
+        constexpr double kInexact = 0.01;
+        for (int row = 0; row < static_cast<int>(m_spans.size()); ++row) {
+            const double upper = m_top + row - 1 - kInexact, lower = m_top + row + 1 + kInexact;
+            if (std::max(y, y + dy) < upper || std::min(y, y + dy) > lower)
+                continue;
+            double from = x, to = x + dx;
+            if (std::fabs(dy) > kInexact) {
+                const double t = (upper - y) / dy, u = (lower - y) / dy;
+                from = x + dx * std::clamp(std::min(t, u), 0.0, 1.0);
+                to = x + dx * std::clamp(std::max(t, u), 0.0, 1.0);
+            }
+            Span& span = m_spans[row];
+            span.left = std::min(span.left, static_cast<int>(std::floor(std::min(from, to) - kInexact)));
+            span.right =
+                std::max(span.right, static_cast<int>(std::floor(std::max(from, to) + kInexact)) + 2);
+        }
+    }
+
+    int m_width = 0, m_height = 0, m_top = 0;
+    std::vector<Span> m_spans; // of rows from m_top on; both from the first place of a tile
+};
+
 /// Where the rows of a tile start, and how places go on from there, in one level of the pyramid.
 class AffineRows
 {
@@ -54,26 +119,31 @@ public:
         m_map.yy *= scaleY;
     }
 
-    HWY_INLINE void locate(Tile& tile) const
+    HWY_INLINE void locate(Tile& tile)
     {
         std::array<float, kTileHeight> restX, restY;
+        bool near = true;
         for (int row = 0; row < tile.height; ++row) {
             const double y = tile.y + row;
-            restX[row] = anchor(m_map.xx * tile.x + m_map.xy * y + m_map.x0, m_width, tile.anchorX[row]);
-            restY[row] = anchor(m_map.yx * tile.x + m_map.yy * y + m_map.y0, m_height, tile.anchorY[row]);
+            const double placeX = m_map.xx * tile.x + m_map.xy * y + m_map.x0;
+            const double placeY = m_map.yx * tile.x + m_map.yy * y + m_map.y0;
+            near = near && std::fabs(placeX) < kFar && std::fabs(placeY) < kFar;
+            restX[row] = anchor(placeX, m_width, tile.anchorX[row]);
+            restY[row] = anchor(placeY, m_height, tile.anchorY[row]);
         }
         const F stepX(static_cast<float>(m_map.xx)), stepY(static_cast<float>(m_map.yx));
         tile.locate([&](int i, int row) {
             const F column = countFrom(static_cast<float>(i));
             return Spot{column * stepX + F(restX[row]), column * stepY + F(restY[row])};
         });
+        if (near)
+            m_shape.giveSpans(m_map, tile);
     }
 
 private:
     /// The whole part of a place, held near the picture without a change to what stands there, and the rest.
     float anchor(double place, int size, int& whole) const
     {
-        constexpr double kFar = 1e6;
         if (!(std::fabs(place) < kFar))
             place = m_edges == Edges::None ? std::clamp(place, -kFar, kFar)
                                            : place - std::floor(place / (2.0 * size)) * (2.0 * size);
@@ -82,9 +152,12 @@ private:
         return static_cast<float>(place - low);
     }
 
+    static constexpr double kFar = 1e6;
+
     AffineMap m_map;
     Edges m_edges;
     int m_width, m_height;
+    TileShape m_shape;
 };
 
 void copyShifted(const AffinePlan& plan, const AreaJob& job)
@@ -98,7 +171,7 @@ void copyShifted(const AffinePlan& plan, const AreaJob& job)
 
 void readOnce(const AffinePlan& plan, const AreaJob& job)
 {
-    const AffineRows rows(plan, job.operands[0], 0.0);
+    AffineRows rows(plan, job.operands[0], 0.0);
     TileReader reader(job.operands[0], plan.reading);
     const TileWriter writer(job.result);
     forEachTile(job, [&](Tile& tile) {
@@ -125,7 +198,7 @@ public:
         for (auto& sums : m_sums)
             std::fill(sums.begin(), sums.end(), 0.0f);
         for (Source& source : m_sources) {
-            for (const AffineRows& rows : source.samples) {
+            for (AffineRows& rows : source.samples) {
                 rows.locate(tile);
                 const F weight(source.weight);
                 source.reader.read(tile, [&](int c, int i, int row, F value) {

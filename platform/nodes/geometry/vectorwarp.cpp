@@ -64,7 +64,10 @@ const NodeDeclaration vectorwarpNode{
     "vectorwarp",
     "Vector Warp",
     "Geometry",
-    "Takes each pixel from the place that red and green of a colour picture point to. Wraps around.",
+    "Takes each pixel from the place that red and green of a colour picture point to: it lies intensity / 50 "
+    "* "
+    "(red - 0.5) picture widths further right and intensity / 50 * (green - 0.5) widths further down. Wraps "
+    "around.",
     ResultChannels::FromOperands,
     Chance::None,
     {{"input", OperandChannels::Result, true, "The picture to warp."},
