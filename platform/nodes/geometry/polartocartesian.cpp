@@ -1,23 +1,6 @@
 #include "platform/nodes/dispatch.h"
+#include "platform/nodes/geometry/polar.h"
 #include "platform/nodes/kinds.h"
-#include "platform/nodes/parameters.h"
-#include "platform/nodes/resampling.h"
-
-#ifndef VELLOR_POLARTOCARTESIAN_STATE
-#define VELLOR_POLARTOCARTESIAN_STATE
-namespace vellor::nodes {
-namespace {
-
-struct PolarToCartesianState : State
-{
-    Reading reading;
-    float radius = 1.0f, turn = 0.0f; // in pixels, in turns
-    float x = 0.0f, y = 0.0f;         // the centre, in pixels
-};
-
-} // namespace
-} // namespace vellor::nodes
-#endif
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "platform/nodes/geometry/polartocartesian.cpp"
@@ -31,7 +14,7 @@ namespace {
 
 void polarToCartesianArea(const AreaJob& job)
 {
-    const auto& state = static_cast<const PolarToCartesianState&>(*job.state);
+    const auto& state = static_cast<const PolarState&>(*job.state);
     const float width = static_cast<float>(job.result.width), height = static_cast<float>(job.result.height);
     displace(
         job, job.operands[0], state.reading, [](const Tile&) {},
@@ -56,18 +39,6 @@ namespace vellor::nodes {
 
 NODES_AREA_KERNEL(polarToCartesianArea)
 
-static std::unique_ptr<State> preparePolarToCartesian(const Setup& setup)
-{
-    auto state = std::make_unique<PolarToCartesianState>();
-    const ParameterValue* p = setup.parameters;
-    state->radius = held(p[0].f[0], 1e-4f, 16.0f) * static_cast<float>(setup.width);
-    state->turn = held(p[1].f[0], -1e4f, 1e4f);
-    state->x = held(p[2].f[0], -16.0f, 16.0f) * static_cast<float>(setup.width) - 0.5f;
-    state->y = held(p[2].f[1], -16.0f, 16.0f) * static_cast<float>(setup.height) - 0.5f;
-    state->reading.filter = static_cast<PixelFilter>(held(p[3].i[0], 0, 2));
-    return state;
-}
-
 const NodeDeclaration polartocartesianNode{
     "polartocartesian",
     "Polar to Cartesian",
@@ -78,21 +49,8 @@ const NodeDeclaration polartocartesianNode{
     ResultChannels::FromOperands,
     Chance::None,
     {{"input", OperandChannels::Result, true, "The picture to roll up."}},
-    {{"radius",
-      ParameterType::Float,
-      {0.5},
-      0,
-      1,
-      "The radius of the lowest row, in shares of the picture's width."},
-     {"rotation",
-      ParameterType::Float,
-      {0.0},
-      -1,
-      1,
-      "The angle of the left edge, clockwise from the right in turns."},
-     {"centre", ParameterType::Float2, {0.5, 0.5}, 0, 1, "The centre, in shares of width and height."},
-     filterParameter()},
-    preparePolarToCartesian,
+    polarParameters(),
+    preparePolar,
     nullptr,
     runpolarToCartesianArea};
 
