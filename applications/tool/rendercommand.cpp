@@ -11,7 +11,9 @@
 
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QThread>
 
+#include <algorithm>
 #include <csignal>
 
 namespace vellor::tool {
@@ -57,6 +59,14 @@ private:
     QElapsedTimer m_clock;
 };
 
+/// Encoding takes longer than generating for most formats, so all threads may be at it; each holds a picture.
+int encodersFor(unsigned engineThreads)
+{
+    constexpr int most = 16;
+    const int threads = engineThreads ? int(engineThreads) : QThread::idealThreadCount();
+    return threads > 1 ? std::min(threads, most) : 0;
+}
+
 int runRender(const Arguments& arguments)
 {
     const QString file = onlyFile(arguments);
@@ -65,7 +75,8 @@ int runRender(const Arguments& arguments)
     EngineOptions engineOptions = readEngineOptions(arguments);
     if (!settings.isAnimation)
         engineOptions.flags |= VELLOR_CPU_COMPUTE_ONCE;
-    settings.encodeBeside = engineOptions.threads != 1;
+    settings.wantsHashes = arguments.has("--hash") || arguments.has("--json");
+    settings.encoders = encodersFor(engineOptions.threads);
     const QVector<CookingAlias> aliases = readAliases(arguments);
     loadEngine(QString::fromStdString(arguments.value("--engine")));
     const Package package(file, {aliases, engineOptions});

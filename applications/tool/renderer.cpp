@@ -18,7 +18,7 @@ using namespace Zph::Applications::Player;
 
 namespace {
 
-constexpr std::size_t kWaitingPictures = 2; // each of them holds memory
+constexpr std::size_t kWaitingPictures = 2; // beside those that are being encoded; each holds memory
 
 QByteArray numberHash(quint32 type, const InputValue& value)
 {
@@ -33,7 +33,7 @@ Renderer::Renderer(const Package& package, Selection& selection, const RenderSet
     : m_package(package), m_selection(selection), m_settings(settings),
       m_names(settings.pattern, defaultBaseNamePattern(package.model(), settings.isAnimation)),
       m_interrupter(package.engine()), m_generator(package, selection, m_interrupter),
-      m_queue(settings.encodeBeside ? kWaitingPictures : 0)
+      m_queue(std::size_t(settings.encoders), kWaitingPictures)
 {
     m_generator.onProgress = [this](int percent) { showProgress(percent); };
     m_generator.onOutput = [this](int place, const Generator::Result& result, double seconds) {
@@ -143,7 +143,7 @@ void Renderer::encode(RenderedOutput& rendered, const Generator::Result& result,
                       const BitmapMetadata& metadata)
 {
     const auto surface = result.surface();
-    const QByteArray hash = pixelHash(*surface);
+    const QByteArray hash = m_settings.wantsHashes ? pixelHash(*surface) : QByteArray();
     QElapsedTimer clock;
     clock.start();
     QString error;

@@ -18,7 +18,8 @@ struct RenderSettings
     int lastFrame = 0;
     double framesPerSecond = 30.0;
     Zph::Applications::Player::MetadataChoices metadata;
-    bool encodeBeside = true; // files are encoded while the next output is generated
+    bool wantsHashes = false;
+    int encoders = 1; // threads that encode files while the next outputs are generated; 0: between them
 };
 
 /// The options that readRenderSettings() reads.

@@ -2,10 +2,10 @@
 
 namespace vellor::tool {
 
-TaskQueue::TaskQueue(std::size_t limit) : m_limit(limit)
+TaskQueue::TaskQueue(std::size_t workers, std::size_t limit) : m_limit(limit)
 {
-    if (m_limit > 0)
-        m_thread = std::thread([this] { run(); });
+    for (std::size_t i = 0; i < workers; ++i)
+        m_threads.emplace_back([this] { run(); });
 }
 
 TaskQueue::~TaskQueue()
@@ -15,7 +15,7 @@ TaskQueue::~TaskQueue()
 
 void TaskQueue::post(std::function<void()> task)
 {
-    if (m_limit == 0) {
+    if (m_threads.empty()) {
         task();
         return;
     }
@@ -32,8 +32,9 @@ void TaskQueue::finish()
         m_isClosed = true;
         m_changed.notify_all();
     }
-    if (m_thread.joinable())
-        m_thread.join();
+    for (std::thread& thread : m_threads)
+        thread.join();
+    m_threads.clear();
 }
 
 void TaskQueue::run()

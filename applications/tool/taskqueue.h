@@ -5,15 +5,17 @@
 #include <functional>
 #include <mutex>
 #include <thread>
+#include <vector>
 
 namespace vellor::tool {
 
-/// Runs tasks one after the other beside the thread that posts them. Tasks don't throw.
+/// Runs tasks beside the thread that posts them. Tasks don't throw.
 class TaskQueue
 {
 public:
-    /// `limit` tasks may wait, since each holds a picture; with 0 post() runs the task itself.
-    explicit TaskQueue(std::size_t limit);
+    /// `workers` tasks run at once, begun in the order in which they were posted; with 0 post() runs the task
+    /// itself. `limit` tasks, at least 1, may wait, since each holds a picture.
+    TaskQueue(std::size_t workers, std::size_t limit);
     /// Waits until all tasks are done.
     ~TaskQueue();
     TaskQueue(const TaskQueue&) = delete;
@@ -32,7 +34,7 @@ private:
     std::condition_variable m_changed;
     std::deque<std::function<void()>> m_tasks;
     bool m_isClosed = false;
-    std::thread m_thread;
+    std::vector<std::thread> m_threads;
 };
 
 } // namespace vellor::tool

@@ -35,11 +35,15 @@ QString systemError()
     return QString::fromLocal8Bit(std::strerror(errno));
 }
 
+// Asked for once: asking changes it for a moment, for all threads.
 mode_t usualPermissions()
 {
-    const mode_t mask = umask(0);
-    umask(mask);
-    return 0666 & ~mask;
+    static const mode_t permissions = [] {
+        const mode_t mask = umask(0);
+        umask(mask);
+        return 0666 & ~mask;
+    }();
+    return permissions;
 }
 
 // A file on its way to `path`. Where the system can, it has no name until all of it is there, so that not
