@@ -17,6 +17,7 @@ int main(int argc, char** argv)
     QApplication::setQuitOnLastWindowClosed(false);
     Startup::setIdentity();
     Startup::registerCodecs();
+    Startup::registerImageServers();
     testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
 }

@@ -58,6 +58,11 @@ QString openDialogFilter()
         .arg(images);
 }
 
+bool isImageFile(const QString& path)
+{
+    return imageSuffixes().contains(QFileInfo(path).suffix().toLower());
+}
+
 const QStringList& droppableSuffixes()
 {
     static const QStringList suffixes = packageSuffixes() + imageSuffixes();

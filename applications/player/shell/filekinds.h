@@ -21,6 +21,9 @@ FileKind fileKind(const QString& path);
 /// The filter of the open dialog, with one pattern for each image format that can be read.
 QString openDialogFilter();
 
+/// Whether the suffix is that of an image format that can be read.
+bool isImageFile(const QString& path);
+
 /// Suffixes in lower case that a drag may bring: packages, metadata and every readable image format.
 const QStringList& droppableSuffixes();
 

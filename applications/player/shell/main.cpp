@@ -98,6 +98,7 @@ int main(int argc, char** argv)
     Startup::registerFonts();
     Startup::registerCodecs();
     Startup::loadTheme();
+    Startup::registerImageServers();
     auto colorEngine = Startup::makeColorEngine();
     auto window = std::make_unique<MainWindow>(colorEngine);
     Orn::Gui::ApplicationEventFilterProxy eventFilter(application.get());

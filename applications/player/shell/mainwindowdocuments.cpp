@@ -314,7 +314,10 @@ void MainWindow::dropEvent(QDropEvent* event)
             authoringFiles << path;
             continue;
         }
-        loadFile(path);
+        const bool isTaken =
+            m_package && isImageFile(path) && m_tweaks->dropImage(path, mapToGlobal(event->posF().toPoint()));
+        if (!isTaken)
+            loadFile(path);
         break;
     }
     if (authoringFiles.isEmpty())

@@ -1,5 +1,6 @@
 #include "startup.h"
 
+#include "applications/player/images/widgets/imageserverfactories.h"
 #include "orncommon/colormanagement/colormanagementloggeradaptor.h"
 #include "orncommon/colormanagement/legacycolormanagementengine.h"
 #include "orncommon/core/applicationsettings.h"
@@ -87,6 +88,11 @@ void loadTheme()
     Orn::Core::ComponentsMgr::getInstance().add(theme);
     QApplication::setWindowIcon(QIcon(":/zph/applications/player/images/appicon.svg"));
     Orn::Gui::setUpTheme(*theme, Orn::Core::ApplicationSettings::getInstance().getApplicationResourceDir());
+}
+
+void registerImageServers()
+{
+    registerDefaultImageServerFactories();
 }
 
 std::shared_ptr<Orn::ColorManagement::ColorManagementEngine> makeColorEngine()

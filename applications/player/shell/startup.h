@@ -24,6 +24,8 @@ void registerFonts();
 /// The order of registration is the order in which codecs are asked.
 void registerCodecs();
 void loadTheme();
+/// What makes pictures for image inputs, behind the codecs.
+void registerImageServers();
 std::shared_ptr<Orn::ColorManagement::ColorManagementEngine> makeColorEngine();
 /// Installation, user data and every setting, into the log.
 void logEnvironment();

@@ -1,21 +1,50 @@
 #pragma once
 
+#include "applications/player/images/imageoptions.h"
+#include "applications/player/images/imagesequence.h"
 #include "applications/player/tweaks/tweakbase.h"
 
-class QPushButton;
+#include <memory>
+
 class QToolButton;
 
 namespace Zph::Applications::Player {
 
-// An image. The engine starts without one, and as long as that is so the row says "None".
+class FileButton;
+class ImageInput;
+class ImageServerBase;
+
+// A picture of a file, or of a numbered sequence that follows the timeline, and how it fits its place.
+//
+// What the engine was given is never changed: every change makes another record, which takes the place of the
+// one before when the engine hears of it. So a file that changes in the midst of a generation, which runs the
+// timers and with them this row, takes no pixel from under the engine.
 class TweakImage : public TweakBase
 {
     Q_OBJECT
 
 public:
     TweakImage(const TweakContext& context, QWidget* parent);
+    ~TweakImage() override;
+
+    // Takes the picture of a file. When no factory of image servers can make something of it, a box says so,
+    // the picture of before stays and the result is false. May ask whether it is a sequence.
+    bool open(const QString& path);
+    // Absolute; empty without a picture.
+    const QString& filePath() const { return m_filePath; }
 
     bool isImage() const override { return true; }
+    bool isTimeDependent() const override;
+    bool isDefault() const override { return m_filePath.isEmpty(); }
+    void resetToDefault() override;
+    void applyToEngine(InputSink& engine) override;
+
+public slots:
+    void browseFile();
+    void optionsSlot();
+    // Takes what the server shows now.
+    void updateCurrentImage();
+    void setTimeChanged(float time) override;
 
 protected:
     void parseInputGui(const QDomElement& element) override;
@@ -23,8 +52,13 @@ protected:
     void updateWidgetFromInput() override;
 
 private:
-    QPushButton* m_fileButton;
+    FileButton* m_fileButton;
     QToolButton* m_optionsButton;
+    std::shared_ptr<ImageInput> m_imageInput;
+    std::unique_ptr<ImageServerBase> m_server; // null without a picture
+    TimeClamping m_clamping = TimeClamping::Clamp;
+    ImageOptions m_options;
+    QString m_filePath;
 };
 
 } // namespace Zph::Applications::Player

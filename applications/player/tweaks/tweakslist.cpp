@@ -5,6 +5,7 @@
 #include "applications/player/tweaks/rollgraph.h"
 #include "applications/player/tweaks/sharedicon.h"
 #include "applications/player/tweaks/tweakbase.h"
+#include "applications/player/tweaks/tweakimage.h"
 #include "applications/player/tweaks/tweaktext.h"
 #include "applications/player/tweaks/tweaktime.h"
 #include "applications/player/tweaks/tweakvisibility.h"
@@ -17,6 +18,7 @@
 #include <QScrollArea>
 #include <QSignalBlocker>
 #include <QSignalMapper>
+#include <QTimer>
 #include <QToolButton>
 
 #include <algorithm>
@@ -235,6 +237,50 @@ bool TweaksList::anyImage() const
 {
     return std::any_of(m_tree.tweaks.begin(), m_tree.tweaks.end(),
                        [](const auto& entry) { return entry.second->isImage(); });
+}
+
+std::vector<TweakImage*> TweaksList::imageTweaks() const
+{
+    std::vector<TweakImage*> images;
+    for (const auto& entry : m_tree.tweaks)
+        if (auto* image = qobject_cast<TweakImage*>(entry.second))
+            images.push_back(image);
+    return images;
+}
+
+TweakImage* TweaksList::imageTweakAt(const QPoint& position) const
+{
+    const QWidget* widget = window()->childAt(window()->mapFromGlobal(position));
+    for (TweakImage* image : imageTweaks())
+        if (widget == image || image->isAncestorOf(widget))
+            return image;
+    return nullptr;
+}
+
+bool TweaksList::dropImage(const QString& path, const QPoint& position)
+{
+    // What opens may ask something, which must not hold up whoever the file was dragged from.
+    const auto open = [path](TweakImage* tweak) {
+        QTimer::singleShot(0, tweak, [tweak, path] { tweak->open(path); });
+    };
+    const std::vector<TweakImage*> images = imageTweaks();
+    TweakImage* target = images.size() == 1 ? images.front() : imageTweakAt(position);
+    if (images.empty())
+        return false;
+    if (target) {
+        open(target);
+        return true;
+    }
+    auto* menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    for (TweakImage* image : images) {
+        QString caption = image->caption();
+        QAction* action =
+            menu->addAction(tr("Load in '%1' tweak").arg(caption.replace('&', QLatin1String("&&"))));
+        connect(action, &QAction::triggered, image, [image, open] { open(image); });
+    }
+    menu->popup(position);
+    return true;
 }
 
 void TweaksList::updateVisibility()

@@ -16,6 +16,7 @@ class QVBoxLayout;
 namespace Zph::Applications::Player {
 
 class InputSink;
+class TweakImage;
 
 // The panel that holds all tweaks of the loaded package.
 //
@@ -54,6 +55,11 @@ public:
 
     bool anyTimeDependent() const;
     bool anyImage() const;
+
+    // Offers a picture's file to the rows of images: to the one at `position`, in global coordinates, or to
+    // the only one, or else to the one that the user chooses in a menu. False when there is no such row. The
+    // file is opened when the caller's event is over.
+    bool dropImage(const QString& path, const QPoint& position);
 
     const std::map<quint32, TweakBase*>& tweaks() const { return m_tree.tweaks; }
     bool isFrozen() const { return m_frozen; }
@@ -97,6 +103,8 @@ private:
     void addFreezeButton(QFrame* toolbar);
     void addPinButtons(QFrame* toolbar);
     TweakContext context() const;
+    TweakImage* imageTweakAt(const QPoint& position) const;
+    std::vector<TweakImage*> imageTweaks() const;
     void dropTree();
     void connectTweak(TweakBase* tweak);
     void connectGraphRolls();

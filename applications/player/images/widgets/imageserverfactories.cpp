@@ -1,0 +1,62 @@
+#include "applications/player/images/widgets/imageserverfactories.h"
+
+#include "applications/player/images/widgets/imageserverbase.h"
+#include "applications/player/images/widgets/imageserverfactoryseq.h"
+#include "applications/player/images/widgets/imageserverfactorystill.h"
+
+#include <QCoreApplication>
+#include <QPointer>
+#include <QStringList>
+
+#include <vector>
+
+namespace Zph::Applications::Player {
+
+namespace {
+
+std::vector<std::unique_ptr<ImageServerFactoryBase>>& factories()
+{
+    static std::vector<std::unique_ptr<ImageServerFactoryBase>> list;
+    return list;
+}
+
+} // namespace
+
+void registerImageServerFactory(std::unique_ptr<ImageServerFactoryBase> factory)
+{
+    factories().push_back(std::move(factory));
+}
+
+void registerDefaultImageServerFactories()
+{
+    registerImageServerFactory(std::make_unique<ImageServerFactorySeq>());
+    registerImageServerFactory(std::make_unique<ImageServerFactoryStill>());
+}
+
+std::unique_ptr<ImageServerBase> createImageServer(const QString& path, QObject* parent)
+{
+    const QPointer<QObject> owner(parent);
+    for (const auto& factory : factories()) {
+        std::unique_ptr<ImageServerBase> server(factory->create(path, parent));
+        if (server || (parent && !owner))
+            return server;
+    }
+    return nullptr;
+}
+
+QString imageServerFileFilter()
+{
+    QStringList patterns;
+    QString kinds;
+    for (const auto& factory : factories()) {
+        const QString filters = factory->filters();
+        patterns += filters.split(' ', Qt::SkipEmptyParts);
+        kinds += QStringLiteral(";;%1 (%2)").arg(factory->name(), filters);
+    }
+    patterns.removeDuplicates();
+    return QCoreApplication::translate("Zph::Applications::Player::ImageServer",
+                                       "All supported types (%1)%2;;All files (*.*)")
+        .arg(patterns.join(' '), kinds);
+}
+
+} // namespace Zph::Applications::Player

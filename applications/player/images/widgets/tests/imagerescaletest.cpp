@@ -1,0 +1,77 @@
+#include "applications/player/images/widgets/imagerescale.h"
+#include "applications/player/images/widgets/imageserverseq.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDoubleSpinBox>
+#include <QPushButton>
+#include <QSpinBox>
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace Zph::Applications::Player;
+
+ImageOptions optionsWith(quint32 flags)
+{
+    ImageOptions options;
+    options.flags = flags;
+    options.paddingColor = QColor(10, 20, 30, 40);
+    return options;
+}
+
+TEST(ImageRescale, GivesBackWhatItWasGiven)
+{
+    ImageOptions cropped = optionsWith(ImageOptions::Exact);
+    cropped.cropLeft = 1, cropped.cropTop = 2, cropped.cropRight = 3, cropped.cropBottom = 4;
+    ImageOptions half = optionsWith(ImageOptions::Exact);
+    half.cropLeft = 7;
+    for (const ImageOptions& options :
+         {optionsWith(0), optionsWith(1), optionsWith(2 | ImageOptions::Mosaic), cropped, half})
+        EXPECT_EQ(ImageRescale(options).options(), options);
+
+    ImageRescale dialog(optionsWith(0));
+    dialog.findChildren<QSpinBox*>().first()->setValue(5); // the top
+    const ImageOptions changed = dialog.options();
+    EXPECT_EQ(changed.cropTop, 5);
+    EXPECT_EQ(changed.cropLeft, 0) << "one set sets all, or the crop would count for nothing";
+}
+
+TEST(ImageRescale, OffersWhatTheModeUses)
+{
+    ImageRescale dialog(optionsWith(ImageOptions::Stretch));
+    auto* mode = dialog.findChild<QComboBox*>();
+    auto* mosaic = dialog.findChild<QCheckBox*>();
+    auto* color = dialog.findChild<QPushButton*>(QString(), Qt::FindDirectChildrenOnly);
+    const auto choose = [&](int index) {
+        mode->setCurrentIndex(index);
+        emit mode->activated(index);
+    };
+    EXPECT_FALSE(mosaic->isEnabled() || color->isEnabled());
+    choose(1);
+    EXPECT_EQ(dialog.options().flags, quint32(ImageOptions::KeepAspect));
+    EXPECT_TRUE(mosaic->isEnabled() && color->isEnabled());
+    mosaic->setChecked(true);
+    EXPECT_FALSE(color->isEnabled());
+    choose(2);
+    EXPECT_EQ(dialog.options().flags, quint32(ImageOptions::Exact | ImageOptions::Mosaic));
+    choose(0);
+    EXPECT_FALSE(mosaic->isEnabled());
+}
+
+TEST(ImageRescale, ThePanelCountsWhenItIsAccepted)
+{
+    ImageServerSeq server({"f*.png", 1, 1, 3}, nullptr);
+    server.setFps(12);
+    for (const bool accept : {false, true}) {
+        ImageRescale dialog(optionsWith(0));
+        dialog.setPanel(server.createPanel(&dialog));
+        auto* rate = dialog.findChild<QDoubleSpinBox*>();
+        EXPECT_EQ(rate->value(), 12);
+        rate->setValue(48);
+        accept ? dialog.accept() : dialog.reject();
+        EXPECT_EQ(server.fps(), accept ? 48 : 12);
+    }
+}
+
+} // namespace
