@@ -25,8 +25,12 @@ QString idOf(const PackageOutput& output)
 
 QString pathOf(const PackageOutput& output)
 {
-    QString graph = output.graphKey;
-    return graph.remove(QLatin1String("pkg://")) + '/' + idOf(output);
+    return pathOf(output.graphKey, idOf(output));
+}
+
+QString pathOf(const QString& graphKey, const QString& name)
+{
+    return QString(graphKey).remove(QLatin1String("pkg://")) + '/' + name;
 }
 
 } // namespace vellor::tool

@@ -10,5 +10,7 @@ QString idOf(const Zph::Applications::Player::PackageOutput& output);
 
 /// "bricks/basecolor".
 QString pathOf(const Zph::Applications::Player::PackageOutput& output);
+/// The same for anything else of a graph.
+QString pathOf(const QString& graphKey, const QString& name);
 
 } // namespace vellor::tool

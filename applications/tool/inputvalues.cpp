@@ -98,6 +98,13 @@ const Input* InputValues::withUid(quint32 uid) const
     return found == m_entries.end() ? nullptr : &found->identity;
 }
 
+InputValue InputValues::valueOf(const PackageInput& input) const
+{
+    const auto found = std::find_if(m_entries.begin(), m_entries.end(),
+                                    [&](const Entry& entry) { return entry.input.uid == input.uid; });
+    return found == m_entries.end() ? input.defaultValue : found->value;
+}
+
 void InputValues::assign(const QString& assignment)
 {
     const int equals = assignment.indexOf('=');

@@ -34,6 +34,8 @@ public:
     bool isCompatible(const PresetDescription& preset, const QString& graphKey) const;
     /// Null where there is none.
     const Zph::Applications::Player::Input* withUid(quint32 uid) const;
+    /// The value of a number, its default where it isn't one of these inputs.
+    Zph::Applications::Player::InputValue valueOf(const Zph::Applications::Player::PackageInput& input) const;
 
     /// "ID=VALUE": numbers with "," between them, "#rrggbb" for a colour, a choice by its number or label, a
     /// text, the path of a picture. In each graph that has such an input.

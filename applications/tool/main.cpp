@@ -1,5 +1,6 @@
 // `vellor`: the work on packages without a window.
 
+#include "applications/player/session/programidentity.h"
 #include "applications/tool/failure.h"
 #include "applications/tool/interrupter.h"
 #include "applications/tool/manual.h"
@@ -65,6 +66,7 @@ int main(int argc, char** argv)
     qInstallMessageHandler(dropLogLines);
     std::signal(SIGXFSZ, SIG_IGN); // a file that may not grow is one that can't be written
     const QCoreApplication application(argc, argv);
+    Zph::Applications::Player::setProgramIdentity();
     const std::vector<std::string> words(argv + std::min(argc, 1), argv + argc);
     const std::string first = words.empty() ? std::string() : words.front();
     if (first.empty()) {

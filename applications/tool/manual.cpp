@@ -114,8 +114,8 @@ std::string completionCase(const Command& command)
 
 const std::vector<const Command*>& allCommands()
 {
-    static const std::vector<const Command*> commands{&cookCommand, &renderCommand, &infoCommand,
-                                                      &profileCommand, &nodesCommand};
+    static const std::vector<const Command*> commands{&cookCommand,    &renderCommand,    &infoCommand,
+                                                      &profileCommand, &templatesCommand, &nodesCommand};
     return commands;
 }
 

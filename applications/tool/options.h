@@ -60,5 +60,6 @@ extern const Command infoCommand;
 extern const Command nodesCommand;
 extern const Command profileCommand;
 extern const Command renderCommand;
+extern const Command templatesCommand;
 
 } // namespace vellor::tool

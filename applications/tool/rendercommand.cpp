@@ -1,6 +1,7 @@
 #include "applications/tool/engineloader.h"
 #include "applications/tool/failure.h"
 #include "applications/tool/package.h"
+#include "applications/tool/packingoption.h"
 #include "applications/tool/presetoption.h"
 #include "applications/tool/renderer.h"
 #include "applications/tool/sharedoptions.h"
@@ -87,6 +88,7 @@ int runRender(const Arguments& arguments)
     if (settings.metadata.needsArchive() && package.archive().isEmpty())
         throw UsageError(
             "--metadata: a .vlrbin has no package that could be kept; take the .vlr or the .vlrar");
+    applyTemplate(arguments, package, selection, settings);
     if (arguments.has("--save-preset"))
         savePreset(QString::fromStdString(arguments.value("--save-preset")), selection);
 

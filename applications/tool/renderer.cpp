@@ -1,5 +1,6 @@
 #include "applications/tool/renderer.h"
 
+#include "applications/player/description/outputformatname.h"
 #include "applications/player/description/outputlabel.h"
 #include "applications/player/description/valuetype.h"
 #include "applications/player/metadata/metadatatrailer.h"
@@ -11,6 +12,8 @@
 #include <QCryptographicHash>
 #include <QDir>
 #include <QFileInfo>
+
+#include <utility>
 
 namespace vellor::tool {
 
@@ -33,14 +36,18 @@ Renderer::Renderer(const Package& package, Selection& selection, const RenderSet
     : m_package(package), m_selection(selection), m_settings(settings),
       m_names(settings.pattern, defaultBaseNamePattern(package.model(), settings.isAnimation)),
       m_interrupter(package.engine()), m_generator(package, selection, m_interrupter),
-      m_queue(std::size_t(settings.encoders), kWaitingPictures)
+      m_collector(settings.packing.files), m_queue(std::size_t(settings.encoders), kWaitingPictures)
 {
     m_generator.onProgress = [this](int percent) { showProgress(percent); };
     m_generator.onOutput = [this](int place, const Generator::Result& result, double seconds) {
-        RenderedOutput& rendered = m_outputs[std::size_t(m_firstOfFrame + place)];
-        rendered.seconds = seconds;
         ++m_doneOfFrame;
-        take(rendered, result);
+        if (isPacking()) {
+            m_secondsOfPacked += seconds;
+            takeForPacking(place, result);
+            return;
+        }
+        expected(place).seconds = seconds;
+        take(expected(place), result);
     };
 }
 
@@ -62,18 +69,15 @@ void Renderer::run()
 
 void Renderer::renderFrame(int frame)
 {
-    const std::optional<int> number = m_settings.isAnimation ? std::optional<int>(frame) : std::nullopt;
     {
         const std::lock_guard lock(m_mutex);
         m_firstOfFrame = int(m_outputs.size());
-        for (const PackageOutput& output : qAsConst(m_selection.outputs)) {
-            RenderedOutput rendered;
-            rendered.output = output;
-            rendered.frame = number;
-            rendered.file = pathOf(output, number);
-            m_outputs.push_back(rendered);
-        }
+        for (const PlannedFile& file : m_settings.packing.files)
+            expect(file.mainOutput(), &file);
+        for (int i = 0; !isPacking() && i < m_selection.outputs.size(); ++i)
+            expect(m_selection.outputs.at(i), nullptr);
     }
+    m_collector.reset();
     m_doneOfFrame = 0;
     if (!m_metadata && m_settings.metadata.isEnabled() && !m_settings.folder.isEmpty())
         prepareMetadata();
@@ -81,6 +85,17 @@ void Renderer::renderFrame(int frame)
         m_selection.values.setTime(float(double(frame) / m_settings.framesPerSecond));
     showProgress(0);
     m_generator.run();
+}
+
+void Renderer::expect(const PackageOutput& output, const PlannedFile* packed)
+{
+    RenderedOutput rendered;
+    rendered.output = output;
+    rendered.packed = packed;
+    if (m_settings.isAnimation)
+        rendered.frame = m_frame;
+    rendered.file = pathOf(rendered);
+    m_outputs.push_back(rendered);
 }
 
 namespace {
@@ -114,21 +129,26 @@ BitmapMetadata Renderer::metadataOf(const RenderedOutput& rendered)
     return m_metadata && !rendered.file.isEmpty() ? m_metadata->of(bitmapOf(rendered)) : BitmapMetadata();
 }
 
-QString Renderer::pathOf(const PackageOutput& output, std::optional<int> frame)
+QString Renderer::pathOf(const RenderedOutput& rendered)
 {
+    const PackageOutput& output = rendered.output;
     if (m_settings.folder.isEmpty() || componentCount(output.type) > 0)
         return {};
     const QString usage = outputUsageText(m_package.model().description().output(output.uid).element);
-    const BaseNameSource source = baseNameSource(exportLabel(output), output.uid, usage, m_selection.preset);
-    return QDir::cleanPath(
-        QDir(m_settings.folder).filePath(m_names.next(source, frame) + '.' + m_settings.format));
+    BaseNameSource source = baseNameSource(exportLabel(output), output.uid, usage, m_selection.preset);
+    if (rendered.packed)
+        source.name = rendered.packed->name;
+    return QDir::cleanPath(QDir(m_settings.folder)
+                               .filePath(m_names.next(source, rendered.frame) + '.' +
+                                         (rendered.packed ? rendered.packed->format : m_settings.format)));
 }
 
 void Renderer::take(RenderedOutput& rendered, const Generator::Result& result)
 {
     if (result.isSurface()) {
         m_queue.post([this, &rendered, result, metadata = metadataOf(rendered)] {
-            encode(rendered, result, metadata);
+            encode(
+                rendered, [&] { return result.surface(); }, metadata);
         });
         return;
     }
@@ -139,34 +159,73 @@ void Renderer::take(RenderedOutput& rendered, const Generator::Result& result)
     rendered.isDone = true;
 }
 
-void Renderer::encode(RenderedOutput& rendered, const Generator::Result& result,
+void Renderer::takeForPacking(int place, const Generator::Result& result)
+{
+    const auto pack = [this](int file, const PackingPictures& pictures) {
+        RenderedOutput& rendered = expected(file);
+        rendered.seconds = std::exchange(m_secondsOfPacked, 0.0);
+        m_queue.post([this, &rendered, own = pictures, metadata = metadataOf(rendered)]() mutable {
+            const auto packed = [&] { // what it was made of goes before it is written
+                const PackingPictures sources = std::exchange(own, {});
+                return packPicture(*rendered.packed, sources, rendered.packed->depth);
+            };
+            encode(rendered, packed, metadata);
+        });
+    };
+    m_collector.add(m_selection.outputs.at(place).uid, result.surface(), pack);
+}
+
+namespace {
+
+QString formatOf(const RenderedOutput& rendered, const Orn::Surfaces::Surface& picture)
+{
+    return rendered.packed ? packedFormatName(picture.format())
+                           : outputFormatName(rendered.output.pixelFormat);
+}
+
+} // namespace
+
+void Renderer::encode(RenderedOutput& rendered, const std::function<SurfacePtr()>& makePicture,
                       const BitmapMetadata& metadata)
 {
-    const auto surface = result.surface();
-    const QByteArray hash = m_settings.wantsHashes ? pixelHash(*surface) : QByteArray();
     QElapsedTimer clock;
     clock.start();
-    QString error;
-    if (!rendered.file.isEmpty()) {
-        PictureFileOptions options{m_settings.format, m_settings.depth, &m_interrupter.flag()};
-        if (!metadata.embedded.isEmpty())
-            options.trailer = [&](qint64 size) { return metadataTrailer(metadata.embedded, size); };
-        error = writePictureFile(surface, rendered.file, options);
-        if (error.isEmpty())
-            error = metadata.writeBeside();
-    }
+    const SurfacePtr picture = makePicture();
+    QString error = picture ? write(rendered, picture, metadata) : "there is no memory for the picture";
+    const double seconds = double(clock.nsecsElapsed()) * 1e-9;
+    const QByteArray hash = picture && m_settings.wantsHashes ? pixelHash(*picture) : QByteArray();
     const std::lock_guard lock(m_mutex);
     if (!error.isEmpty() && !m_interrupter.isRequested()) {
-        m_failure = rendered.file + ": " + error;
+        m_failure = (rendered.file.isEmpty() ? outputName(rendered) : rendered.file) + ": " + error;
         m_interrupter.request();
     }
-    rendered.width = surface->width();
-    rendered.height = surface->height();
+    if (picture) {
+        rendered.width = picture->width();
+        rendered.height = picture->height();
+        rendered.format = formatOf(rendered, *picture);
+    }
     rendered.hash = hash;
-    rendered.encodingSeconds = double(clock.nsecsElapsed()) * 1e-9;
+    rendered.encodingSeconds = seconds;
     rendered.fileBytes = rendered.file.isEmpty() ? 0 : QFileInfo(rendered.file).size();
     rendered.hasFailed = !error.isEmpty();
     rendered.isDone = true;
+}
+
+/// Returns what went wrong, or an empty text.
+QString Renderer::write(const RenderedOutput& rendered, const SurfacePtr& picture,
+                        const BitmapMetadata& metadata)
+{
+    if (rendered.file.isEmpty())
+        return {};
+    PictureFileOptions options{m_settings.format, m_settings.depth, &m_interrupter.flag()};
+    if (rendered.packed) {
+        options.format = rendered.packed->format;
+        options.depth = rendered.packed->depth;
+    }
+    if (!metadata.embedded.isEmpty())
+        options.trailer = [&](qint64 size) { return metadataTrailer(metadata.embedded, size); };
+    const QString error = writePictureFile(picture, rendered.file, options);
+    return error.isEmpty() ? metadata.writeBeside() : error;
 }
 
 /// Tells of what is done from the front on, as far as it goes; at the end of everything that is done.

@@ -2,6 +2,7 @@
 
 #include "applications/player/metadata/metadatawriter.h"
 #include "applications/player/output/basename.h"
+#include "applications/player/packing/packer.h"
 #include "applications/tool/generator.h"
 #include "applications/tool/interrupter.h"
 #include "applications/tool/progressbar.h"
@@ -14,7 +15,8 @@
 
 namespace vellor::tool {
 
-/// Generates the selected outputs, frame by frame, hashes them and writes their files. Main thread.
+/// Generates the selected outputs, frame by frame, packs them where the settings say so, hashes them and
+/// writes their files. Main thread.
 class Renderer
 {
 public:
@@ -29,15 +31,24 @@ public:
     void run();
 
 private:
+    using SurfacePtr = QSharedPointer<Orn::Surfaces::Surface>;
+
     void renderFrame(int frame);
+    void expect(const Zph::Applications::Player::PackageOutput& output,
+                const Zph::Applications::Player::PlannedFile* packed);
+    bool isPacking() const { return !m_settings.packing.files.isEmpty(); }
+    RenderedOutput& expected(int place) { return m_outputs[std::size_t(m_firstOfFrame + place)]; }
     void take(RenderedOutput& rendered, const Generator::Result& result);
-    void encode(RenderedOutput& rendered, const Generator::Result& result,
+    void takeForPacking(int place, const Generator::Result& result);
+    void encode(RenderedOutput& rendered, const std::function<SurfacePtr()>& makePicture,
                 const Zph::Applications::Player::BitmapMetadata& metadata);
+    QString write(const RenderedOutput& rendered, const SurfacePtr& picture,
+                  const Zph::Applications::Player::BitmapMetadata& metadata);
     void tellFinished(bool all);
     void showProgress(int percent);
     void prepareMetadata();
     Zph::Applications::Player::BitmapMetadata metadataOf(const RenderedOutput& rendered);
-    QString pathOf(const Zph::Applications::Player::PackageOutput& output, std::optional<int> frame);
+    QString pathOf(const RenderedOutput& rendered);
 
     const Package& m_package;
     Selection& m_selection;
@@ -47,6 +58,8 @@ private:
     Interrupter m_interrupter;
     Generator m_generator;
     ProgressBar m_progress;
+    Zph::Applications::Player::PackingCollector m_collector;
+    double m_secondsOfPacked = 0;         // of generation, for the next file that is packed
     std::deque<RenderedOutput> m_outputs; // of the frames that are under way; references stay valid
     QString m_failure;                    // the first file that could not be written, and why
     std::mutex m_mutex;                   // m_failure, and of m_outputs what the queue sets

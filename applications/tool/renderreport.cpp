@@ -1,6 +1,5 @@
 #include "applications/tool/renderreport.h"
 
-#include "applications/player/description/outputformatname.h"
 #include "applications/player/description/valuetype.h"
 #include "applications/tool/identifiers.h"
 #include "applications/tool/valuetext.h"
@@ -28,7 +27,9 @@ QString sizeText(qint64 bytes)
 
 QString outputName(const RenderedOutput& rendered)
 {
-    return pathOf(rendered.output) + (rendered.frame ? '#' + QString::number(*rendered.frame) : QString());
+    const QString name =
+        rendered.packed ? pathOf(rendered.output.graphKey, rendered.packed->name) : pathOf(rendered.output);
+    return name + (rendered.frame ? '#' + QString::number(*rendered.frame) : QString());
 }
 
 QString reportLine(const RenderedOutput& rendered)
@@ -39,7 +40,7 @@ QString reportLine(const RenderedOutput& rendered)
         .arg(rendered.file)
         .arg(rendered.width)
         .arg(rendered.height)
-        .arg(outputFormatName(rendered.output.pixelFormat), sizeText(rendered.fileBytes))
+        .arg(rendered.format, sizeText(rendered.fileBytes))
         .arg(rendered.seconds, 0, 'f', 3);
 }
 
@@ -48,23 +49,38 @@ QString hashLine(const RenderedOutput& rendered)
     return QString::fromLatin1(rendered.hash.toHex()) + "  " + outputName(rendered);
 }
 
+namespace {
+
+QJsonObject identityJson(const RenderedOutput& rendered)
+{
+    const PackageOutput& output = rendered.output;
+    if (!rendered.packed)
+        return {{"graph", output.graphKey},
+                {"identifier", output.identifier},
+                {"uid", double(output.uid)},
+                {"type", typeName(output.type)},
+                {"usages", QJsonArray::fromStringList(output.usages)}};
+    QJsonArray outputs;
+    for (const PlannedSource& source : rendered.packed->sources)
+        outputs.append(source.output.identifier);
+    return {{"graph", output.graphKey}, {"name", rendered.packed->name}, {"outputs", outputs}};
+}
+
+} // namespace
+
 QJsonObject reportJson(const RenderedOutput& rendered)
 {
     const PackageOutput& output = rendered.output;
-    QJsonObject json{{"graph", output.graphKey},
-                     {"identifier", output.identifier},
-                     {"uid", double(output.uid)},
-                     {"type", typeName(output.type)},
-                     {"usages", QJsonArray::fromStringList(output.usages)},
-                     {"hash", QString::fromLatin1(rendered.hash.toHex())},
-                     {"seconds", rendered.seconds}};
+    QJsonObject json = identityJson(rendered);
+    json.insert("hash", QString::fromLatin1(rendered.hash.toHex()));
+    json.insert("seconds", rendered.seconds);
     if (rendered.frame)
         json.insert("frame", *rendered.frame);
     if (isNumber(rendered)) {
         json.insert("value", valueJson(output.type, rendered.value));
         return json;
     }
-    json.insert("format", outputFormatName(output.pixelFormat));
+    json.insert("format", rendered.format);
     json.insert("size", QJsonArray{double(rendered.width), double(rendered.height)});
     if (!rendered.file.isEmpty()) {
         json.insert("file", rendered.file);

@@ -1,5 +1,7 @@
 #include "applications/tool/rendersettings.h"
 
+#include "applications/tool/packingoption.h"
+
 #include <QRegularExpression>
 
 #include <cmath>
@@ -9,17 +11,6 @@ namespace vellor::tool {
 using namespace Zph::Applications::Player;
 
 namespace {
-
-struct DepthName
-{
-    const char* name;
-    PictureDepth depth;
-};
-
-constexpr DepthName kDepths[] = {{"8", PictureDepth::Bits8},
-                                 {"16", PictureDepth::Bits16},
-                                 {"16f", PictureDepth::Half},
-                                 {"32f", PictureDepth::Float}};
 
 QString textOf(const Arguments& arguments, const char* option, const char* fallback = "")
 {
@@ -42,20 +33,19 @@ QString readFormat(const Arguments& arguments)
     return format;
 }
 
+/// With a template, the format that it is for is known later.
 PictureDepth readDepth(const Arguments& arguments, const QString& format)
 {
     if (!arguments.has("--depth"))
         return PictureDepth::OfPicture;
     const QString text = textOf(arguments, "--depth");
-    const QVector<PictureDepth> held = depthsOf(format);
+    const QVector<PictureDepth> held = depthsOf(arguments.has("--template") ? QString() : format);
+    const auto depth = depthFromName(text);
+    if (depth && held.contains(*depth))
+        return *depth;
     QStringList names;
-    for (const DepthName& candidate : kDepths) {
-        if (!held.contains(candidate.depth))
-            continue;
-        names.append(candidate.name);
-        if (text == candidate.name)
-            return candidate.depth;
-    }
+    for (const PictureDepth each : held)
+        names.append(depthName(each));
     wrong("--depth", names.join(" or ") + " for " + format, text);
 }
 
@@ -108,6 +98,7 @@ const std::vector<Option>& renderOptions()
          "frame"},
         {"--frames", nullptr, "A-B", "renders the frames from A to B, for packages with an input $time"},
         {"--fps", nullptr, "N", "frames in a second; 30 by default"},
+        kTemplate,
         {"--metadata", nullptr, "embedded|file|none",
          "keeps the package and the values at the end of each picture's file, or in a .vlrmeta file beside "
          "it, "

@@ -1,3 +1,4 @@
+#include "applications/player/session/programidentity.h"
 #include "applications/player/shell/startup.h"
 #include "resources/resources.h"
 
@@ -15,7 +16,7 @@ int main(int argc, char** argv)
     QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
-    Startup::setIdentity();
+    setProgramIdentity();
     Startup::registerCodecs();
     Startup::registerImageServers();
     testing::InitGoogleTest(&argc, argv);

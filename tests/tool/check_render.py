@@ -202,6 +202,64 @@ def check_frames(place):
     check("time", abs(place.png("frames/wall_height_0010.png")[4][0] - 0.7 * 65535) < 1, place.png("frames/wall_height_0010.png"))
 
 
+METAL = """<package formatversion="1"><graph identifier="metal"><inputs><input identifier="$outputsize" default="2,1"/></inputs>
+<nodes>
+ <node id="rough" type="uniform"><param name="colour" value="0.2,0.2,0.2,1"/></node>
+ <node id="metal" type="uniform"><param name="colour" value="0.8,0.8,0.8,1"/></node>
+ <node id="flat" type="uniform" channels="colour"><param name="colour" value="0.4,0.2,1,1"/></node>
+</nodes>
+<outputs>
+ <output identifier="m" from="metal" usage="metallic"/><output identifier="n" from="flat" usage="normal"/>
+ <output identifier="r" from="rough" usage="roughness" format="grey16"/><output identifier="count" value="3" usage="height"/>
+</outputs></graph></package>"""
+
+
+def check_templates(place):
+    (place.folder / "metal.vlr").write_text(METAL)
+    told = place.run("metal.vlr", "-o", "gltf", "--template", "glTF", "--json")
+    entries = json.loads(told.stdout)["outputs"]
+    check("note", told.stderr == "vellor: note: pkg://metal has no output ambientocclusion, so r of occlusionRoughnessMetallic is 1 everywhere\n", told)
+    check("packed files", place.files("gltf") == ["metal_normal.png", "metal_occlusionRoughnessMetallic.png"], place.files("gltf"))
+    packed = place.png("gltf/metal_occlusionRoughnessMetallic.png")
+    check("occlusion, roughness, metalness", packed == (4, 2, 8, 3, (255, 51, 204)), packed)
+    check("green up", place.png("gltf/metal_normal.png")[4] == (102, 204, 255), place.png("gltf/metal_normal.png"))
+    check("report of a packed file", entries[0]["name"] == "occlusionRoughnessMetallic" and entries[0]["outputs"] == ["r", "m"] and
+          entries[0]["hash"] == hashlib.md5(bytes((255, 51, 204)) * 8).hexdigest() and entries[0]["size"] == [4, 2] and
+          entries[0]["bytes"] == (place.folder / entries[0]["file"]).stat().st_size, entries)
+    place.run("metal.vlr", "-o", "unreal", "--template", "unreal")
+    check("green down", place.png("unreal/T_metal_Normal.png")[4] == (102, 51, 255), place.files("unreal"))
+    place.run("metal.vlr", "-o", "unity", "--template", "unity-urp")
+    smooth = place.png("unity/metal_MetallicSmoothness.png")
+    check("smoothness", smooth[3:] == (4, (204, 204, 204, 204)), smooth)
+    check("packed hash", place.run("metal.vlr", "--hash", "--template", "unity-urp", "--output", "n").stdout ==
+          hashlib.md5(bytes((102, 204, 255)) * 8).hexdigest() + "  metal/NormalMap\n")
+
+    own = place.folder / "Ornex/Vellor Player/templates"
+    own.mkdir(parents=True)
+    (own / "mine.json").write_text('{"files": [{"name": "Mix", "channels": {"rgb": "basecolor", "a": "height"}}]}')
+    (place.folder / "broken.json").write_text("{\n  files")
+    home = dict(os.environ, XDG_DATA_HOME=str(place.folder))
+    words = ["wall.vlr", "--template", "mine", "--set", "tint=#ff8000", "--frames", "9-10", "--fps", "20"]
+    for words_of_metadata in ([], ["--metadata", "embedded"]):
+        told = place.run(*words, "-o", "mine" + "".join(words_of_metadata), *words_of_metadata, env=home)
+        check("frames by a template", told.stdout.count("\n") == 2 and told.stderr == "", told)
+    mixed = place.png("mine/wall_Mix_0009.png")
+    check("deepest of the sources", mixed[2:4] == (16, 4) and mixed[4][:3] == (65535, 32896, 0) and
+          abs(mixed[4][3] - 0.65 * 65535) < 1, mixed)
+    plain, told = [(place.folder / folder / "wall_Mix_0010.png").read_bytes() for folder in ("mine", "mine--metadataembedded")]
+    check("metadata behind a packed file", told.startswith(plain) and told.endswith(b"TMLV") and b'outputidentifier="' in told)
+    listed = subprocess.run([place.vellor, "templates"], env=home, capture_output=True, text=True)
+    check("list", listed.returncode == 0 and listed.stdout.count("\n") == 9 and str(own / "mine.json") in listed.stdout, listed)
+    for words, code, message in [
+            (["--template", "none"], 1, "there is no template 'none'; there are blender, gltf"),
+            (["--template", "broken.json"], 2, "broken.json: line 2, column "), (["--template", "gone.json"], 2, "gone.json: "),
+            (["--template", "gltf", "--format", "tga"], 1, "--format: the template says that"),
+            (["--template", "blender", "--depth", "32f"], 1, "can't hold the depth 32f"),
+            (["--template", "gltf", "--output", "count"], 1, "none of the outputs that 'gltf' is made of")]:
+        told = place.run("metal.vlr", *words)
+        check(" ".join(words), told.returncode == code and message in told.stderr and told.stderr.count("\n") == 1, told)
+
+
 def check_profile(place):
     def profile(*words):
         return subprocess.run([place.vellor, "profile", "slow.vlr", "--size", "256", *words], cwd=place.folder,
@@ -286,7 +344,7 @@ def check_interruption(place):
 def main():
     with tempfile.TemporaryDirectory() as name:
         place = Place(os.path.abspath(sys.argv[1]), name)
-        for part in (check_pictures, check_values, check_presets, check_metadata, check_frames, check_profile, check_errors, check_no_room, check_interruption):
+        for part in (check_pictures, check_values, check_presets, check_metadata, check_frames, check_templates, check_profile, check_errors, check_no_room, check_interruption):
             part(place)
     return 1 if failures else 0
 

@@ -203,6 +203,22 @@ QVector<PictureDepth> depthsOf(const QString& format)
     return {Depth::Bits8, Depth::Bits16, Depth::Half, Depth::Float};
 }
 
+QString depthName(PictureDepth depth)
+{
+    static const char* const names[] = {"", "8", "16", "16f", "32f"};
+    return QLatin1String(names[int(depth)]);
+}
+
+std::optional<PictureDepth> depthFromName(const QString& name)
+{
+    for (const auto depth :
+         {PictureDepth::Bits8, PictureDepth::Bits16, PictureDepth::Half, PictureDepth::Float}) {
+        if (name == depthName(depth))
+            return depth;
+    }
+    return {};
+}
+
 QString writePictureFile(const SurfacePtr& picture, const QString& path, const PictureFileOptions& options)
 {
     const SurfacePtr source = picture ? converted(picture, options.depth) : picture;

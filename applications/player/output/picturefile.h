@@ -9,6 +9,7 @@
 
 #include <atomic>
 #include <functional>
+#include <optional>
 
 namespace Zph::Applications::Player {
 
@@ -28,6 +29,10 @@ QStringList pictureFormats();
 // The depths that files of a format can hold, of those that may be asked for; all of them for a format of
 // which nothing is known.
 QVector<PictureDepth> depthsOf(const QString& format);
+
+// What people call a depth: "8", "16", "16f" and "32f"; empty for PictureDepth::OfPicture, which has no name.
+QString depthName(PictureDepth depth);
+std::optional<PictureDepth> depthFromName(const QString& name);
 
 struct PictureFileOptions
 {

@@ -1,6 +1,7 @@
 // The entry of the player: brings everything up in a fixed order, opens the first document, runs the event
 // loop and takes everything down. All of it on the main thread.
 
+#include "applications/player/session/programidentity.h"
 #include "applications/player/session/static.h"
 #include "applications/player/shell/cmdlineargs.h"
 #include "applications/player/shell/enginedynswitch.h"
@@ -84,7 +85,7 @@ int main(int argc, char** argv)
     Startup::setApplicationAttributes();
     allowMissingDisplay(argc, argv);
     auto application = std::make_unique<QApplication>(argc, argv);
-    Startup::setIdentity();
+    setProgramIdentity();
     Startup::startLogging();
     Static::instance();
     auto arguments = std::make_unique<CmdLineArgs>();

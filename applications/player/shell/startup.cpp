@@ -4,7 +4,6 @@
 #include "orncommon/colormanagement/colormanagementloggeradaptor.h"
 #include "orncommon/colormanagement/legacycolormanagementengine.h"
 #include "orncommon/core/applicationsettings.h"
-#include "orncommon/core/applicationversion.h"
 #include "orncommon/core/channellogger.h"
 #include "orncommon/core/componentsmgr.h"
 #include "orncommon/core/logmanager.h"
@@ -46,17 +45,6 @@ void setApplicationAttributes()
     format.setStencilBufferSize(0);
     format.setDepthBufferSize(0);
     QSurfaceFormat::setDefaultFormat(format);
-}
-
-void setIdentity()
-{
-    auto& version = Orn::Core::ApplicationVersion::getCurrent();
-    version.setTag({});
-    version.setVersionNumber(10, 1, 1, 3475, "e94872d4");
-    version.setBuildDate(Orn::Core::ApplicationVersion::createBuildDate("Apr 10 2020"));
-    QCoreApplication::setOrganizationName("Ornex");
-    QCoreApplication::setApplicationName("Vellor Player");
-    QCoreApplication::setApplicationVersion(version.buildVersionStr());
 }
 
 void startLogging()

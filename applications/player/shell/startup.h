@@ -16,8 +16,6 @@ extern const char* const kVersionLine;
 
 /// Attributes and the default OpenGL format, ahead of the application object.
 void setApplicationAttributes();
-/// Organisation, name and version, ahead of the first use of the settings.
-void setIdentity();
 /// The log file and the handler of Qt's messages.
 void startLogging();
 void registerFonts();

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "applications/player/packing/packingplan.h"
+
+#include <QHash>
+
+#include <functional>
+
+namespace Zph::Applications::Player {
+
+using PackingPictures = QHash<quint32, QSharedPointer<Orn::Surfaces::Surface>>; // by uid of the output
+
+// The picture of a file, from those of its sources: what the engine gave, untouched. It has grey, RGB or RGBA
+// pixels of `depth`, or for PictureDepth::OfPicture of the deepest of its sources: 8 bits, 16 bits, half,
+// float, and float for 16 bits beside halves. Values of channels whose depths agree are copied to the last
+// bit, others are rounded to the nearest; grey of colour has the weights of Rec. 709, and the alpha of a
+// picture that has none is 1. Sources of other sizes are stretched to the greatest width and height among
+// them, bilinearly. Null when a source is missing or there is no memory. Any thread.
+QSharedPointer<Orn::Surfaces::Surface> packPicture(const PlannedFile& file, const PackingPictures& pictures,
+                                                   PictureDepth depth);
+
+// The words for the pixels of such a picture, as outputFormatName() has them for outputs.
+QString packedFormatName(Orn::Surfaces::PixelFormat format);
+
+// Gathers the pictures of one generation as they come, and keeps each no longer than a file waits for it.
+class PackingCollector
+{
+public:
+    // The plan's files, which outlive the object.
+    explicit PackingCollector(const QVector<PlannedFile>& files) : m_files(&files) { reset(); }
+
+    // Forgets the pictures, for the next generation.
+    void reset();
+
+    // A file, by its place in the plan, has all its pictures.
+    using Complete = std::function<void(int file, const PackingPictures& pictures)>;
+
+    // Takes the picture of an output, and tells of the files that became complete by it, in their order.
+    void add(quint32 uid, const QSharedPointer<Orn::Surfaces::Surface>& picture, const Complete& complete);
+
+private:
+    bool isNeeded(quint32 uid) const;
+
+    const QVector<PlannedFile>* m_files;
+    QVector<bool> m_isDone; // by file
+    PackingPictures m_pictures;
+};
+
+} // namespace Zph::Applications::Player
