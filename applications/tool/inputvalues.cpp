@@ -47,16 +47,15 @@ void InputValues::apply(const PresetDescription& preset, const QString& graphKey
     for (Entry& entry : m_entries) {
         if (entry.input.graphKey != graphKey)
             continue;
-        const PresetInput* found = preset.find(entry.identity);
-        const bool isGiven = found && found->type == entry.input.type;
+        const PresetInput* found = preset.valueFor(entry.identity);
         if (entry.input.type == ValueType::Image) {
-            if (isGiven)
+            if (found)
                 readPicture(entry, found->text);
             continue;
         }
         entry.dirty = true;
-        entry.text = isGiven ? found->text : entry.details.defaultText;
-        entry.value = isGiven ? found->value : entry.input.defaultValue;
+        entry.text = found ? found->text : entry.details.defaultText;
+        entry.value = found ? found->value : entry.input.defaultValue;
     }
 }
 
@@ -87,7 +86,7 @@ PresetDescription InputValues::collect(const QString& graphKey) const
 bool InputValues::isCompatible(const PresetDescription& preset, const QString& graphKey) const
 {
     return std::any_of(m_entries.begin(), m_entries.end(), [&](const Entry& entry) {
-        return entry.input.graphKey == graphKey && preset.find(entry.identity);
+        return entry.input.graphKey == graphKey && preset.names(entry.identity);
     });
 }
 

@@ -53,6 +53,17 @@ const PresetInput* PresetDescription::find(const Input& input) const
     return nullptr;
 }
 
+const PresetInput* PresetDescription::valueFor(const Input& input) const
+{
+    const PresetInput* found = find(input);
+    return found && found->type == input.type() ? found : nullptr;
+}
+
+bool PresetDescription::names(const Input& input) const
+{
+    return !input.identifier().isEmpty() && find(input) != nullptr;
+}
+
 QVector<PresetDescription> readPresets(const QDomElement& parent, const QDir& directory,
                                        const InputLookUp& inputs)
 {

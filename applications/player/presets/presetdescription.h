@@ -36,6 +36,12 @@ struct PresetDescription
 
     // The entry for an input: by identifier where the input has one, else by uid; the first match, or null.
     const PresetInput* find(const Input& input) const;
+    // The entry that an input takes its value from: that of find(), if it has the type of the input. Null for
+    // an input that goes back to its default, or stays as it is where it is an image.
+    const PresetInput* valueFor(const Input& input) const;
+    // Whether an entry has the identifier of an input: one such input, and the preset suits another graph
+    // too.
+    bool names(const Input& input) const;
 };
 
 // Gives the input with a uid, or null: what an entry that leaves out its type or identifier takes them from.

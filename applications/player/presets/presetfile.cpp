@@ -20,6 +20,13 @@ QString translated(const char* text)
     return QCoreApplication::translate("PresetFile", text);
 }
 
+// Half a surrogate pair, which a text that was cut may end in, has no form in a file and makes the writer
+// leave out what follows.
+void writeText(QXmlStreamWriter& xml, const char* name, const QString& text)
+{
+    xml.writeAttribute(QLatin1String(name), QString::fromUtf8(text.toUtf8()));
+}
+
 QString valueText(const PresetInput& input)
 {
     if (input.type == ValueType::Text)
@@ -35,13 +42,12 @@ void writeInput(QXmlStreamWriter& xml, const PresetInput& input, const QDir& dir
 {
     xml.writeEmptyElement(QStringLiteral("presetinput"));
     xml.writeAttribute(QStringLiteral("uid"), QString::number(input.uid));
-    xml.writeAttribute(QStringLiteral("identifier"), input.identifier);
+    writeText(xml, "identifier", input.identifier);
     xml.writeAttribute(QStringLiteral("type"), QString::number(input.type));
     if (input.type == ValueType::Image)
-        xml.writeAttribute(QStringLiteral("filepath"),
-                           input.text.isEmpty() ? QString() : directory.relativeFilePath(input.text));
+        writeText(xml, "filepath", input.text.isEmpty() ? QString() : directory.relativeFilePath(input.text));
     else
-        xml.writeAttribute(QStringLiteral("value"), valueText(input));
+        writeText(xml, "value", valueText(input));
 }
 
 } // namespace
@@ -51,11 +57,11 @@ void writePreset(QXmlStreamWriter& xml, const PresetDescription& preset, const Q
 {
     xml.writeStartElement(QStringLiteral("vlrpreset"));
     if (head == PresetHead::Whole) {
-        xml.writeAttribute(QStringLiteral("pkgurl"), preset.pkgurl);
-        xml.writeAttribute(QStringLiteral("label"), preset.label);
+        writeText(xml, "pkgurl", preset.pkgurl);
+        writeText(xml, "label", preset.label);
     }
     if (!preset.description.isEmpty())
-        xml.writeAttribute(QStringLiteral("description"), preset.description);
+        writeText(xml, "description", preset.description);
     for (const PresetInput& input : preset.inputs)
         writeInput(xml, input, directory);
     if (preset.exportOptions)

@@ -2,14 +2,13 @@
 
 #include "applications/player/description/inputsink.h"
 #include "applications/player/session/static.h"
+#include "applications/player/tweaks/presets/presets.h"
 #include "applications/player/tweaks/rollgraph.h"
 #include "applications/player/tweaks/sharedicon.h"
 #include "applications/player/tweaks/tweakbase.h"
 #include "applications/player/tweaks/tweakimage.h"
-#include "applications/player/tweaks/tweaktext.h"
 #include "applications/player/tweaks/tweaktime.h"
 #include "applications/player/tweaks/tweakvisibility.h"
-#include "orncommon/core/applicationsettings.h"
 #include "orncommon/core/settingkey.h"
 
 #include <QHBoxLayout>
@@ -44,7 +43,8 @@ void retire(QWidget* widget)
 } // namespace
 
 TweaksList::TweaksList(quint8 flags, QWidget* parent)
-    : LayoutWidget(parent), m_flags(flags), m_presetMapper(new QSignalMapper(this))
+    : LayoutWidget(parent), m_flags(flags), m_presetMapper(new QSignalMapper(this)),
+      m_presets(new Presets(m_tree, this))
 {
     m_flags = quint8(pinsSetting.read() ? m_flags | PinsDisplayed : m_flags & ~PinsDisplayed);
 
@@ -56,6 +56,7 @@ TweaksList::TweaksList(quint8 flags, QWidget* parent)
     layout->addWidget(makeToolbar());
     layout->addWidget(makeScrollArea(), 1);
     connect(m_presetMapper, &QSignalMapper::mappedString, this, &TweaksList::menuPreset);
+    connect(m_presets, &Presets::batchTweakUpdate, this, &TweaksList::batchTweakUpdate);
     connect(this, &TweaksList::timeChangeEnded, this, &TweaksList::releasePending);
     setEnabled(false);
 }
@@ -159,11 +160,11 @@ void TweaksList::build(const PackageModel& package, bool remote)
     m_content->setUpdatesEnabled(false);
     dropTree();
     setEnabled(true);
-    m_description = package.description();
     m_outputs = package.outputs();
     TweaksTreeBuilder builder(package, context(), m_tweaksLayout, m_content,
                               [this](TweakBase* tweak) { connectTweak(tweak); });
     m_tree = builder.build();
+    m_presets->readInternal(package.description());
     connectGraphRolls();
     if (m_tree.tweaks.empty()) {
         auto* label = new QLabel(remote ? tr("No tweaks (remote).") : tr("No tweaks defined."), m_content);
@@ -187,7 +188,7 @@ void TweaksList::dropTree()
         disconnect(entry.second, nullptr, this, nullptr);
     }
     m_tree = TweaksTree();
-    m_description = DescriptionIndex();
+    m_presets->readInternal(DescriptionIndex());
     m_outputs.clear();
     m_hiddenOutputs.clear();
     m_pendingChanges.clear();
@@ -368,59 +369,16 @@ void TweaksList::resetToDefault()
     updateVisibility();
 }
 
-QVector<PresetDescription> TweaksList::presetsOfGraph(const QString& graphKey) const
-{
-    const QDir directory(Orn::Core::ApplicationSettings::getInstance().getApplicationDataDir());
-    const auto inputs = [this](quint32 uid) -> const Input* {
-        const auto found = m_tree.tweaks.find(uid);
-        return found == m_tree.tweaks.end() ? nullptr : found->second;
-    };
-    QVector<PresetDescription> presets = readInternalPresets(m_description, directory, inputs);
-    presets.erase(std::remove_if(presets.begin(), presets.end(),
-                                 [&](const PresetDescription& preset) { return preset.pkgurl != graphKey; }),
-                  presets.end());
-    return presets;
-}
-
 void TweaksList::menuPreset(const QString& graphKey)
 {
     const auto roll = m_tree.rollsByGraph.find(graphKey);
-    if (roll == m_tree.rollsByGraph.end())
-        return;
-    auto* menu = new QMenu(this);
-    menu->setAttribute(Qt::WA_DeleteOnClose);
-    for (const PresetDescription& preset : presetsOfGraph(graphKey)) {
-        QString text = preset.label;
-        QAction* action =
-            menu->addAction(sharedIcon(imagePath("presetro")), text.replace('&', QLatin1String("&&")));
-        action->setStatusTip(tr("Apply internal preset: '%1'").arg(preset.label));
-        connect(action, &QAction::triggered, this,
-                [this, preset, graphKey] { applyPreset(preset, graphKey); });
-    }
-    if (menu->isEmpty())
-        menu->addAction(tr("No presets"))->setEnabled(false);
-    const QWidget* button = roll->second->presetsButton();
-    menu->popup(button->mapToGlobal(QPoint(0, button->height())));
+    if (roll != m_tree.rollsByGraph.end())
+        m_presets->showMenu(roll->second->presetsButton(), graphKey);
 }
 
-void TweaksList::applyPreset(const PresetDescription& preset, const QString& graphKey)
+void TweaksList::applyMetadataPreset(const PresetDescription& preset, const QString& graphKey)
 {
-    batchTweakUpdate(true);
-    for (const auto& entry : m_tree.tweaksOfGraph(graphKey)) {
-        TweakBase* tweak = entry.second;
-        const PresetInput* input = preset.find(*tweak);
-        const bool matches = input && input->type == tweak->type();
-        if (tweak->isImage())
-            continue;
-        if (!matches)
-            tweak->resetToDefault();
-        else if (auto* text = qobject_cast<TweakText*>(tweak))
-            text->setText(input->text);
-        else
-            tweak->applyValue(input->value);
-    }
-    batchTweakUpdate(false);
-    updateVisibility();
+    m_presets->applyMetadata(graphKey, preset);
 }
 
 } // namespace Zph::Applications::Player

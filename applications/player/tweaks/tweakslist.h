@@ -1,6 +1,5 @@
 #pragma once
 
-#include "applications/player/presets/presetdescription.h"
 #include "applications/player/tweaks/tweakstree.h"
 #include "orncommon/gui/layoutwidget.h"
 
@@ -16,6 +15,8 @@ class QVBoxLayout;
 namespace Zph::Applications::Player {
 
 class InputSink;
+class Presets;
+struct PresetDescription;
 class TweakImage;
 
 // The panel that holds all tweaks of the loaded package.
@@ -60,6 +61,10 @@ public:
     // the only one, or else to the one that the user chooses in a menu. False when there is no such row. The
     // file is opened when the caller's event is over.
     bool dropImage(const QString& path, const QPoint& position);
+
+    Presets& presets() const { return *m_presets; }
+    // Gives the rows of a graph, save pictures, the values that an exported bitmap carried.
+    void applyMetadataPreset(const PresetDescription& preset, const QString& graphKey);
 
     const std::map<quint32, TweakBase*>& tweaks() const { return m_tree.tweaks; }
     bool isFrozen() const { return m_frozen; }
@@ -110,8 +115,6 @@ private:
     void connectGraphRolls();
     void raiseChanges(const std::vector<int>& indexes);
     void releasePending();
-    void applyPreset(const PresetDescription& preset, const QString& graphKey);
-    QVector<PresetDescription> presetsOfGraph(const QString& graphKey) const;
     bool pinsDisplayed() const { return m_flags & PinsDisplayed; }
 
     quint8 m_flags;
@@ -121,7 +124,7 @@ private:
     QVBoxLayout* m_tweaksLayout = nullptr;
     QWidget* m_content = nullptr;
     TweaksTree m_tree;
-    DescriptionIndex m_description;
+    Presets* m_presets; // of m_tree
     QVector<PackageOutput> m_outputs;
     std::set<quint32> m_hiddenOutputs;
     std::vector<int> m_pendingChanges;

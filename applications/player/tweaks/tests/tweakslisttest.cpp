@@ -3,10 +3,8 @@
 #include "applications/player/tweaks/rollgraph.h"
 #include "applications/player/tweaks/rollgroup.h"
 #include "applications/player/tweaks/tests/tweakfixture.h"
-#include "applications/player/tweaks/tweaktext.h"
 
 #include <QApplication>
-#include <QMenu>
 #include <QVBoxLayout>
 #include <gtest/gtest.h>
 
@@ -322,44 +320,6 @@ TEST_F(Panel, conditionsSeeTheirOwnGraphOnly)
         "<inputgui visibleif='input.on'/></input></inputs></graph></graphs></p>";
     list.build(package({{1, 4, nullptr}, {2, 4, nullptr}}, xml));
     EXPECT_FALSE(tweak(2)->isHidden()) << "an unknown name shows";
-}
-
-TEST_F(Panel, presetsApplyAsOneBatch)
-{
-    const QByteArray xml =
-        graph("<inputs><input uid='1' identifier='a'/><input uid='2' identifier='b'/><input uid='3' "
-              "identifier='c'/>"
-              "<input uid='4' identifier='t' default='old'/><input uid='5' identifier='p'/></inputs>"
-              "<vlrpresets><vlrpreset label='Wet &amp; cold'><presetinput identifier='b' uid='99' type='4' "
-              "value='7'/>"
-              "<presetinput identifier='c' uid='3' type='0' value='1'/>"
-              "<presetinput identifier='t' uid='4' type='6' value='new'/></vlrpreset></vlrpresets>");
-    list.build(
-        package({{1, 4, nullptr}, {2, 4, nullptr}, {3, 4, nullptr}, {4, 6, nullptr}, {5, 5, nullptr}}, xml));
-    change(1, 4);
-    change(3, 4);
-    changes.clear();
-    list.findChild<RollGraph*>()->presetsButton()->click();
-    QMenu* menu = list.findChild<QMenu*>();
-    ASSERT_NE(menu, nullptr);
-    ASSERT_EQ(menu->actions().size(), 1);
-    EXPECT_EQ(menu->actions()[0]->text(), "Wet && cold");
-    menu->actions()[0]->trigger();
-    EXPECT_EQ(changes, (Changes{{0, 1, 2, 3}}));
-    EXPECT_EQ(tweak(1)->value().intAt(0), 0) << "what the preset doesn't name goes back";
-    EXPECT_EQ(tweak(2)->value().intAt(0), 7) << "by identifier, whatever the uid";
-    EXPECT_EQ(tweak(3)->value().intAt(0), 0) << "another type resets";
-    EXPECT_EQ(qobject_cast<TweakText*>(tweak(4))->text(), "new");
-    delete menu;
-
-    list.build(package(threeInts, graph("<inputs><input uid='1'/></inputs>")));
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    list.menuPreset("g");
-    menu = list.findChild<QMenu*>();
-    ASSERT_NE(menu, nullptr);
-    EXPECT_EQ(menu->actions()[0]->text(), "No presets");
-    EXPECT_FALSE(menu->actions()[0]->isEnabled());
-    list.menuPreset("no such graph");
 }
 
 TEST_F(Panel, rebuildFromInsideAChangeIsSafe)

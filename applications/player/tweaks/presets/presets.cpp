@@ -1,0 +1,121 @@
+#include "applications/player/tweaks/presets/presets.h"
+
+#include "applications/player/output/exportsettingsholder.h"
+#include "applications/player/tweaks/presets/presetsmenu.h"
+#include "applications/player/tweaks/tweakbase.h"
+#include "applications/player/tweaks/tweakstree.h"
+#include "orncommon/core/applicationsettings.h"
+
+#include <algorithm>
+
+namespace Zph::Applications::Player {
+
+Presets::Presets(const TweaksTree& rows, QObject* parent) : QObject(parent), m_rows(rows)
+{
+}
+
+InputLookUp Presets::inputLookUp() const
+{
+    return [this](quint32 uid) -> const Input* {
+        const auto found = m_rows.tweaks.find(uid);
+        return found == m_rows.tweaks.end() ? nullptr : found->second;
+    };
+}
+
+void Presets::readInternal(const DescriptionIndex& description)
+{
+    m_description = description;
+    removeFile(QString());
+    m_undo.reset();
+    m_lastApplied.clear();
+    const QDir directory(Orn::Core::ApplicationSettings::getInstance().getApplicationDataDir());
+    m_presets += readInternalPresets(description, directory, inputLookUp());
+}
+
+void Presets::replaceFile(const QString& fileName, const QVector<PresetDescription>& presets)
+{
+    removeFile(fileName);
+    m_fileList.append(fileName);
+    for (PresetDescription preset : presets) {
+        preset.fileName = fileName;
+        m_presets.append(preset);
+    }
+}
+
+void Presets::removeFile(const QString& fileName)
+{
+    m_fileList.removeAll(fileName);
+    m_presets.erase(
+        std::remove_if(m_presets.begin(), m_presets.end(),
+                       [&](const PresetDescription& preset) { return preset.fileName == fileName; }),
+        m_presets.end());
+}
+
+Tweaks Presets::tweaksOfGraph(const QString& graphKey) const
+{
+    return m_rows.tweaksOfGraph(graphKey);
+}
+
+QString Presets::graphLabel(const QString& graphKey) const
+{
+    const QString label = m_description.graph(graphKey).attribute(QStringLiteral("label"));
+    return label.isEmpty() ? graphKey : label;
+}
+
+void Presets::apply(const QString& graphKey, const PresetDescription& preset)
+{
+    const Tweaks tweaks = tweaksOfGraph(graphKey);
+    Undo undo{graphKey, preset.label, {}, m_lastApplied};
+    undo.before.inputs = collectValues(tweaks, Collected::All);
+    if (m_exportSettings && m_applyExportOptions && preset.exportOptions)
+        undo.before.exportOptions = m_exportSettings->exportSettings();
+    m_undo = undo;
+    m_lastApplied = preset.label;
+    applyInBatch(tweaks, preset);
+    if (m_applyExportOptions)
+        applyExport(preset);
+}
+
+void Presets::applyMetadata(const QString& graphKey, const PresetDescription& preset)
+{
+    replaceFile(metadataName(), {preset});
+    Tweaks tweaks = tweaksOfGraph(graphKey);
+    for (auto row = tweaks.begin(); row != tweaks.end();)
+        row = row->second->isImage() ? tweaks.erase(row) : std::next(row);
+    applyInBatch(tweaks, preset);
+}
+
+void Presets::applyInBatch(const Tweaks& tweaks, const PresetDescription& preset)
+{
+    emit batchTweakUpdate(true);
+    applyValues(tweaks, preset);
+    emit batchTweakUpdate(false);
+}
+
+void Presets::applyExport(const PresetDescription& preset)
+{
+    if (m_exportSettings && preset.exportOptions)
+        m_exportSettings->applyExportSettings(*preset.exportOptions);
+}
+
+std::optional<QString> Presets::undoLabel(const QString& graphKey) const
+{
+    return m_undo && m_undo->graphKey == graphKey ? std::optional(m_undo->label) : std::nullopt;
+}
+
+void Presets::undo(const QString& graphKey)
+{
+    if (!undoLabel(graphKey))
+        return;
+    const Undo undo = *std::exchange(m_undo, {});
+    m_lastApplied = undo.lastAppliedBefore;
+    applyInBatch(tweaksOfGraph(graphKey), undo.before);
+    applyExport(undo.before);
+}
+
+void Presets::showMenu(QWidget* parent, const QString& graphKey)
+{
+    popUpPresetsMenu(*this, parent, graphKey);
+}
+
+} // namespace Zph::Applications::Player
