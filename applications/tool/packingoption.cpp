@@ -7,7 +7,6 @@
 #include "applications/tool/rendersettings.h"
 #include "applications/tool/selection.h"
 
-#include <algorithm>
 #include <cstdio>
 
 namespace vellor::tool {
@@ -26,25 +25,14 @@ void checkIsOpen(const Arguments& arguments, const char* option, bool isOpen)
 /// Fills in what the template leaves open.
 void complete(const Arguments& arguments, RenderSettings& settings)
 {
-    auto& files = settings.packing.files;
-    checkIsOpen(arguments, "--format", std::any_of(files.cbegin(), files.cend(), [](const PlannedFile& file) {
-                    return file.format.isEmpty();
-                }));
-    checkIsOpen(arguments, "--depth", std::any_of(files.cbegin(), files.cend(), [](const PlannedFile& file) {
-                    return file.depth == PictureDepth::OfPicture;
-                }));
-    for (PlannedFile& file : files) {
-        if (file.format.isEmpty())
-            file.format = settings.format;
-        if (file.depth == PictureDepth::OfPicture)
-            file.depth = settings.depth;
-        if (file.depth != PictureDepth::OfPicture && !depthsOf(file.format).contains(file.depth))
-            throw UsageError(QStringLiteral("%1: files of the format %2 can't hold the depth %3")
-                                 .arg(file.name, file.format, depthName(file.depth))
-                                 .toStdString());
-    }
+    PackingPlan& plan = settings.packing;
+    checkIsOpen(arguments, "--format", plan.leavesFormat());
+    checkIsOpen(arguments, "--depth", plan.leavesDepth());
+    const QString error = plan.settle(settings.format, settings.depth);
+    if (!error.isEmpty())
+        throw UsageError(error.toStdString());
     if (settings.pattern.isEmpty())
-        settings.pattern = settings.packing.pattern;
+        settings.pattern = plan.pattern;
 }
 
 } // namespace

@@ -134,10 +134,12 @@ QString Renderer::pathOf(const RenderedOutput& rendered)
     const PackageOutput& output = rendered.output;
     if (m_settings.folder.isEmpty() || componentCount(output.type) > 0)
         return {};
-    const QString usage = outputUsageText(m_package.model().description().output(output.uid).element);
-    BaseNameSource source = baseNameSource(exportLabel(output), output.uid, usage, m_selection.preset);
-    if (rendered.packed)
-        source.name = rendered.packed->name;
+    const PackageModel& model = m_package.model();
+    const BaseNameSource source =
+        rendered.packed ? packedBaseNameSource(*rendered.packed, model, m_selection.preset)
+                        : baseNameSource(exportLabel(output), output.uid,
+                                         outputUsageText(model.description().output(output.uid).element),
+                                         m_selection.preset);
     return QDir::cleanPath(QDir(m_settings.folder)
                                .filePath(m_names.next(source, rendered.frame) + '.' +
                                          (rendered.packed ? rendered.packed->format : m_settings.format)));

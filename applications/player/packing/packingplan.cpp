@@ -145,6 +145,42 @@ QVector<PackageOutput> PackingPlan::outputs() const
     return needed;
 }
 
+bool PackingPlan::leavesFormat() const
+{
+    return std::any_of(files.cbegin(), files.cend(),
+                       [](const PlannedFile& file) { return file.format.isEmpty(); });
+}
+
+bool PackingPlan::leavesDepth() const
+{
+    return std::any_of(files.cbegin(), files.cend(),
+                       [](const PlannedFile& file) { return file.depth == PictureDepth::OfPicture; });
+}
+
+QString PackingPlan::settle(const QString& format, PictureDepth depth)
+{
+    for (PlannedFile& file : files) {
+        if (file.format.isEmpty())
+            file.format = format;
+        if (file.depth == PictureDepth::OfPicture)
+            file.depth = depth;
+        if (file.depth != PictureDepth::OfPicture && !depthsOf(file.format).contains(file.depth))
+            return translated("%1: files of the format %2 can't hold the depth %3")
+                .arg(file.name, file.format, depthName(file.depth));
+    }
+    return {};
+}
+
+BaseNameSource packedBaseNameSource(const PlannedFile& file, const PackageModel& package,
+                                    const QString& preset)
+{
+    const PackageOutput& output = file.mainOutput();
+    const QString usage = outputUsageText(package.description().output(output.uid).element);
+    BaseNameSource source = baseNameSource(exportLabel(output), output.uid, usage, preset);
+    source.name = file.name;
+    return source;
+}
+
 PackingPlan planPacking(const PackingTemplate& content, const PackageModel& package,
                         const QVector<PackageOutput>& outputs, const InputValueOf& valueOf)
 {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "applications/player/output/basename.h"
 #include "applications/player/packing/normalformat.h"
 #include "applications/player/packing/packingtemplate.h"
 
@@ -44,7 +45,18 @@ struct PackingPlan
 
     // The outputs that are needed, in the order of the package.
     QVector<PackageOutput> outputs() const;
+
+    // Whether the template leaves the format, or the depth, of some file to whoever exports.
+    bool leavesFormat() const;
+    bool leavesDepth() const;
+    // Gives the files that lack them a format and a depth, which may be PictureDepth::OfPicture. Returns an
+    // empty text, or which file can't be of the depth.
+    QString settle(const QString& format, PictureDepth depth);
 };
+
+// What the tokens of a pattern stand for in a file's name: those of its main output, but its own name for %O.
+BaseNameSource packedBaseNameSource(const PlannedFile& file, const PackageModel& package,
+                                    const QString& preset);
 
 // Finds the outputs that a template names, graph by graph, among `outputs`, which are in the package's order:
 // of several with one usage the first. A file of a graph that has none of its outputs is left out, and alpha

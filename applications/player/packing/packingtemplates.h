@@ -7,8 +7,11 @@ namespace Zph::Applications::Player {
 // The templates to choose from: those that come with the program and those of the user's folder, where a
 // file takes the place of a shipped one of the same name. Main thread.
 //
-// A dialog shows entries() by shownName(), keeps the choice as Entry::name, and exports by planPacking() and
-// packPicture().
+// A dialog shows entries() by shownName() and keeps the choice as Entry::name. Its export goes as the command
+// line's: planPacking() and PackingPlan::settle(), the outputs of PackingPlan::outputs() into a
+// PackingCollector as they come, packPicture() with PlannedFile::depth for each file that it completes, and
+// writePictureFile() in PlannedFile::format and that depth under BaseNames::next(packedBaseNameSource()); the
+// pattern of the plan holds where the user has given none.
 class PackingTemplates
 {
 public:
