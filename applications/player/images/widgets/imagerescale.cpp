@@ -23,6 +23,7 @@ namespace {
 
 constexpr int mostCropped = 8192; // pixels
 constexpr int colorButtonHeight = 20;
+constexpr int margin = 12;
 constexpr QSize colorIconSize(48, 14);
 constexpr int checkSize = 7; // a square of the board that shows through a padding with alpha
 
@@ -64,10 +65,13 @@ ImageRescale::ImageRescale(const ImageOptions& options, QWidget* parent)
     form->addRow(m_mosaicCheck);
     form->addRow(tr("Padding color:"), m_colorButton);
     m_colorButton->setAccessibleName(tr("Padding color"));
+    m_layout->setContentsMargins(margin, margin, margin, margin);
+    m_layout->setSpacing(margin);
+    m_layout->setSizeConstraint(QLayout::SetFixedSize);
     m_layout->addLayout(form);
     m_layout->addWidget(new QLabel(tr("Source image cropping:"), this));
     m_layout->addWidget(makeCropping());
-    m_layout->addStretch(1);
+    m_buttonsPlace = m_layout->count();
     auto* buttons = new QDialogButtonBox(this);
     buttons->addButton(tr("Cancel"), QDialogButtonBox::RejectRole);
     buttons->addButton(tr("Apply"), QDialogButtonBox::AcceptRole)->setDefault(true);
@@ -104,7 +108,6 @@ QWidget* ImageRescale::makeCropping()
     auto* picture = new QLabel(tr("Cropping"), cropping);
     picture->setObjectName(QStringLiteral("croppedPicture"));
     picture->setAlignment(Qt::AlignCenter);
-    picture->setFrameShape(QFrame::Box);
     picture->setMinimumSize(96, 64);
     auto* grid = new QGridLayout(cropping);
     grid->setContentsMargins(0, 0, 0, 0);
@@ -120,7 +123,11 @@ QWidget* ImageRescale::makeCropping()
 void ImageRescale::setPanel(QWidget* panel)
 {
     m_panel = panel;
-    m_layout->insertWidget(0, panel);
+    auto* line = new QFrame(this);
+    line->setObjectName(QStringLiteral("line"));
+    line->setFixedHeight(1);
+    m_layout->insertWidget(m_buttonsPlace, line);
+    m_layout->insertWidget(m_buttonsPlace + 1, panel);
 }
 
 ImageOptions ImageRescale::options() const

@@ -51,6 +51,7 @@ private:
     QSpinBox* m_cropRight = nullptr;
     QSpinBox* m_cropBottom = nullptr;
     QWidget* m_panel = nullptr;
+    int m_buttonsPlace = 0; // in the layout
 };
 
 } // namespace Zph::Applications::Player

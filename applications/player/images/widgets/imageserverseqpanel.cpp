@@ -15,6 +15,7 @@ ImageServerSeqPanel::ImageServerSeqPanel(QWidget* parent)
 {
     m_spinBox->setMinimumWidth(50);
     m_spinBox->setMaximumWidth(80);
+    m_spinBox->setProperty("narrow", true);
     m_spinBox->setDecimals(2);
     m_spinBox->setRange(0.0005, 2000.0);
     m_spinBox->setSingleStep(double(0.01f));
