@@ -26,7 +26,9 @@ Input identityOf(const PackageInput& input)
 
 } // namespace
 
-InputValues::InputValues(const PackageModel& package, const QStringList& graphs)
+InputValues::InputValues(const PackageModel& package, const QStringList& graphs,
+                         std::optional<double> sequenceRate)
+    : m_sequenceRate(sequenceRate)
 {
     for (const PackageInput& input : package.inputs()) {
         if (!input.element.isNull() && input.graphKey != DescriptionIndex::globalKey() &&
@@ -34,7 +36,7 @@ InputValues::InputValues(const PackageModel& package, const QStringList& graphs)
             continue;
         const InputDetails details = inputDetails(input);
         m_entries.push_back(
-            {identityOf(input), input, details, input.defaultValue, details.defaultText, {}, false});
+            {identityOf(input), input, details, input.defaultValue, details.defaultText, {}, {}, 0, false});
         if (input.type != ValueType::Image)
             continue;
         m_entries.back().image = std::make_shared<ImageInput>();
@@ -50,7 +52,7 @@ void InputValues::apply(const PresetDescription& preset, const QString& graphKey
         const PresetInput* found = preset.valueFor(entry.identity);
         if (entry.input.type == ValueType::Image) {
             if (found)
-                readPicture(entry, found->text);
+                readPictures(entry, found->text);
             continue;
         }
         entry.dirty = true;
@@ -104,17 +106,35 @@ InputValue InputValues::valueOf(const PackageInput& input) const
     return found == m_entries.end() ? input.defaultValue : found->value;
 }
 
-void InputValues::assign(const QString& assignment)
+std::pair<std::vector<std::size_t>, QString> InputValues::parsed(const char* option,
+                                                                 const QString& assignment) const
 {
     const int equals = assignment.indexOf('=');
     if (equals <= 0)
-        throw UsageError("--set " + assignment.toStdString() + ": expected ID=VALUE");
-    for (const std::size_t index : findOrThrow(assignment.left(equals))) {
+        throw UsageError(std::string(option) + ' ' + assignment.toStdString() + ": expected ID=VALUE");
+    return {findOrThrow(assignment.left(equals)), assignment.mid(equals + 1)};
+}
+
+void InputValues::assign(const QString& assignment)
+{
+    const auto [places, text] = parsed("--set", assignment);
+    for (const std::size_t place : places) {
         try {
-            assignText(m_entries[index], assignment.mid(equals + 1));
+            assignText(m_entries[place], text);
         } catch (const UsageError& error) {
             throw UsageError("--set " + assignment.toStdString() + ": " + error.what());
         }
+    }
+}
+
+void InputValues::assignPicture(const QString& assignment)
+{
+    const auto [places, path] = parsed("--image", assignment);
+    for (const std::size_t place : places) {
+        Entry& entry = m_entries[place];
+        if (entry.input.type != ValueType::Image)
+            throw UsageError("--image " + assignment.toStdString() + ": the input takes no picture");
+        readPictures(entry, path);
     }
 }
 
@@ -129,16 +149,33 @@ void InputValues::assignText(Entry& entry, const QString& text)
         entry.value = parseValue(entry.input.type, entry.details, text);
 }
 
-void InputValues::readPicture(Entry& entry, const QString& path)
+void InputValues::showPicture(Entry& entry, const QString& path)
 {
     if (!QFileInfo(path).isFile())
         throw Failure(UnreadableFile, path + ": the file can't be read");
     const auto picture = Orn::Image::Codec::SurfaceCodecManager::instance().loadFile(path);
     if (!picture)
         throw Failure(UnreadableFile, path + ": the file holds no picture that this program reads");
+    entry.image = std::make_shared<ImageInput>(); // the engine may still have the one before
     entry.image->setSource(picture);
-    entry.text = QFileInfo(path).absoluteFilePath();
     entry.dirty = true;
+}
+
+void InputValues::readPicture(Entry& entry, const QString& path)
+{
+    showPicture(entry, path);
+    entry.text = QFileInfo(path).absoluteFilePath();
+    entry.sequence.reset();
+}
+
+void InputValues::readPictures(Entry& entry, const QString& path) const
+{
+    readPicture(entry, path);
+    if (!m_sequenceRate)
+        return;
+    entry.sequence = findImageSequence(entry.text);
+    if (entry.sequence)
+        entry.sequenceNumber = entry.sequence->firstFrame;
 }
 
 void InputValues::setSize(const QString& size)
@@ -160,8 +197,24 @@ void InputValues::setSeed(const QString& seed)
     assign("$randomseed=" + seed);
 }
 
+bool InputValues::hasTime() const
+{
+    return !find("$time").empty() || std::any_of(m_entries.begin(), m_entries.end(), [](const Entry& entry) {
+        return entry.sequence.has_value();
+    });
+}
+
 void InputValues::setTime(float seconds)
 {
+    for (Entry& entry : m_entries) {
+        if (!entry.sequence)
+            continue;
+        const int number = entry.sequence->numberAt(seconds, float(*m_sequenceRate), TimeClamping::Clamp);
+        if (number == entry.sequenceNumber)
+            continue;
+        showPicture(entry, entry.sequence->file(number));
+        entry.sequenceNumber = number;
+    }
     for (const std::size_t index : find("$time")) {
         m_entries[index].value = InputValue::fromFloats(seconds);
         m_entries[index].dirty = true;

@@ -81,9 +81,11 @@ int runRender(const Arguments& arguments)
     const QVector<CookingAlias> aliases = readAliases(arguments);
     loadEngine(QString::fromStdString(arguments.value("--engine")));
     const Package package(file, {aliases, engineOptions});
-    Selection selection = readSelection(package, arguments);
+    Selection selection = readSelection(
+        package, arguments, settings.isAnimation ? std::optional(settings.framesPerSecond) : std::nullopt);
     if (settings.isAnimation && !selection.values.hasTime())
-        throw UsageError("--frames: the package has no input $time, all frames would be the same");
+        throw UsageError("--frames: the package has no input $time and no --image is a sequence, all frames "
+                         "would be the same");
 
     if (settings.metadata.needsArchive() && package.archive().isEmpty())
         throw UsageError(

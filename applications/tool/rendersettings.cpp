@@ -96,7 +96,8 @@ const std::vector<Option>& renderOptions()
         {"--pattern", nullptr, "NAME",
          "the names of files: %O output, %G graph, %P package, %F path, %U usage, %I uid, %R preset, #### "
          "frame"},
-        {"--frames", nullptr, "A-B", "renders the frames from A to B, for packages with an input $time"},
+        {"--frames", nullptr, "A-B",
+         "renders the frames from A to B, for packages with an input $time or a sequence of --image"},
         {"--fps", nullptr, "N", "frames in a second; 30 by default"},
         kTemplate,
         {"--metadata", nullptr, "embedded|file|none",

@@ -62,6 +62,9 @@ const std::vector<Option>& selectionOptions()
          "the value of an input: numbers with ',' between them, #rrggbb, a choice by number or label, a "
          "text, the "
          "path of a picture; may be repeated"},
+        {"--image", nullptr, "ID=FILE",
+         "the picture of an input; with --frames, one whose name ends with a number is a sequence: its files "
+         "follow the frames, and the first and last ones stay before and behind; may be repeated"},
         {"--preset", nullptr, "LABEL|FILE.vlrprs[:LABEL]",
          "a preset of the package or of a file, under the values of --set"},
         {"--size", nullptr, "WxH", "the size of pictures in pixels, powers of two: 1024 or 1024x512"},
@@ -70,11 +73,13 @@ const std::vector<Option>& selectionOptions()
     return options;
 }
 
-Selection readSelection(const Package& package, const Arguments& arguments)
+Selection readSelection(const Package& package, const Arguments& arguments,
+                        std::optional<double> sequenceRate)
 {
     const PackageModel& model = package.model();
     const QStringList graphs = chosenGraphs(model, arguments);
-    Selection selection{chosenOutputs(model, graphs, arguments), InputValues(model, graphs), graphs, {}};
+    Selection selection{
+        chosenOutputs(model, graphs, arguments), InputValues(model, graphs, sequenceRate), graphs, {}};
     if (arguments.has("--preset"))
         applyPreset(QString::fromStdString(arguments.value("--preset")), package, selection);
     if (arguments.has("--size"))
@@ -83,6 +88,8 @@ Selection readSelection(const Package& package, const Arguments& arguments)
         selection.values.setSeed(QString::fromStdString(arguments.value("--seed")));
     for (const QString& assignment : allValues(arguments, "--set"))
         selection.values.assign(assignment);
+    for (const QString& assignment : allValues(arguments, "--image"))
+        selection.values.assignPicture(assignment);
     return selection;
 }
 

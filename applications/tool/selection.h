@@ -19,8 +19,10 @@ struct Selection
 /// The options that readSelection() reads.
 const std::vector<Option>& selectionOptions();
 
-/// Applies the preset first, then size and seed, then the values in their order. Throws UsageError, and
-/// Failure for a picture that can't be read.
-Selection readSelection(const Package& package, const Arguments& arguments);
+/// Applies the preset first, then size and seed, then the values in their order, then the pictures. With a
+/// rate, in frames a second, numbered pictures are sequences. Throws UsageError, and Failure for a picture
+/// that can't be read.
+Selection readSelection(const Package& package, const Arguments& arguments,
+                        std::optional<double> sequenceRate = {});
 
 } // namespace vellor::tool

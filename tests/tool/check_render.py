@@ -44,6 +44,10 @@ PACKAGE = """<package formatversion="1"><graph identifier="wall" label="Wall">
 <presets><preset label="Bright"><set input="grey" value="0.8"/><set input="tint" value="#ffffff"/></preset></presets>
 </graph></package>"""
 
+FILM = """<package formatversion="1"><graph identifier="film"><inputs><input identifier="photo" type="image"/></inputs>
+<nodes><node id="shown" type="imageinput" channels="colour"><param name="image" input="photo"/></node></nodes>
+<outputs><output identifier="shown" from="shown"/></outputs></graph></package>"""
+
 SLOW = """<package formatversion="1"><graph identifier="slow"><inputs><input identifier="$outputsize" default="13,13"/></inputs>
 <nodes>%s</nodes><outputs>%s</outputs></graph></package>""" % (
     "".join(f'<node id="n{i}" type="perlin" seed="{i}"/><node id="b{i}" type="gaussianblur"><in name="input" from="n{i}"/></node>' for i in range(12)),
@@ -80,6 +84,7 @@ class Place:
         self.vellor, self.folder = vellor, pathlib.Path(folder)
         (self.folder / "wall.vlr").write_text(PACKAGE)
         (self.folder / "slow.vlr").write_text(SLOW)
+        (self.folder / "film.vlr").write_text(FILM)
 
     def run(self, *words, **more):
         return subprocess.run([self.vellor, "render", *words], cwd=self.folder, capture_output=True, text=True, **more)
@@ -260,6 +265,32 @@ def check_templates(place):
         check(" ".join(words), told.returncode == code and message in told.stderr and told.stderr.count("\n") == 1, told)
 
 
+def check_images(place):
+    def grey(value):
+        return b"".join(struct.pack(">I", len(data)) + kind + data + struct.pack(">I", zlib.crc32(kind + data)) for kind, data in (
+            (b"IHDR", struct.pack(">IIBBBBB", 2, 2, 8, 0, 0, 0, 0)), (b"IDAT", zlib.compress(bytes([0, value, value] * 2))), (b"IEND", b"")))
+
+    def shown(*words):
+        told = place.run("film.vlr", "-o", "film", *words)
+        check(f"{words}", told.returncode == 0 and told.stderr == "", told)
+        pixels = [place.png("film/" + name)[4][0] for name in sorted(place.files("film"))]
+        for name in place.files("film"):
+            (place.folder / "film" / name).unlink()
+        return pixels
+
+    for number, value in ((8, 50), (9, 100), (10, 150), (12, 200)):
+        (place.folder / f"take2_{number:02}.png").write_bytes(b"\x89PNG\r\n\x1a\n" + grey(value))
+    check("a still picture", shown("--image", "photo=take2_09.png") == [100] == shown("--set", "photo=take2_09.png"))
+    check("a sequence", shown("--image", "photo=take2_08.png", "--frames", "0-4", "--fps", "24") == [50, 100, 150, 150, 150])
+    check("its second part", shown("--image", "photo=take2_09.png", "--frames", "1-1") == [150])
+    place.run("film.vlr", "--hash", "--image", "photo=take2_08.png", "--save-preset", "film.vlrprs")
+    check("of a preset", shown("--preset", "film.vlrprs", "--frames", "0-1") == [50, 100])
+    (place.folder / "take2_10.png").write_bytes(b"cut")
+    told = place.run("film.vlr", "-o", "film", "--image", "photo=take2_08.png", "--frames", "0-4")
+    check("a damaged file of a sequence", told.returncode == 2 and "take2_10.png: the file holds no picture" in told.stderr and
+          len(place.files("film")) == 2, told)
+
+
 def check_profile(place):
     def profile(*words):
         return subprocess.run([place.vellor, "profile", "slow.vlr", "--size", "256", *words], cwd=place.folder,
@@ -299,7 +330,9 @@ def check_errors(place):
             (["wall.vlr", "--output", "x"], 1, "there are base, height, noise, rows, state"),
             (["wall.vlr", "--graph", "x"], 1, "there are pkg://wall"), (["wall.vlr", "--preset", "x"], 1, "there are 'Bright'"),
             (["wall.vlr", "--format", "doc"], 1, "one of bmp"), (["wall.vlr", "--format", "tga", "--depth", "16"], 1, "expected 8 for tga"),
-            (["wall.vlr", "--frames", "9-1"], 1, "a range"), (["slow.vlr", "--frames", "0-1"], 1, "no input $time"),
+            (["wall.vlr", "--frames", "9-1"], 1, "a range"), (["slow.vlr", "--frames", "0-1"], 1, "no input $time and no --image is a sequence"),
+            (["wall.vlr", "--image", "photo"], 1, "--image photo: expected ID=VALUE"), (["wall.vlr", "--image", "grey=text.png"], 1, "takes no picture"),
+            (["wall.vlr", "--image", "photo=text.png"], 2, "text.png: the file holds no picture"),
             (["wall.vlr", "--threads", "0"], 1, "from 1 to 256"), (["gone.vlr"], 2, "gone.vlr: the file can't be read"),
             (["wall.vlr", "-o", "wall.vlr/x"], 4, "the folder can't be made")]:
         told = place.run(*words)
