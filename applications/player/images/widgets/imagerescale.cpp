@@ -128,6 +128,7 @@ void ImageRescale::setPanel(QWidget* panel)
     line->setFixedHeight(1);
     m_layout->insertWidget(m_buttonsPlace, line);
     m_layout->insertWidget(m_buttonsPlace + 1, panel);
+    setTabOrder(m_cropBottom, panel);
 }
 
 ImageOptions ImageRescale::options() const

@@ -21,6 +21,7 @@ ImageServerSeqPanel::ImageServerSeqPanel(QWidget* parent)
     m_spinBox->setSingleStep(double(0.01f));
     m_spinBox->setSuffix(tr(" fps"));
     m_spinBox->setToolTip(tr("Play rate (frames per second)."));
+    setFocusProxy(m_spinBox);
     auto* label = new QLabel(tr("Frame rate:"), this);
     label->setBuddy(m_spinBox);
     m_spinBox->setAccessibleName(label->text());
