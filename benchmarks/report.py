@@ -136,7 +136,7 @@ def main():
         print("{name}: {ms:.0f} ms, {note}".format(**rows[0]), file=sys.stderr, flush=True)
     signal.signal(signal.SIGTERM, signal.default_int_handler)
     try:
-        for program in ("vellor_benchmarks", "vellor_operationbenchmarks"):
+        for program in ("vellor_benchmarks", "vellor_picturebenchmarks", "vellor_operationbenchmarks"):
             rows += benchmark_rows(f"{options.build}/benchmarks/{program}", options.filter)
     except KeyboardInterrupt:
         print("Cut short: the table lacks the program that was running.", file=sys.stderr)

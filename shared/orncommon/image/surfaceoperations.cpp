@@ -122,10 +122,11 @@ bool deepCopy(Surface const& source, SharedSurface& target)
 
 bool deepCopyMirrored(Surface const& source, SharedSurface& target)
 {
-    if (!deepCopy(source, target))
-        return false;
-    target->mirror();
-    return true;
+    if (target.isNull())
+        target = makeLike(source);
+    return into(target, [&](Surface& made) {
+        return made.format() == source.format() && Surfaces::convertMirrored(source, made, {});
+    });
 }
 
 bool convertTo(Surface const& source, SharedSurface& target, ConversionParameters const* parameters)

@@ -25,27 +25,31 @@ inline float halfToFloat(ORNHalf16 half)
     return value;
 }
 
-/// Rounds to nearest, ties to even; beyond 65519.99 gives infinity, NaN stays NaN.
+/// Rounds to nearest, ties to even; beyond 65519.99 gives infinity, NaN stays NaN. Without branches, so that
+/// a compiler makes vectors of it.
 inline ORNHalf16 floatToHalf(float value)
 {
     std::uint32_t bits;
     std::memcpy(&bits, &value, sizeof bits);
     std::uint32_t const sign = (bits >> 16) & 0x8000u;
     bits &= 0x7FFFFFFFu;
-    if (bits > 0x7F800000u)
-        return ORNHalf16(sign | 0x7E00u);
-    if (bits >= 0x47800000u) // 65536 and beyond
-        return ORNHalf16(sign | 0x7C00u);
-    if (bits < 0x38800000u) { // below 2^-14: adding 0.5 lets the float unit round at the half's last bit
-        float magnitude;
-        std::memcpy(&magnitude, &bits, sizeof magnitude);
-        magnitude += 0.5f;
-        std::uint32_t rounded;
-        std::memcpy(&rounded, &magnitude, sizeof rounded);
-        return ORNHalf16(sign | (rounded - 0x3F000000u));
-    }
-    bits += 0x0FFFu + ((bits >> 13) & 1u);
-    return ORNHalf16(sign | ((bits - 0x38000000u) >> 13));
+    // Below 2^-14, adding 0.5 lets the float unit round at the half's last bit.
+    float magnitude;
+    std::memcpy(&magnitude, &bits, sizeof magnitude);
+    magnitude += 0.5f;
+    std::uint32_t small;
+    std::memcpy(&small, &magnitude, sizeof small);
+    small -= 0x3F000000u;
+    std::uint32_t const normal = (bits + 0x0FFFu + ((bits >> 13) & 1u) - 0x38000000u) >> 13;
+    // A choice by masks, which no compiler turns back into jumps.
+    auto const ordered = std::int32_t(bits);
+    auto const choose = [](bool condition, std::uint32_t a, std::uint32_t b) {
+        std::uint32_t const mask = 0u - std::uint32_t(condition);
+        return (a & mask) | (b & ~mask);
+    };
+    std::uint32_t const finite = choose(ordered < 0x38800000, small, normal);
+    std::uint32_t const bounded = choose(ordered < 0x47800000, finite, 0x7C00u); // 65536 and beyond: infinity
+    return ORNHalf16(sign | choose(ordered <= 0x7F800000, bounded, 0x7E00u));
 }
 
 } // namespace Orn::Surfaces

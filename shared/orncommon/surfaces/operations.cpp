@@ -52,20 +52,54 @@ bool prepare(Surface const& source, Surface& target, PixelFormat format)
     return haveSameSize(source, target) && target.format() == format;
 }
 
-void convertOverFloats(Surface const& source, Surface& target, float alpha)
+/// Calls `convert(source row, target row)` for all rows, those of the target in the opposite order if
+/// `isMirrored`.
+template<typename Convert>
+void forRows(Surface const& source, Surface& target, bool isMirrored, Convert convert)
+{
+    for (unsigned int y = 0; y < source.height(); ++y)
+        convert(source.row(y), target.row(isMirrored ? source.height() - 1 - y : y));
+}
+
+void convertOverFloats(Surface const& source, Surface& target, float alpha, bool isMirrored)
 {
     std::size_t const width = source.width();
     unsigned int const from = getChannelsCount(source.format());
     unsigned int const to = getChannelsCount(target.format());
     std::vector<float> loaded(width * from);
     std::vector<float> reshaped(from == to ? 0 : width * to);
-    for (unsigned int y = 0; y < source.height(); ++y) {
-        loadRow(source.format(), source.row(y), width, loaded.data(), isSigned(source));
+    forRows(source, target, isMirrored, [&](std::uint8_t const* in, std::uint8_t* out) {
+        loadRow(source.format(), in, width, loaded.data(), isSigned(source));
         if (from != to)
             reshapeRow(loaded.data(), from, reshaped.data(), to, width, alpha);
-        storeRow(target.format(), from == to ? loaded.data() : reshaped.data(), width, target.row(y),
-                 isSigned(target));
+        storeRow(target.format(), from == to ? loaded.data() : reshaped.data(), width, out, isSigned(target));
+    });
+}
+
+void copyMirrored(Surface const& source, Surface& target)
+{
+    std::size_t const bytes = source.lineSize();
+    forRows(source, target, true,
+            [bytes](std::uint8_t const* in, std::uint8_t* out) { std::memcpy(out, in, bytes); });
+}
+
+bool convertInto(Surface const& source, Surface& target, std::uint8_t alpha, bool isMirrored)
+{
+    if (!isUsable(source) || !isUsable(target) || !haveSameSize(source, target))
+        return false;
+    bool const isAnySigned = isSigned(source) || isSigned(target);
+    if (source.format() == target.format() && isSigned(source) == isSigned(target)) {
+        if (!isMirrored)
+            return deepCopy(source, target);
+        copyMirrored(source, target);
+    } else if (DirectRow const direct = isAnySigned ? nullptr : directRow(source.format(), target.format())) {
+        std::size_t const width = source.width();
+        forRows(source, target, isMirrored,
+                [=](std::uint8_t const* in, std::uint8_t* out) { direct(in, width, out, alpha); });
+    } else {
+        convertOverFloats(source, target, alpha / 255.0f, isMirrored);
     }
+    return true;
 }
 
 /// Runs `change(pixels, count, channels)` over the rows as floats, in the source's format.
@@ -131,19 +165,12 @@ PixelFormat otherOrder(PixelFormat format)
 
 bool convertTo(Surface const& source, Surface& target, ConversionParameters const& parameters)
 {
-    if (!isUsable(source) || !isUsable(target) || !haveSameSize(source, target))
-        return false;
-    if (source.format() == target.format() && isSigned(source) == isSigned(target))
-        return deepCopy(source, target);
-    DirectRow const direct =
-        isSigned(source) || isSigned(target) ? nullptr : directRow(source.format(), target.format());
-    if (direct == nullptr) {
-        convertOverFloats(source, target, parameters.alpha / 255.0f);
-        return true;
-    }
-    for (unsigned int y = 0; y < source.height(); ++y)
-        direct(source.row(y), source.width(), target.row(y));
-    return true;
+    return convertInto(source, target, parameters.alpha, false);
+}
+
+bool convertMirrored(Surface const& source, Surface& target, ConversionParameters const& parameters)
+{
+    return convertInto(source, target, parameters.alpha, true);
 }
 
 bool convertTo(Surface const& source, Surface& target, PixelFormat format,

@@ -20,6 +20,9 @@ struct ConversionParameters
 /// Writes the source into a target that has pixels, in the target's format.
 bool convertTo(Surface const& source, Surface& target, ConversionParameters const& parameters);
 
+/// The same with the target's rows in the opposite order: its last is the source's first.
+bool convertMirrored(Surface const& source, Surface& target, ConversionParameters const& parameters);
+
 /// Allocates the target in `format` first, dropping what it held.
 bool convertTo(Surface const& source, Surface& target, PixelFormat format,
                ConversionParameters const& parameters);

@@ -7,6 +7,13 @@
 #include <cmath>
 #include <utility>
 
+/// Compiled twice, the wider vectors being taken where the processor has them. The values are the same.
+#if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__)
+#define WITH_WIDE_VECTORS __attribute__((target_clones("avx2", "default")))
+#else
+#define WITH_WIDE_VECTORS
+#endif
+
 namespace Orn::Surfaces {
 
 namespace {
@@ -34,50 +41,50 @@ void swapRedAndBlue(float* pixels, unsigned int channels, std::size_t count)
         std::swap(pixels[i * channels], pixels[i * channels + 2]);
 }
 
-/// round(v / 257), exact for all 16-bit v.
-inline std::uint8_t narrow(std::uint16_t value)
+/// Three or four components of type T from as many or one, red and blue changing places with `swap`. `alpha`
+/// is what a fourth gets that was not there.
+template<typename T, unsigned int From, unsigned int To, bool swap>
+void reorder(void const* source, std::size_t pixels, void* target, T alpha)
 {
-    return std::uint8_t((std::uint32_t(value) * 255u + 32895u) >> 16);
+    constexpr unsigned int red = From == 1 ? 0 : swap ? 2 : 0;
+    constexpr unsigned int green = From == 1 ? 0 : 1;
+    constexpr unsigned int blue = From == 1 ? 0 : swap ? 0 : 2;
+    auto const* in = as<T>(source);
+    auto* out = as<T>(target);
+    for (std::size_t i = 0; i < pixels; ++i, in += From, out += To) {
+        out[0] = in[red];
+        out[1] = in[green];
+        out[2] = in[blue];
+        if constexpr (To == 4)
+            out[3] = From == 4 ? in[From - 1] : alpha;
+    }
 }
 
-template<unsigned int Channels> void narrow16(void const* source, std::size_t pixels, void* target)
+template<unsigned int From, unsigned int To, bool swap = false>
+WITH_WIDE_VECTORS void reorder8(void const* source, std::size_t pixels, void* target, std::uint8_t alpha)
 {
-    auto const* in = as<std::uint16_t>(source);
-    auto* out = as<std::uint8_t>(target);
-    for (std::size_t i = 0; i < pixels * Channels; ++i)
-        out[i] = narrow(in[i]);
+    reorder<std::uint8_t, From, To, swap>(source, pixels, target, alpha);
 }
 
-template<unsigned int Channels> void narrow32F(void const* source, std::size_t pixels, void* target)
+template<unsigned int From, unsigned int To>
+WITH_WIDE_VECTORS void reorder16(void const* source, std::size_t pixels, void* target, std::uint8_t alpha)
 {
-    auto const* in = as<float>(source);
-    auto* out = as<std::uint8_t>(target);
-    for (std::size_t i = 0; i < pixels * Channels; ++i)
-        out[i] = std::uint8_t(int(clampToUnit(in[i]) * 255.0f + 0.5f));
+    reorder<std::uint16_t, From, To, false>(source, pixels, target, std::uint16_t(alpha * 257u));
 }
 
-/// What each of the 65536 half patterns is in 8 bits.
-std::array<std::uint8_t, 65536> const& halfTo8Bits()
+template<unsigned int From, unsigned int To>
+WITH_WIDE_VECTORS void reorder16F(void const* source, std::size_t pixels, void* target, std::uint8_t alpha)
 {
-    static auto const table = [] {
-        std::array<std::uint8_t, 65536> made;
-        for (std::uint32_t bits = 0; bits < made.size(); ++bits)
-            made[bits] = std::uint8_t(int(clampToUnit(halfToFloat(ORNHalf16(bits))) * 255.0f + 0.5f));
-        return made;
-    }();
-    return table;
+    reorder<ORNHalf16, From, To, false>(source, pixels, target, floatToHalf(alpha / 255.0f));
 }
 
-template<unsigned int Channels> void narrow16F(void const* source, std::size_t pixels, void* target)
+template<unsigned int From, unsigned int To>
+WITH_WIDE_VECTORS void reorder32F(void const* source, std::size_t pixels, void* target, std::uint8_t alpha)
 {
-    auto const& table = halfTo8Bits();
-    auto const* in = as<ORNHalf16>(source);
-    auto* out = as<std::uint8_t>(target);
-    for (std::size_t i = 0; i < pixels * Channels; ++i)
-        out[i] = table[in[i]];
+    reorder<float, From, To, false>(source, pixels, target, alpha / 255.0f);
 }
 
-void swap32(void const* source, std::size_t pixels, void* target)
+WITH_WIDE_VECTORS void swap32(void const* source, std::size_t pixels, void* target, std::uint8_t)
 {
     auto const* in = as<std::uint32_t>(source);
     auto* out = as<std::uint32_t>(target);
@@ -85,15 +92,63 @@ void swap32(void const* source, std::size_t pixels, void* target)
         out[i] = (in[i] & 0xFF00FF00u) | ((in[i] >> 16) & 0xFFu) | ((in[i] & 0xFFu) << 16);
 }
 
-void swap24(void const* source, std::size_t pixels, void* target)
+std::uint8_t to8Bits(float value)
 {
-    auto const* in = as<std::uint8_t>(source);
+    return std::uint8_t(int(clampToUnit(value) * 255.0f + 0.5f));
+}
+
+std::uint16_t to16Bits(float value)
+{
+    return std::uint16_t(int(clampToUnit(value) * 65535.0f + 0.5f));
+}
+
+float from16Bits(std::uint16_t value)
+{
+    return value / 65535.0f;
+}
+
+/// floor((v + 128) / 257) in 16 bits: v / 257 rounded to the nearest.
+std::uint8_t narrow16(std::uint16_t value)
+{
+    auto const raised = std::uint16_t((value < 65407 ? value : 65407) + 128);
+    return std::uint8_t(std::uint16_t(raised - (raised >> 8)) >> 8);
+}
+
+std::uint16_t widen8(std::uint8_t value)
+{
+    return std::uint16_t(value * 257u);
+}
+
+/// What each of the 65536 half patterns is in 8 bits.
+std::array<std::uint8_t, 65536> const& halvesTo8Bits()
+{
+    static auto const table = [] {
+        std::array<std::uint8_t, 65536> made;
+        for (std::uint32_t bits = 0; bits < made.size(); ++bits)
+            made[bits] = to8Bits(halfToFloat(ORNHalf16(bits)));
+        return made;
+    }();
+    return table;
+}
+
+template<unsigned int Channels>
+void narrow16F(void const* source, std::size_t pixels, void* target, std::uint8_t)
+{
+    auto const& table = halvesTo8Bits();
+    auto const* in = as<ORNHalf16>(source);
     auto* out = as<std::uint8_t>(target);
-    for (std::size_t i = 0; i < pixels * 3; i += 3) {
-        out[i] = in[i + 2];
-        out[i + 1] = in[i + 1];
-        out[i + 2] = in[i];
-    }
+    for (std::size_t i = 0; i < pixels * Channels; ++i)
+        out[i] = table[in[i]];
+}
+
+/// Component by component, the channels staying where they are.
+template<unsigned int Channels, typename From, typename To, To convert(From)>
+WITH_WIDE_VECTORS void each(void const* source, std::size_t pixels, void* target, std::uint8_t)
+{
+    auto const* in = as<From>(source);
+    auto* out = as<To>(target);
+    for (std::size_t i = 0; i < pixels * Channels; ++i)
+        out[i] = convert(in[i]);
 }
 
 struct DirectWay
@@ -103,13 +158,74 @@ struct DirectWay
     DirectRow row;
 };
 
-constexpr DirectWay directWays[] = {
-    {RGBA8, BGRA8, swap32},         {BGRA8, RGBA8, swap32},   {RGB8, BGR8, swap24},
-    {BGR8, RGB8, swap24},           {L16, L8, narrow16<1>},   {RGB16, RGB8, narrow16<3>},
-    {RGBA16, RGBA8, narrow16<4>},   {L16F, L8, narrow16F<1>}, {RGB16F, RGB8, narrow16F<3>},
-    {RGBA16F, RGBA8, narrow16F<4>}, {L32F, L8, narrow32F<1>}, {RGB32F, RGB8, narrow32F<3>},
-    {RGBA32F, RGBA8, narrow32F<4>},
+using U8 = std::uint8_t;
+using U16 = std::uint16_t;
+
+constexpr DirectWay reorderings[] = {
+    {RGBA8, BGRA8, swap32},
+    {BGRA8, RGBA8, swap32},
+    {RGB8, BGR8, reorder8<3, 3, true>},
+    {BGR8, RGB8, reorder8<3, 3, true>},
+    {RGBA8, RGB8, reorder8<4, 3>},
+    {BGRA8, BGR8, reorder8<4, 3>},
+    {RGBA8, BGR8, reorder8<4, 3, true>},
+    {BGRA8, RGB8, reorder8<4, 3, true>},
+    {RGB8, RGBA8, reorder8<3, 4>},
+    {BGR8, BGRA8, reorder8<3, 4>},
+    {RGB8, BGRA8, reorder8<3, 4, true>},
+    {BGR8, RGBA8, reorder8<3, 4, true>},
+    {L8, RGB8, reorder8<1, 3>},
+    {L8, BGR8, reorder8<1, 3>},
+    {L8, RGBA8, reorder8<1, 4>},
+    {L8, BGRA8, reorder8<1, 4>},
+    {RGB16, RGBA16, reorder16<3, 4>},
+    {RGBA16, RGB16, reorder16<4, 3>},
+    {L16, RGB16, reorder16<1, 3>},
+    {L16, RGBA16, reorder16<1, 4>},
+    {RGB16F, RGBA16F, reorder16F<3, 4>},
+    {RGBA16F, RGB16F, reorder16F<4, 3>},
+    {RGB32F, RGBA32F, reorder32F<3, 4>},
+    {RGBA32F, RGB32F, reorder32F<4, 3>},
+    {L32F, RGB32F, reorder32F<1, 3>},
+    {L32F, RGBA32F, reorder32F<1, 4>},
 };
+
+/// Between depths, for as many channels as both formats have, in the order red first.
+struct DepthWay
+{
+    PixelFormat from; // the formats of one channel
+    PixelFormat to;
+    DirectRow rows[3]; // one, three and four channels
+};
+
+template<typename From, typename To, To convert(From)>
+constexpr DepthWay depthWay(PixelFormat from, PixelFormat to)
+{
+    return {from, to, {each<1, From, To, convert>, each<3, From, To, convert>, each<4, From, To, convert>}};
+}
+
+constexpr DepthWay depthWays[] = {
+    depthWay<U8, U16, widen8>(L8, L16),
+    depthWay<U16, U8, narrow16>(L16, L8),
+    depthWay<U16, float, from16Bits>(L16, L32F),
+    {L16F, L8, {narrow16F<1>, narrow16F<3>, narrow16F<4>}},
+    depthWay<ORNHalf16, float, halfToFloat>(L16F, L32F),
+    depthWay<float, U8, to8Bits>(L32F, L8),
+    depthWay<float, U16, to16Bits>(L32F, L16),
+    depthWay<float, ORNHalf16, floatToHalf>(L32F, L16F),
+};
+
+DirectRow depthRow(PixelFormat from, PixelFormat to)
+{
+    unsigned int const channels = getChannelsCount(from);
+    if (channels != getChannelsCount(to) || isBlueFirst(from) || isBlueFirst(to))
+        return nullptr;
+    PixelFormat const oneFrom = withChannels(from, 1), oneTo = withChannels(to, 1);
+    for (DepthWay const& way : depthWays)
+        if (way.from == oneFrom && way.to == oneTo)
+            return way.rows[channels == 1 ? 0 : channels - 2];
+    return nullptr;
+}
 
 template<typename In, typename Convert>
 void convertComponents(void const* in, std::size_t count, float* out, Convert convert)
@@ -129,7 +245,7 @@ void storeComponents(float const* in, std::size_t count, void* out, Convert conv
 
 void loadUnsigned16(void const* pixels, std::size_t count, float* out)
 {
-    convertComponents<std::uint16_t>(pixels, count, out, [](std::uint16_t v) { return v / 65535.0f; });
+    convertComponents<std::uint16_t>(pixels, count, out, from16Bits);
 }
 
 void loadSigned16(void const* pixels, std::size_t count, float* out)
@@ -140,8 +256,7 @@ void loadSigned16(void const* pixels, std::size_t count, float* out)
 
 void storeUnsigned16(float const* in, std::size_t count, void* pixels)
 {
-    storeComponents<std::uint16_t>(
-        in, count, pixels, [](float v) { return std::uint16_t(int(clampToUnit(v) * 65535.0f + 0.5f)); });
+    storeComponents<std::uint16_t>(in, count, pixels, to16Bits);
 }
 
 void storeSigned16(float const* in, std::size_t count, void* pixels)
@@ -189,8 +304,7 @@ void storeRow(PixelFormat format, float const* in, std::size_t count, void* pixe
     std::size_t const values = count * channels;
     switch (getBitsPerChannel(format)) {
     case 8:
-        storeComponents<std::uint8_t>(
-            in, values, pixels, [](float v) { return std::uint8_t(int(clampToUnit(v) * 255.0f + 0.5f)); });
+        storeComponents<std::uint8_t>(in, values, pixels, to8Bits);
         break;
     case 16:
         if (isFloatFormat(format))
@@ -227,11 +341,10 @@ void reshapeRow(float const* in, unsigned int from, float* out, unsigned int to,
 
 DirectRow directRow(PixelFormat from, PixelFormat to)
 {
-    auto const* way =
-        std::find_if(std::begin(directWays), std::end(directWays), [=](DirectWay const& candidate) {
-            return candidate.from == from && candidate.to == to;
-        });
-    return way == std::end(directWays) ? nullptr : way->row;
+    for (DirectWay const& way : reorderings)
+        if (way.from == from && way.to == to)
+            return way.row;
+    return depthRow(from, to);
 }
 
 } // namespace Orn::Surfaces

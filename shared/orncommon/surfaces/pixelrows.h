@@ -21,8 +21,9 @@ void storeRow(PixelFormat format, float const* in, std::size_t count, void* pixe
 void reshapeRow(float const* in, unsigned int from, float* out, unsigned int to, std::size_t count,
                 float alpha);
 
-/// A direct way between two formats: exact, or the same to the last bit as the way over floats.
-using DirectRow = void (*)(void const* source, std::size_t pixels, void* target);
+/// A direct way between two formats: exact, or the same to the last bit as the way over floats. A channel of
+/// alpha that was not there gets `alpha`, 255 being opaque.
+using DirectRow = void (*)(void const* source, std::size_t pixels, void* target, std::uint8_t alpha);
 
 /// The direct way, or null where there is none.
 DirectRow directRow(PixelFormat from, PixelFormat to);

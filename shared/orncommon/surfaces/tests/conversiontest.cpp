@@ -1,5 +1,6 @@
 #include "orncommon/surfaces/half.h"
 #include "orncommon/surfaces/operations.h"
+#include "orncommon/surfaces/pixelrows.h"
 
 #include <gtest/gtest.h>
 
@@ -143,6 +144,52 @@ TEST(Conversion, EveryHalfSurvivesTheWayOverFloat)
     for (unsigned int i = 0; i < 65536; ++i)
         changed += (i & 0x7FFF) <= 0x7C00 && floatToHalf(halfToFloat(ORNHalf16(i))) != i; // but for NaN
     EXPECT_EQ(changed, 0u);
+}
+
+TEST(Conversion, DirectWaysGiveWhatTheWayOverFloatsGives)
+{
+    constexpr unsigned int width = 1021;
+    std::vector<std::uint32_t> random(width * 4), numbers(width * 4);
+    std::uint32_t state = 1;
+    for (std::size_t i = 0; i < random.size(); ++i) {
+        state = state * 1664525u + 1013904223u;
+        random[i] = state ^ state >> 15;
+        numbers[i] = random[i] & 0xBFFFBFFFu; // halves that are numbers: a direct way keeps what a NaN says
+    }
+    unsigned int directWays = 0;
+    for (unsigned int from = 1; from < pixelFormatEnd; ++from) {
+        for (unsigned int to = 1; to < pixelFormatEnd; ++to) {
+            auto const a = PixelFormat(from), b = PixelFormat(to);
+            DirectRow const direct = directRow(a, b);
+            if (direct == nullptr)
+                continue;
+            ++directWays;
+            bool const isHalf = isFloatFormat(a) && getBitsPerChannel(a) == 16;
+            Bytes const noise = bytesOf(isHalf ? numbers : random);
+            std::vector<float> loaded(width * 4), reshaped(width * 4);
+            loadRow(a, noise.data(), width, loaded.data());
+            reshapeRow(loaded.data(), getChannelsCount(a), reshaped.data(), getChannelsCount(b), width,
+                       200 / 255.0f);
+            Bytes expected(width * getPixelSize(b)), got(width * getPixelSize(b));
+            storeRow(b, reshaped.data(), width, expected.data());
+            direct(noise.data(), width, got.data(), 200);
+            EXPECT_EQ(got, expected) << from << " to " << to;
+        }
+    }
+    EXPECT_GT(directWays, 40u);
+}
+
+TEST(Conversion, MirroredRows)
+{
+    Bytes in = {1, 2, 3, 4, 5, 6};
+    Surface const source(in.data(), SurfaceDescription(2, 3, L8));
+    Surface same(SurfaceDescription(2, 3, L8)), wide(SurfaceDescription(2, 3, L16));
+    ASSERT_TRUE(convertMirrored(source, same, {}));
+    EXPECT_EQ(pixelsOf(same), (Bytes{5, 6, 3, 4, 1, 2}));
+    ASSERT_TRUE(convertMirrored(source, wide, {}));
+    EXPECT_EQ(pixelsOf(wide), words({0x505, 0x606, 0x303, 0x404, 0x101, 0x202}));
+    same.mirror();
+    EXPECT_EQ(pixelsOf(same), in);
 }
 
 TEST(Conversion, SignedComponents)

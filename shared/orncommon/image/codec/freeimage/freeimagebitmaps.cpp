@@ -15,39 +15,19 @@ using namespace Orn::Surfaces;
 
 namespace {
 
-/// What a bitmap becomes: `bitmap` is of the format then, whatever it was before.
+/// What a bitmap becomes: `bitmap` holds pixels of the format `has`, of which the surface's `format` is made.
 struct Loaded
 {
     Bitmap bitmap;
     PixelFormat format = PixelFormat_Invalid;
     std::uint32_t alphaUse = SurfaceDescription::AlphaAbsent;
     std::uint32_t flags = 0;
+    PixelFormat has = format;
 };
 
 FREE_IMAGE_TYPE typeOf(Bitmap const& bitmap)
 {
     return FreeImage_GetImageType(bitmap.get());
-}
-
-/// Three components of every pixel copied from one bitmap type to another; `opaque`, if not null, is the
-/// fourth.
-template<typename From, typename To, typename Finish>
-Bitmap copyColours(Bitmap const& source, FREE_IMAGE_TYPE type, Finish finish)
-{
-    int const width = int(FreeImage_GetWidth(source.get()));
-    int const height = int(FreeImage_GetHeight(source.get()));
-    Bitmap target(FreeImage_AllocateT(type, width, height, int(sizeof(To)) * 8));
-    for (int y = 0; target && y < height; ++y) {
-        auto const* in = reinterpret_cast<From const*>(FreeImage_GetScanLine(source.get(), y));
-        auto* out = reinterpret_cast<To*>(FreeImage_GetScanLine(target.get(), y));
-        for (int x = 0; x < width; ++x) {
-            out[x].red = in[x].red;
-            out[x].green = in[x].green;
-            out[x].blue = in[x].blue;
-            finish(out[x]);
-        }
-    }
-    return target;
 }
 
 Loaded loadedBitmap(Bitmap bitmap)
@@ -58,6 +38,8 @@ Loaded loadedBitmap(Bitmap bitmap)
         Bitmap grey = depth == 8 ? std::move(bitmap) : Bitmap(FreeImage_ConvertTo8Bits(bitmap.get()));
         return {std::move(grey), L8};
     }
+    if (depth == 24)
+        return {std::move(bitmap), BGRA8, SurfaceDescription::AlphaAbsent, 0, BGR8};
     Bitmap full = depth == 32 ? std::move(bitmap) : Bitmap(FreeImage_ConvertTo32Bits(bitmap.get()));
     return {std::move(full), BGRA8,
             colours == FIC_RGBALPHA ? SurfaceDescription::AlphaCarried : SurfaceDescription::AlphaAbsent};
@@ -79,14 +61,11 @@ Loaded loadedOf(Bitmap bitmap)
     case FIT_FLOAT:
         return {std::move(bitmap), L32F};
     case FIT_RGB16:
-        return {
-            copyColours<FIRGB16, FIRGBA16>(bitmap, FIT_RGBA16, [](FIRGBA16& pixel) { pixel.alpha = 65535; }),
-            RGBA16};
+        return {std::move(bitmap), RGBA16, SurfaceDescription::AlphaAbsent, 0, RGB16};
     case FIT_RGBA16:
         return {std::move(bitmap), RGBA16, SurfaceDescription::AlphaCarried};
     case FIT_RGBF:
-        return {copyColours<FIRGBF, FIRGBAF>(bitmap, FIT_RGBAF, [](FIRGBAF& pixel) { pixel.alpha = 1.0f; }),
-                RGBA32F};
+        return {std::move(bitmap), RGBA32F, SurfaceDescription::AlphaAbsent, 0, RGB32F};
     case FIT_RGBAF:
         return {std::move(bitmap), RGBA32F, SurfaceDescription::AlphaCarried};
     default:
@@ -98,18 +77,24 @@ bool matches(Loaded const& loaded)
 {
     FREE_IMAGE_TYPE const type = typeOf(loaded.bitmap);
     unsigned int const depth = FreeImage_GetBPP(loaded.bitmap.get());
-    switch (loaded.format) {
+    switch (loaded.has) {
     case L8:
         return type == FIT_BITMAP && FreeImage_GetColorType(loaded.bitmap.get()) == FIC_MINISBLACK &&
                depth == 8;
+    case BGR8:
+        return type == FIT_BITMAP && depth == 24;
     case BGRA8:
         return type == FIT_BITMAP && depth == 32;
     case L16:
         return type == FIT_UINT16 || type == FIT_INT16;
+    case RGB16:
+        return type == FIT_RGB16;
     case RGBA16:
         return type == FIT_RGBA16;
     case L32F:
         return type == FIT_FLOAT;
+    case RGB32F:
+        return type == FIT_RGBF;
     case RGBA32F:
         return type == FIT_RGBAF;
     default:
@@ -150,21 +135,41 @@ Allocation allocationOf(PixelFormat format)
     }
 }
 
-/// The surface's pixels in a new bitmap, whose rows run from the bottom up.
-Bitmap copiedToBitmap(Surface const& surface)
+/// Sizes that its interface can state.
+bool isWithinLibrary(Surface const& surface)
 {
-    Allocation const allocation = allocationOf(surface.format());
     unsigned int const limit = unsigned(std::numeric_limits<int>::max());
-    if (allocation.type == FIT_UNKNOWN || surface.width() > limit || surface.height() > limit)
-        return nullptr;
-    Bitmap bitmap(
-        FreeImage_AllocateT(allocation.type, int(surface.width()), int(surface.height()), allocation.depth));
-    if (!bitmap)
-        return nullptr;
-    SurfaceDescription description = surface.description();
-    description.pitch = FreeImage_GetPitch(bitmap.get());
-    Surface pixels(FreeImage_GetBits(bitmap.get()), description);
-    return deepCopy(surface, pixels) ? std::move(bitmap) : nullptr;
+    return surface.width() <= limit && surface.height() <= limit;
+}
+
+/// The bitmap's pixels, whose rows run from the bottom up.
+SurfaceDescription descriptionOf(FIBITMAP* bitmap, PixelFormat format)
+{
+    SurfaceDescription description(FreeImage_GetWidth(bitmap), FreeImage_GetHeight(bitmap), format);
+    description.pitch = FreeImage_GetPitch(bitmap);
+    return description;
+}
+
+/// The bitmap itself becomes the surface's pixels.
+QSharedPointer<Surface> adopted(Bitmap bitmap, SurfaceDescription const& description)
+{
+    FIBITMAP* const pixels = bitmap.get();
+    auto surface = Core::makeShared(
+        Surface(FreeImage_GetBits(pixels), description, [pixels] { FreeImage_Unload(pixels); }));
+    bitmap.release();
+    if (!surface.isNull())
+        surface->mirror();
+    return surface;
+}
+
+/// Pixels with an opaque fourth channel, made and turned over in one pass.
+QSharedPointer<Surface> widened(Bitmap const& bitmap, PixelFormat has, SurfaceDescription description)
+{
+    Surface const pixels(FreeImage_GetBits(bitmap.get()), descriptionOf(bitmap.get(), has));
+    description.pitch = 0;
+    Surface surface(description);
+    convertMirrored(pixels, surface, ConversionParameters{255});
+    return Core::makeShared(std::move(surface));
 }
 
 void setGreyPalette(Bitmap const& bitmap)
@@ -227,33 +232,32 @@ QSharedPointer<Surface> surfaceFromBitmap(Bitmap bitmap)
                              << int(type) << " mismatched !";
         return {};
     }
-    FIBITMAP* const pixels = loaded.bitmap.get();
-    SurfaceDescription description(FreeImage_GetWidth(pixels), FreeImage_GetHeight(pixels), loaded.format);
-    description.pitch = FreeImage_GetPitch(pixels);
+    SurfaceDescription description = descriptionOf(loaded.bitmap.get(), loaded.format);
     description.alphaUse = loaded.alphaUse;
     description.flags = loaded.flags;
-    auto surface = Core::makeShared(
-        Surface(FreeImage_GetBits(pixels), description, [pixels] { FreeImage_Unload(pixels); }));
-    loaded.bitmap.release();
-    if (!surface.isNull())
-        surface->mirror();
-    return surface;
+    return loaded.has == loaded.format ? adopted(std::move(loaded.bitmap), description)
+                                       : widened(loaded.bitmap, loaded.has, description);
 }
 
-Bitmap bitmapFromSurface(Surface const& surface, PixelFormat format, FreeImageType type)
+Bitmap bitmapFromSurface(Surface const& surface, PixelFormat format)
 {
-    Surface converted;
-    if (!convertTo(surface, converted, format, ConversionParameters{255}))
+    Allocation const allocation = allocationOf(format);
+    if (allocation.type == FIT_UNKNOWN || !isWithinLibrary(surface))
         return nullptr;
-    converted.mirror();
-    Bitmap bitmap = copiedToBitmap(converted);
-    if (!bitmap || typeOf(bitmap) == type)
-        return bitmap;
-    if (typeOf(bitmap) == FIT_RGBA16 && type == FIT_RGB16)
-        return copyColours<FIRGBA16, FIRGB16>(bitmap, FIT_RGB16, [](FIRGB16&) {});
-    if (typeOf(bitmap) == FIT_RGBAF && type == FIT_RGBF)
-        return copyColours<FIRGBAF, FIRGBF>(bitmap, FIT_RGBF, [](FIRGBF&) {});
-    return nullptr;
+    Bitmap bitmap(
+        FreeImage_AllocateT(allocation.type, int(surface.width()), int(surface.height()), allocation.depth));
+    if (!bitmap)
+        return nullptr;
+    Surface pixels(FreeImage_GetBits(bitmap.get()), descriptionOf(bitmap.get(), format));
+    return convertMirrored(surface, pixels, ConversionParameters{255}) ? std::move(bitmap) : nullptr;
+}
+
+PixelFormat savedFormat(PixelFormat format, FreeImageType type, FreeImageFormat plugin)
+{
+    bool const dropsAlpha = (format == RGBA16 && type == FIT_RGB16) ||
+                            (format == RGBA32F && type == FIT_RGBF) ||
+                            (format == BGRA8 && exportDepth(FREE_IMAGE_FORMAT(plugin), 32) == 24);
+    return dropsAlpha ? Core::removeAlpha(format) : format;
 }
 
 Bitmap settleDepth(Bitmap bitmap, FreeImageFormat plugin)

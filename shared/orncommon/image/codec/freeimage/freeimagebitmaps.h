@@ -19,9 +19,12 @@ using Bitmap = std::unique_ptr<FIBITMAP, BitmapUnloader>;
 /// Null for the types that have no pixel format.
 QSharedPointer<Surfaces::Surface> surfaceFromBitmap(Bitmap bitmap);
 
-/// A surface as a bitmap to save: converted to `format`, then to the bitmap type `type`, which is the
-/// format's own or the one without its alpha. Null on failure.
-Bitmap bitmapFromSurface(Surfaces::Surface const& surface, Surfaces::PixelFormat format, FreeImageType type);
+/// A surface as a bitmap to save, in `format`: of 8-bit colour formats, one with blue first. Null on failure.
+Bitmap bitmapFromSurface(Surfaces::Surface const& surface, Surfaces::PixelFormat format);
+
+/// The format in which pixels of `format` reach the plug-in: without the alpha that `type`, the bitmap type
+/// chosen for it, or a file of the plug-in can't hold.
+Surfaces::PixelFormat savedFormat(Surfaces::PixelFormat format, FreeImageType type, FreeImageFormat plugin);
 
 /// Brings an 8-bit-channel bitmap to a depth that the plug-in can save; other types stay. Null on failure.
 Bitmap settleDepth(Bitmap bitmap, FreeImageFormat plugin);

@@ -99,6 +99,7 @@ bool chooseTarget(FreeImageMgr const& mgr, FREE_IMAGE_FORMAT plugin, QSharedPoin
     bool const dropsOpaqueAlpha = plugin == FIF_TARGA || plugin == FIF_BMP;
     if (dropsOpaqueAlpha && !Core::hasPixelWithAlpha(*surface))
         target.format = Core::removeAlpha(target.format);
+    target.format = savedFormat(target.format, target.type, plugin);
     return true;
 }
 
@@ -155,7 +156,7 @@ bool FreeimageSurfaceCodec::doWrite(QSharedPointer<Surface> const& surface,
     if (!mgr || plugin == FIF_UNKNOWN || !chooseTarget(*mgr, plugin, surface, target))
         return false;
     FreeImage_SetOutputMessage(reportMessage);
-    Bitmap bitmap = bitmapFromSurface(*surface, target.format, target.type);
+    Bitmap bitmap = bitmapFromSurface(*surface, target.format);
     if (bitmap && !target.custom)
         bitmap = settleDepth(std::move(bitmap), plugin);
     if (!bitmap)
