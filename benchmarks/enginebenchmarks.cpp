@@ -120,7 +120,7 @@ void lateChange(benchmark::State& state)
         engine.restart();
         setSize(engine, state.range(0));
         const Span whole = Comparison::time([&] { engine.generate(outputs); });
-        for (int turn = 0; turn < 3; ++turn)
+        for (int warmUp = 0; warmUp < 3; ++warmUp)
             change();
         comparison.add(change(), whole);
     }

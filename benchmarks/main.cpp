@@ -1,6 +1,7 @@
 // Runs what the other files register, in the program's own surroundings: its theme, fonts and codecs, the CPU
 // engine, and settings that are nobody's.
 
+#include "applications/player/session/programidentity.h"
 #include "applications/player/shell/startup.h"
 #include "common/engine/backend.h"
 #include "common/engine/engineswitcher.h"
@@ -29,7 +30,7 @@ int main(int argc, char** argv)
     Startup::setApplicationAttributes();
     {
         const QApplication application(argc, argv);
-        Startup::setIdentity();
+        setProgramIdentity();
         Startup::registerFonts();
         Startup::registerCodecs();
         Startup::loadTheme();
