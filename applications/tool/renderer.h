@@ -2,7 +2,7 @@
 
 #include "applications/player/metadata/metadatawriter.h"
 #include "applications/player/output/basename.h"
-#include "applications/player/packing/packer.h"
+#include "applications/player/packing/packingcollector.h"
 #include "applications/tool/generator.h"
 #include "applications/tool/interrupter.h"
 #include "applications/tool/progressbar.h"

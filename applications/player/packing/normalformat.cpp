@@ -15,6 +15,11 @@ bool alters(const PackageInput& input, const PackageOutput& output, const Altera
     return std::size_t(input.index) >= links.size() || links[std::size_t(input.index)].count(output.uid) != 0;
 }
 
+int turnedAxes(int format, NormalDirection direction)
+{
+    return (format & (invertedX | invertedY)) ^ (direction == NormalDirection::OpenGl ? invertedY : 0);
+}
+
 } // namespace
 
 bool holdsNormals(const PackageOutput& output)
@@ -39,10 +44,10 @@ int normalFormatOf(const PackageOutput& output, const PackageModel& package, con
 
 void turnNormals(float* pixels, unsigned channels, std::size_t count, int format, NormalDirection direction)
 {
-    const bool turnsX = (format & invertedX) != 0;
-    const bool turnsY = ((format & invertedY) != 0) != (direction == NormalDirection::OpenGl);
+    const bool turnsX = (turnedAxes(format, direction) & invertedX) != 0;
+    const bool turnsY = (turnedAxes(format, direction) & invertedY) != 0;
     const int packed = format & yInAlpha;
-    if (channels < 3 || direction == NormalDirection::OfPackage || (packed == 0 && !turnsX && !turnsY))
+    if (channels < 3 || invertedNormals(format, direction) == 0)
         return;
     for (float* const end = pixels + count * channels; pixels != end; pixels += channels) {
         float x = pixels[0], y = pixels[1], z = pixels[2];
@@ -64,6 +69,13 @@ void turnNormals(float* pixels, unsigned channels, std::size_t count, int format
         pixels[1] = y;
         pixels[2] = z;
     }
+}
+
+std::optional<int> invertedNormals(int format, NormalDirection direction)
+{
+    if (direction == NormalDirection::OfPackage)
+        return 0;
+    return format & yInAlpha ? std::optional<int>() : turnedAxes(format, direction);
 }
 
 } // namespace Zph::Applications::Player

@@ -29,4 +29,7 @@ int normalFormatOf(const PackageOutput& output, const PackageModel& package, con
 // where it held y. Nothing happens to grey, nor for NormalDirection::OfPackage.
 void turnNormals(float* pixels, unsigned channels, std::size_t count, int format, NormalDirection direction);
 
+// Where the same is done by inverting channels alone, which: bit 0 for red, bit 1 for green. Else nothing.
+std::optional<int> invertedNormals(int format, NormalDirection direction);
+
 } // namespace Zph::Applications::Player

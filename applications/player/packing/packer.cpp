@@ -47,6 +47,20 @@ PixelFormat formatOfDepth(PictureDepth depth, const std::vector<SurfacePtr>& pic
     return deepest;
 }
 
+bool isSigned(const Surface& picture)
+{
+    return picture.description().flags & SurfaceDescription::SignedComponents;
+}
+
+// Whether the picture's alpha means nothing, so that it counts as 1.
+bool isOpaque(const PlannedSource& source, const Surface& picture)
+{
+    constexpr int layout = VELLOR_FORMAT_FAMILY_MASK | VELLOR_FORMAT_LAYOUT_MASK;
+    return getChannelsCount(picture.format()) != 4 ||
+           picture.description().alphaUse == SurfaceDescription::AlphaAbsent ||
+           (source.output.pixelFormat & layout) == VELLOR_FORMAT_RGBX;
+}
+
 // A source as rows of floats of the file's size, normals turned.
 class SourceRows
 {
@@ -54,19 +68,14 @@ public:
     SourceRows(const PlannedSource& source, NormalDirection direction, SurfacePtr picture)
         : m_picture(std::move(picture)), m_channels(getChannelsCount(m_picture->format())),
           m_normalFormat(source.normalFormat), m_direction(direction),
-          m_isOpaque(m_channels != 4 ||
-                     m_picture->description().alphaUse == SurfaceDescription::AlphaAbsent ||
-                     (source.output.pixelFormat & (VELLOR_FORMAT_FAMILY_MASK | VELLOR_FORMAT_LAYOUT_MASK)) ==
-                         VELLOR_FORMAT_RGBX),
-          m_row(std::size_t(m_picture->width()) * m_channels)
+          m_isOpaque(isOpaque(source, *m_picture)), m_row(std::size_t(m_picture->width()) * m_channels)
     {
     }
 
     void load(unsigned y)
     {
-        const bool isSigned = m_picture->description().flags & SurfaceDescription::SignedComponents;
         const std::size_t width = m_picture->width();
-        loadRow(m_picture->format(), m_picture->row(y), width, m_row.data(), isSigned);
+        loadRow(m_picture->format(), m_picture->row(y), width, m_row.data(), isSigned(*m_picture));
         if (m_normalFormat >= 0)
             turnNormals(m_row.data(), m_channels, width, m_normalFormat, m_direction);
         m_hasGrey = false;
@@ -131,7 +140,7 @@ SurfacePtr inSize(const SurfacePtr& picture, const Size& size)
     return resized;
 }
 
-void packRows(const PlannedFile& file, std::vector<SourceRows>& sources, Surface& target)
+void packFloats(const PlannedFile& file, std::vector<SourceRows>& sources, Surface& target)
 {
     const unsigned channels = unsigned(file.channels.size());
     std::vector<float> row(std::size_t(target.width()) * channels);
@@ -153,6 +162,83 @@ void packRows(const PlannedFile& file, std::vector<SourceRows>& sources, Surface
     }
 }
 
+// A channel of the file that is a channel of a picture, as it is or inverted, or a constant.
+struct DirectChannel
+{
+    const Surface* picture = nullptr; // null: the constant
+    unsigned place = 0;               // in the pixel, counted in components
+    bool isInverted = false;
+    float constant = 0.0f;
+};
+
+// Nothing where values have to be computed.
+std::optional<DirectChannel> directChannel(const PlannedFile& file, const PlannedChannel& channel,
+                                           const std::vector<SurfacePtr>& pictures, PixelFormat format)
+{
+    if (channel.source < 0)
+        return DirectChannel{nullptr, 0, false, channel.constant};
+    const PlannedSource& source = file.sources.at(channel.source);
+    const Surface& picture = *pictures[std::size_t(channel.source)];
+    if (channel.channel == SourceChannel::Alpha && isOpaque(source, picture))
+        return DirectChannel{nullptr, 0, false, channel.isInverted ? 0.0f : 1.0f};
+    const unsigned channels = getChannelsCount(picture.format());
+    if (withChannels(picture.format(), 1) != withChannels(format, 1) || isSigned(picture) ||
+        (channels > 1 && channel.channel == SourceChannel::Luminance))
+        return {};
+    unsigned place = channels > 1 ? unsigned(channel.channel) - unsigned(SourceChannel::Red) : 0;
+    bool isInverted = channel.isInverted;
+    if (source.normalFormat >= 0 && channels > 1) {
+        const auto inverted = invertedNormals(source.normalFormat, file.normals);
+        if (!inverted)
+            return {};
+        isInverted = isInverted != ((*inverted >> place & 1) != 0);
+    }
+    if (place < 3 && isBlueFirst(picture.format()))
+        place = 2 - place;
+    return DirectChannel{&picture, place, isInverted, 0.0f};
+}
+
+template<typename T> void packIntegers(const std::vector<DirectChannel>& channels, Surface& target)
+{
+    const std::size_t width = target.width(), stride = channels.size();
+    for (unsigned y = 0; y < target.height(); ++y) {
+        for (std::size_t c = 0; c < stride; ++c) {
+            T* const out = reinterpret_cast<T*>(target.row(y)) + c;
+            const DirectChannel& channel = channels[c];
+            if (!channel.picture) {
+                T constant = 0;
+                storeRow(withChannels(target.format(), 1), &channel.constant, 1, &constant);
+                for (std::size_t x = 0; x < width; ++x)
+                    out[x * stride] = constant;
+                continue;
+            }
+            const T* const in = reinterpret_cast<const T*>(channel.picture->row(y)) + channel.place;
+            const std::size_t step = getChannelsCount(channel.picture->format());
+            const T flip =
+                channel.isInverted ? T(~T(0)) : T(0); // the greatest value less v is v with all bits turned
+            for (std::size_t x = 0; x < width; ++x)
+                out[x * stride] = T(in[x * step] ^ flip);
+        }
+    }
+}
+
+// Integers that only change their places need no floats. False where there is more to do.
+bool packDirectly(const PlannedFile& file, const std::vector<SurfacePtr>& pictures, Surface& target)
+{
+    std::vector<DirectChannel> channels;
+    for (const PlannedChannel& planned : file.channels) {
+        const auto channel = directChannel(file, planned, pictures, target.format());
+        if (!channel || isFloatFormat(target.format()))
+            return false;
+        channels.push_back(*channel);
+    }
+    if (getBitsPerChannel(target.format()) == 8)
+        packIntegers<std::uint8_t>(channels, target);
+    else
+        packIntegers<std::uint16_t>(channels, target);
+    return true;
+}
+
 } // namespace
 
 SurfacePtr packPicture(const PlannedFile& file, const PackingPictures& pictures, PictureDepth depth)
@@ -164,18 +250,21 @@ SurfacePtr packPicture(const PlannedFile& file, const PackingPictures& pictures,
             return {};
     }
     const Size size = greatestSize(given);
-    const PixelFormat format = withChannels(formatOfDepth(depth, given), unsigned(file.channels.size()));
-    std::vector<SourceRows> sources;
-    for (std::size_t i = 0; i < given.size(); ++i) {
-        const SurfacePtr fitting = inSize(given[i], size);
-        if (!fitting)
+    for (SurfacePtr& picture : given) {
+        picture = inSize(picture, size);
+        if (!picture)
             return {};
-        sources.emplace_back(file.sources.at(int(i)), file.normals, fitting);
     }
+    const PixelFormat format = withChannels(formatOfDepth(depth, given), unsigned(file.channels.size()));
     const auto target = SurfacePtr::create(SurfaceDescription(size.width, size.height, format));
     if (target->isEmpty())
         return {};
-    packRows(file, sources, *target);
+    if (packDirectly(file, given, *target))
+        return target;
+    std::vector<SourceRows> sources;
+    for (std::size_t i = 0; i < given.size(); ++i)
+        sources.emplace_back(file.sources.at(int(i)), file.normals, given[i]);
+    packFloats(file, sources, *target);
     return target;
 }
 
@@ -192,45 +281,6 @@ QString packedFormatName(PixelFormat format)
                       : isFloat    ? VELLOR_FORMAT_16FLOAT
                                    : VELLOR_FORMAT_16BITS;
     return outputFormatName(quint8(layout | depth));
-}
-
-void PackingCollector::reset()
-{
-    m_isDone.fill(false, m_files->size());
-    m_pictures.clear();
-}
-
-bool PackingCollector::isNeeded(quint32 uid) const
-{
-    for (int i = 0; i < m_files->size(); ++i) {
-        const auto& sources = m_files->at(i).sources;
-        if (!m_isDone[i] && std::any_of(sources.cbegin(), sources.cend(), [uid](const PlannedSource& source) {
-                return source.output.uid == uid;
-            }))
-            return true;
-    }
-    return false;
-}
-
-void PackingCollector::add(quint32 uid, const SurfacePtr& picture, const Complete& complete)
-{
-    m_pictures.insert(uid, picture);
-    for (int i = 0; i < m_files->size(); ++i) {
-        PackingPictures own;
-        const auto& sources = m_files->at(i).sources;
-        for (const PlannedSource& source : sources) {
-            if (m_pictures.contains(source.output.uid))
-                own.insert(source.output.uid, m_pictures.value(source.output.uid));
-        }
-        if (m_isDone[i] || own.size() < sources.size())
-            continue;
-        m_isDone[i] = true;
-        complete(i, own);
-    }
-    for (const quint32 kept : m_pictures.keys()) {
-        if (!isNeeded(kept))
-            m_pictures.remove(kept);
-    }
 }
 
 } // namespace Zph::Applications::Player

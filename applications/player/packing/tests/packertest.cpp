@@ -1,4 +1,4 @@
-#include "applications/player/packing/packer.h"
+#include "applications/player/packing/packingcollector.h"
 #include "orncommon/surfaces/operations.h"
 
 #include <gtest/gtest.h>
@@ -197,6 +197,35 @@ TEST(Packer, HalvesBesideIntegersAndOtherSizes)
     ASSERT_EQ(packed->width(), 2u);
     for (unsigned i = 0; i < 12; ++i)
         EXPECT_EQ(valuesOf<float>(packed)[i], i % 3 == 1 ? 0.5f : 1.0f);
+}
+
+TEST(Packer, TurnsNormals)
+{
+    struct Row
+    {
+        int format;
+        NormalDirection direction;
+        Bytes pixel; // blue, green, red, alpha
+        Bytes expected;
+    };
+    const Row rows[] = {
+        {0, NormalDirection::OpenGl, {200, 64, 100, 9}, {100, 191, 200}},
+        {3, NormalDirection::OpenGl, {200, 64, 100, 9}, {155, 64, 200}},
+        {2, NormalDirection::Direct3d, {200, 64, 100, 9}, {100, 191, 200}},
+        {2, NormalDirection::OfPackage, {200, 64, 100, 9}, {100, 64, 200}},
+        {12, NormalDirection::OpenGl, {0, 0, 128, 128}, {128, 127, 255}}, // 1 - 2 (1 / 255)^2 rounds to white
+        {-1, NormalDirection::OpenGl, {200, 64, 100, 9}, {100, 64, 200}},
+    };
+    for (const Row& row : rows) {
+        PlannedFile file;
+        file.normals = row.direction;
+        file.sources = {{{}, row.format}};
+        for (const auto channel : {SourceChannel::Red, SourceChannel::Green, SourceChannel::Blue})
+            file.channels.append({0, channel, false, 0});
+        const SurfacePtr packed =
+            packPicture(file, {{0, picture<quint8>(1, 1, BGRA8, row.pixel)}}, PictureDepth::OfPicture);
+        EXPECT_EQ(valuesOf<quint8>(packed), row.expected) << row.format;
+    }
 }
 
 // The unit vector (2/7, -3/7, 6/7), y down the picture, written in each format.
