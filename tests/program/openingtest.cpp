@@ -147,7 +147,7 @@ TEST_F(Opening, WhatAFailureLeaves)
         {"missing.vlrbin", {}, {"Cannot open file '", "missing.vlrbin'"}, Floor, false},
         {"missing.xml", {}, {"Cannot open file '", "missing.vlrasm'"}, Floor, false},
         {"missing.vlrar", {}, {}, Floor, false},
-        {"bitmap.png", "no picture either", {"bitmap.png"}, Floor, false},
+        {"bitmap.png", "no picture either", {"Vellor Metadata loading failed"}, Floor, false},
     };
     for (const Row& row : rows) {
         ASSERT_TRUE(window->loadFile(floor));

@@ -1,5 +1,6 @@
 #include "applications/player/metadata/metadataloader.h"
 
+#include "applications/player/description/descriptionfile.h"
 #include "applications/player/metadata/metadatatrailer.h"
 #include "applications/player/presets/presetfile.h"
 
@@ -10,6 +11,9 @@
 namespace Zph::Applications::Player {
 
 namespace {
+
+// What a byte array holds at most, less what reading needs beside it.
+constexpr qint64 largestRecord = 1 << 30;
 
 QString translated(const char* text)
 {
@@ -31,7 +35,16 @@ QString noMetadata()
 std::optional<MetadataLoader::Result> MetadataLoader::load(const QString& path)
 {
     m_error.clear();
-    return follow(path, false);
+    auto result = follow(path, false);
+    if (result)
+        result->preset.label = QFileInfo(path).completeBaseName();
+    return result;
+}
+
+bool MetadataLoader::isAtEndOf(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) && readMetadataTrailer(file);
 }
 
 std::optional<MetadataLoader::Result> MetadataLoader::follow(const QString& path, bool isReferred)
@@ -63,10 +76,13 @@ std::optional<MetadataRecord> MetadataLoader::read(const QString& path)
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return fail(cannotOpen(path));
+    if (isOnItsOwn && file.size() > largestRecord)
+        return fail(noMetadata());
     const auto document = isOnItsOwn ? std::optional(file.readAll()) : readMetadataTrailer(file);
     const auto record = document ? parseMetadata(*document, info.absoluteDir()) : std::nullopt;
+    QDomDocument unused;
     if (!record)
-        return fail(isOnItsOwn && !QDomDocument().setContent(*document) ? cannotOpen(path) : noMetadata());
+        return fail(isOnItsOwn && !parseDescription(*document, unused) ? cannotOpen(path) : noMetadata());
     return record;
 }
 
@@ -114,8 +130,11 @@ QString MetadataLoader::locate(const QString& name, const QString& path, const Q
     const QString beside = own.absoluteDir().filePath(bare);
     if (QFileInfo(beside).isFile())
         return beside;
+    QString pattern = bare;
+    pattern.replace(' ', '?'); // a blank would end the pattern
     return m_ask(translated("'%1' file is required to load '%2'").arg(bare, own.fileName()),
-                 translated("Referenced file (%1);;").arg(bare) + moreFilters + translated("All files (*.*)"),
+                 translated("Referenced file (%1);;").arg(pattern) + moreFilters +
+                     translated("All files (*.*)"),
                  beside);
 }
 

@@ -18,9 +18,12 @@ public:
     struct Result
     {
         QByteArray archive;
-        PresetDescription preset; // for the graph that its pkgurl names
+        PresetDescription preset; // for the graph that its pkgurl names; labelled by the file's name
         QString outputIdentifier;
     };
+
+    // Whether a file ends in a record.
+    static bool isAtEndOf(const QString& path);
 
     explicit MetadataLoader(Ask ask) : m_ask(std::move(ask)) {}
 

@@ -1,5 +1,6 @@
 #include "applications/player/metadata/metadatawriter.h"
 
+#include "applications/player/output/basename.h"
 #include "applications/player/presets/presetfile.h"
 
 #include <QFileInfo>
@@ -24,6 +25,13 @@ bool isColour(const QString& identifier)
 }
 
 } // namespace
+
+MetadataWriter::Bitmap MetadataWriter::Bitmap::of(const PackageOutput& output, const QString& path)
+{
+    static const QString separator = QStringLiteral(" - ");
+    const QString label = exportLabel(output);
+    return {label.section(separator, 0, 0).remove(' '), label.section(separator, 1), path};
+}
 
 MetadataWriter::MetadataWriter(const MetadataChoices& choices, Package package,
                                const QVector<Bitmap>& firstBitmaps)

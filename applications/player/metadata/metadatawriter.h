@@ -9,6 +9,8 @@
 
 namespace Zph::Applications::Player {
 
+struct PackageOutput;
+
 // What goes into a bitmap's file and beside it.
 struct BitmapMetadata
 {
@@ -33,6 +35,9 @@ public:
     // One output of the export, in its first frame.
     struct Bitmap
     {
+        // What the label of an output says for its record.
+        static Bitmap of(const PackageOutput& output, const QString& path = {});
+
         QString packageUrl; // "pkg://bricks"
         QString identifier; // behind the first " - " of its label
         QString path;       // of the file that it becomes

@@ -82,6 +82,19 @@ bool DocumentLoader::loadVlrarFile(const QString& filepath)
     return isLoaded;
 }
 
+bool DocumentLoader::loadArchive(const QByteArray& archive, const QString& filepath)
+{
+    m_loadedFiles = QStringList(filepath);
+    Static::instance().remoteMode = false;
+    m_host.setDocumentTitle(QFileInfo(filepath).fileName());
+    QByteArray bytes = archive;
+    QBuffer device(&bytes);
+    device.open(QIODevice::ReadOnly);
+    const bool isLoaded = loadVlrasm(device, true);
+    m_watcher.addPath(filepath);
+    return isLoaded;
+}
+
 bool DocumentLoader::loadBinOrAsmFile(const QString& filepath)
 {
     const bool isXml = hasSuffix(filepath, "xml");

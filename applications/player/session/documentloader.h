@@ -44,6 +44,8 @@ public:
 
     bool loadVlrFile(const QStringList& filepaths);
     bool loadVlrarFile(const QString& filepath);
+    /// An archive that `filepath`, another kind of file, led to.
+    bool loadArchive(const QByteArray& archive, const QString& filepath);
     /// An assembly, a binary, or the description that lies beside one of them.
     bool loadBinOrAsmFile(const QString& filepath);
 

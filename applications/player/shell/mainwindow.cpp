@@ -298,6 +298,11 @@ void MainWindow::hiddenOutputsChanged()
 {
     if (m_loadCounter != 0)
         return; // the views still have the package of before
+    tellHiddenOutputs();
+}
+
+void MainWindow::tellHiddenOutputs()
+{
     for (ViewOutput* view : m_viewers)
         view->outputsChanged(m_tweaks->hiddenOutputs());
 }

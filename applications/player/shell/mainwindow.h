@@ -30,6 +30,7 @@ class ErrorConsole;
 class MainActions;
 struct MainMenus;
 class PackageModel;
+struct PresetDescription;
 class Timeline;
 class TweaksList;
 class View2D;
@@ -73,6 +74,8 @@ public slots:
     bool loadVlrFile(const QStringList& filepaths);
     bool loadBinOrAsmFile(const QString& filepath);
     bool loadVlrarFile(const QString& filepath);
+    /// An exported bitmap or a .vlrmeta file: its package, with its values, at its output.
+    bool loadMetadataFile(const QString& filepath);
     bool loadVlrbinRemote();
     bool loadVlrbin(QIODevice& device);
     void remoteVlrbinReceived(const QByteArray& buffer);
@@ -130,6 +133,9 @@ private:
     bool postponed(std::function<void()> action);
     void connectEngine();
     void buildPackage();
+    void tellHiddenOutputs();
+    void bringBack(const PresetDescription& values, const QString& outputIdentifier);
+    bool isForPanel(const QString& path, const QPoint& position) const;
     void reset();
     ErrorConsole& console();
 

@@ -3,6 +3,8 @@
 #include "mainwindow.h"
 
 #include "applications/player/description/packagemodel.h"
+#include "applications/player/metadata/metadataloader.h"
+#include "applications/player/metadata/metadatawriter.h"
 #include "applications/player/session/engine.h"
 #include "applications/player/session/enginerecords.h"
 #include "applications/player/session/packagecooker.h"
@@ -14,6 +16,8 @@
 #include "applications/player/shell/mainactions.h"
 #include "applications/player/timeline/timeline.h"
 #include "applications/player/tweaks/tweakslist.h"
+#include "applications/player/views/view2d.h"
+#include "applications/player/views/viewoutput2d.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -69,7 +73,7 @@ bool MainWindow::loadFile(const QString& filepath)
         isLoaded = loadBinOrAsmFile(filepath);
         break;
     case FileKind::Metadata:
-        message(2, tr("'%1' is no Vellor package. This build reads no metadata from bitmaps.").arg(filepath));
+        isLoaded = loadMetadataFile(filepath);
         break;
     }
     status(isLoaded ? tr("Load Done.") : tr("Load Failed!"));
@@ -127,6 +131,43 @@ bool MainWindow::loadVlrFile(const QStringList& filepaths)
 bool MainWindow::loadVlrarFile(const QString& filepath)
 {
     return m_loader.loadVlrarFile(filepath);
+}
+
+bool MainWindow::loadMetadataFile(const QString& filepath)
+{
+    MetadataLoader metadata([this](const QString& title, const QString& filter, const QString& path) {
+        return QFileDialog::getOpenFileName(this, title, QFileInfo(path).absolutePath(), filter);
+    });
+    const auto made = metadata.load(filepath);
+    if (!made) {
+        if (!metadata.error().isEmpty())
+            message(2, metadata.error());
+        return false;
+    }
+    ++m_loadCounter; // one generation, of what the values and the output ask for
+    const bool isLoaded = m_loader.loadArchive(made->archive, filepath);
+    if (isLoaded)
+        bringBack(made->preset, made->outputIdentifier);
+    --m_loadCounter;
+    if (isLoaded)
+        generate();
+    return isLoaded;
+}
+
+/// The values and the output of a record in the package that has just been opened.
+void MainWindow::bringBack(const PresetDescription& values, const QString& outputIdentifier)
+{
+    for (const PackageGraph& graph : m_package->graphs())
+        if (QString(graph.key).remove(' ') == values.pkgurl)
+            m_tweaks->applyMetadataPreset(values, graph.key);
+    tellHiddenOutputs();
+    const QVector<PackageOutput>& outputs = m_package->outputs();
+    const auto output = std::find_if(outputs.begin(), outputs.end(), [&](const PackageOutput& candidate) {
+        const auto described = MetadataWriter::Bitmap::of(candidate);
+        return described.packageUrl == values.pkgurl && described.identifier == outputIdentifier;
+    });
+    if (output != outputs.end() && m_view2D->firstView())
+        m_view2D->firstView()->showOutput(output->uid);
 }
 
 bool MainWindow::loadBinOrAsmFile(const QString& filepath)
@@ -303,6 +344,15 @@ void MainWindow::dragEnterEvent(QDragEnterEvent* event)
         event->acceptProposedAction();
 }
 
+/// Whether a dropped file is a picture for an input. An exported one is a document, but for the panel itself.
+bool MainWindow::isForPanel(const QString& path, const QPoint& position) const
+{
+    if (!m_package || !isImageFile(path))
+        return false;
+    return !MetadataLoader::isAtEndOf(path) ||
+           (m_tweaks->isVisible() && m_tweaks->rect().contains(m_tweaks->mapFromGlobal(position)));
+}
+
 void MainWindow::dropEvent(QDropEvent* event)
 {
     QStringList authoringFiles;
@@ -314,9 +364,8 @@ void MainWindow::dropEvent(QDropEvent* event)
             authoringFiles << path;
             continue;
         }
-        const bool isTaken =
-            m_package && isImageFile(path) && m_tweaks->dropImage(path, mapToGlobal(event->posF().toPoint()));
-        if (!isTaken)
+        const QPoint position = mapToGlobal(event->posF().toPoint());
+        if (!isForPanel(path, position) || !m_tweaks->dropImage(path, position))
             loadFile(path);
         break;
     }

@@ -267,6 +267,21 @@ void ViewOutput2D::setOutputShown(quint32 uid, bool shown)
     outputChanged(m_outputTabs->currentIndex());
 }
 
+void ViewOutput2D::showOutput(quint32 uid)
+{
+    const auto known = m_outputs.find(uid);
+    if (known == m_outputs.end() || !known->second.shown)
+        return;
+    const QVector<PackageOutput>& outputs = m_package->outputs();
+    const auto output = std::find_if(outputs.begin(), outputs.end(),
+                                     [uid](const PackageOutput& candidate) { return candidate.uid == uid; });
+    const QSignalBlocker blocker(m_graphCombo);
+    m_graphCombo->setCurrentIndex(m_graphCombo->findData(output->graphKey));
+    m_graphName = m_graphCombo->currentText();
+    rebuildTabs(uid);
+    outputChanged(m_outputTabs->currentIndex());
+}
+
 quint32 ViewOutput2D::currentUid() const
 {
     return m_outputTabs->currentIndex() < 0 ? 0

@@ -32,6 +32,8 @@ public:
     void outputsChanged(const std::set<quint32>& hidden) override;
     void clearView() override;
 
+    /// Goes to an output of the package and its graph, unless the output is hidden.
+    void showOutput(quint32 uid);
     /// Shows or hides the tab of an output.
     void setOutputShown(quint32 uid, bool shown);
     float zoomFactor() const { return m_zoomFactor; }
