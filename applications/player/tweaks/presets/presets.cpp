@@ -34,12 +34,16 @@ void Presets::readInternal(const DescriptionIndex& description)
 
 void Presets::replaceFile(const QString& fileName, const QVector<PresetDescription>& presets)
 {
-    removeFile(fileName);
-    m_fileList.append(fileName);
+    const auto isOfFile = [&](const PresetDescription& preset) { return preset.fileName == fileName; };
+    const auto old = std::find_if(m_presets.begin(), m_presets.end(), isOfFile);
+    auto place = int(std::distance(m_presets.begin(), old));
+    m_presets.erase(std::remove_if(old, m_presets.end(), isOfFile), m_presets.end());
     for (PresetDescription preset : presets) {
         preset.fileName = fileName;
-        m_presets.append(preset);
+        m_presets.insert(place++, preset);
     }
+    if (!m_fileList.contains(fileName))
+        m_fileList.append(fileName);
 }
 
 void Presets::removeFile(const QString& fileName)
@@ -59,7 +63,7 @@ Tweaks Presets::tweaksOfGraph(const QString& graphKey) const
 QString Presets::graphLabel(const QString& graphKey) const
 {
     const QString label = m_description.graph(graphKey).attribute(QStringLiteral("label"));
-    return label.isEmpty() ? graphKey : label;
+    return label.isEmpty() ? QString(graphKey).remove(QStringLiteral("pkg://")) : label;
 }
 
 void Presets::apply(const QString& graphKey, const PresetDescription& preset)

@@ -36,7 +36,7 @@ public:
 
     // Takes the presets of a package in place of those of the one before.
     void readInternal(const DescriptionIndex& description);
-    // Takes presets in place of those that came under the same file name, and remembers the file.
+    // Takes presets in the place of those that came under the same file name, and remembers the file.
     void replaceFile(const QString& fileName, const QVector<PresetDescription>& presets);
     void removeFile(const QString& fileName);
 
@@ -57,7 +57,7 @@ public:
     const QVector<PresetDescription>& presets() const { return m_presets; }
     const QStringList& fileList() const { return m_fileList; }
     Tweaks tweaksOfGraph(const QString& graphKey) const;
-    // The label of a graph of the package; of another one its key.
+    // The label of a graph of the package; of another one its path.
     QString graphLabel(const QString& graphKey) const;
     bool appliesExportOptions() const { return m_applyExportOptions; }
     void setAppliesExportOptions(bool applies) { m_applyExportOptions = applies; }

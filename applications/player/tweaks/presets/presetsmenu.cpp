@@ -40,6 +40,7 @@ public:
 private:
     // Texts of the user's go into entries as they stand.
     QAction* add(const QString& icon, QString text, std::function<void()> run);
+    void showStatusTip(const QString& text);
     void addFileEntries(bool isAnyChanged);
     void addPresets();
     void addPreset(const PresetDescription& preset, Origin origin);
@@ -73,11 +74,15 @@ PresetsMenu::PresetsMenu(Presets& presets, const QString& graphKey, QWidget* win
         })->setStatusTip(tr("Bring back the values from before the preset"));
     }
     // A popup that nobody's menu opened tells its tips to itself alone.
-    connect(this, &QMenu::hovered, this, [this](QAction* action) {
-        QStatusTipEvent tip(action->statusTip());
-        if (m_window)
-            QCoreApplication::sendEvent(m_window, &tip);
-    });
+    connect(this, &QMenu::hovered, this, [this](QAction* action) { showStatusTip(action->statusTip()); });
+    connect(this, &QMenu::aboutToHide, this, [this] { showStatusTip({}); });
+}
+
+void PresetsMenu::showStatusTip(const QString& text)
+{
+    QStatusTipEvent tip(text);
+    if (m_window)
+        QCoreApplication::sendEvent(m_window, &tip);
 }
 
 QAction* PresetsMenu::add(const QString& icon, QString text, std::function<void()> run)

@@ -233,16 +233,16 @@ TEST_F(PresetsOfPanel, menuInItsOrder)
                                                   "-\n"
                                                   "[Floor] Oak\n"
                                                   "-\n"
-                                                  "[pkg://elsewhere] Other (f.old.vlrprs)\n"
+                                                  "[elsewhere] Other (f.old.vlrprs)\n"
                                                   "-\n"
                                                   "(Export to Maya...)");
     for (const auto& [text, tip] :
          {std::pair("[Floor] Oak",
                     "Apply compatible internal preset: 'Oak' (originally designed for graph 'Floor')"),
           std::pair("Own (f.old.vlrprs)", "Apply preset: 'Own' of file 'f.old.vlrprs'"),
-          std::pair("[pkg://elsewhere] Other (f.old.vlrprs)",
+          std::pair("[elsewhere] Other (f.old.vlrprs)",
                     "Apply compatible preset: 'Other' of file 'f.old.vlrprs' (originally designed for graph "
-                    "'pkg://elsewhere')")})
+                    "'elsewhere')")})
         EXPECT_EQ(entry("g", text)->statusTip().toStdString(), tip);
     change(1, 4);
     EXPECT_EQ(menu("g").first(), "New File...");
