@@ -340,7 +340,8 @@ TEST_F(Codecs, ContentWinsOverTheName)
 
 TEST_F(Codecs, DamagedFilesGiveNothingOrAPicture)
 {
-    for (char const* name : {"a.png", "b.tga", "c.bmp", "d.jpg", "e.tif", "f.exr", "g.webp", "h.hdr"}) {
+    for (char const* name :
+         {"a.png", "b.tga", "c.bmp", "d.jpg", "e.tif", "f.exr", "g.webp", "h.hdr", "i.psd"}) {
         ASSERT_TRUE(manager.saveFile(rampOf(RGBA8, 33, 21), path(name))) << name;
         QByteArray const good = contents(name);
         for (int length = 0; length < good.size(); length += 1 + good.size() / 40) {
@@ -353,6 +354,10 @@ TEST_F(Codecs, DamagedFilesGiveNothingOrAPicture)
             read(damaged, name + 2);
         }
     }
+    // On these the library would read on for ever.
+    EXPECT_TRUE(read(QByteArray::fromHex("8b4a4e470d0a1a0a"), "jng").isNull());
+    EXPECT_TRUE(
+        read("#define x_width 16\n#define x_height 16\nstatic char x_bits[] = { 0x0f, ", "xbm").isNull());
 }
 
 TEST_F(Codecs, HugeSizesInATinyFileAreRefused)
@@ -368,6 +373,11 @@ TEST_F(Codecs, HugeSizesInATinyFileAreRefused)
     qToLittleEndian(quint16(60000), targa.data() + 12);
     qToLittleEndian(quint16(60000), targa.data() + 14);
     EXPECT_TRUE(read(targa, "tga").isNull());
+    // A start of codestream with three channels of 8 bits; the library would make 23 GiB of it.
+    QByteArray const jpeg2000 =
+        QByteArray::fromHex("ff4fff51002f00000000b5050000b50500000000000000000000b5050000b505"
+                            "00000000000000000003070101070101070101ff90");
+    EXPECT_TRUE(read(jpeg2000, "j2k").isNull());
 }
 
 } // namespace

@@ -10,6 +10,9 @@ namespace Orn::Image::Codec {
 
 namespace {
 
+/// Far more than any sound file makes a plug-in ask.
+constexpr int mostEmptyReads = 1 << 16;
+
 FreeImageDevice& deviceOf(fi_handle handle)
 {
     return *static_cast<FreeImageDevice*>(handle);
@@ -22,6 +25,8 @@ unsigned readItems(void* buffer, unsigned size, unsigned count, fi_handle handle
     qint64 const wanted = qint64(size) * count;
     qint64 const bytes =
         std::max<qint64>(0, deviceOf(handle).device().read(static_cast<char*>(buffer), wanted));
+    if (bytes != wanted)
+        deviceOf(handle).noteEnd(bytes == 0);
     std::memset(static_cast<char*>(buffer) + bytes, 0, std::size_t(wanted - bytes));
     return size == 0 ? 0 : unsigned(bytes / size);
 }
@@ -63,6 +68,13 @@ FreeImageDevice::FreeImageDevice(QIODevice& device, Writer writer)
 }
 
 FreeImageDevice::~FreeImageDevice() = default;
+
+void FreeImageDevice::noteEnd(bool isNothingThere)
+{
+    m_emptyReads += isNothingThere;
+    if (m_reader == Reader::EndsByException || m_emptyReads > mostEmptyReads)
+        throw "the file ends too early";
+}
 
 char const* FreeImageDevice::refusal()
 {

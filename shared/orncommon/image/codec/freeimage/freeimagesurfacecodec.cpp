@@ -6,6 +6,8 @@
 #include "orncommon/image/codec/freeimage/freeimagemetadata.h"
 #include "orncommon/image/codec/freeimage/freeimagemgr.h"
 #include "orncommon/image/codec/freeimage/freeimagesaveflags.h"
+#include "orncommon/image/codec/freeimage/jpeg2000header.h"
+#include "orncommon/image/codec/freeimage/psdcheck.h"
 #include "orncommon/image/codec/freeimage/tgagrayscalecodec.h"
 #include "orncommon/image/codec/surfacecodecoptions.h"
 #include "orncommon/image/surfaceoperations.h"
@@ -38,6 +40,9 @@ void reportMessage(FREE_IMAGE_FORMAT plugin, char const* message)
 constexpr double tightestPacking = 4096.0;
 constexpr double alwaysAccepted = 16.0 * 1024 * 1024;
 constexpr double neverAccepted = 16.0 * 1024 * 1024 * 1024;
+/// Of those that pack without bound, where the header's word is all there is: a colour picture of 16384 x
+/// 16384 pixels goes through.
+constexpr double neverAcceptedUnbounded = 1024.0 * 1024 * 1024;
 
 bool packsWithoutBound(FREE_IMAGE_FORMAT plugin, unsigned int bitsPerPixel)
 {
@@ -50,8 +55,9 @@ bool isCredibleSize(FREE_IMAGE_FORMAT plugin, double pixels, unsigned int bitsPe
 {
     double const bytes = pixels * bitsPerPixel / 8.0;
     double const packed = double(file.device().size() - file.start());
-    return bytes <= alwaysAccepted || (bytes <= neverAccepted && (packsWithoutBound(plugin, bitsPerPixel) ||
-                                                                  bytes <= packed * tightestPacking));
+    if (packsWithoutBound(plugin, bitsPerPixel))
+        return bytes <= neverAcceptedUnbounded;
+    return bytes <= alwaysAccepted || (bytes <= neverAccepted && bytes <= packed * tightestPacking);
 }
 
 /// Before the library reads an EXR header: it has at least one half per pixel.
@@ -61,11 +67,22 @@ bool isCredibleExr(FreeImageDevice& file)
     return pixels && file.rewind() && isCredibleSize(FIF_EXR, *pixels, 16, file);
 }
 
+/// Before the library reads a JPEG 2000 header, for which it makes the whole picture.
+bool isCredibleJpeg2000(FREE_IMAGE_FORMAT plugin, FreeImageDevice& file)
+{
+    auto const size = jpeg2000Size(file.device());
+    return size && file.rewind() && isCredibleSize(plugin, size->pixels, size->bitsPerPixel, file);
+}
+
 /// Whether the size that the header states can be true for a file of this length. True where the plug-in
 /// can't read a header alone.
 bool isCredible(FREE_IMAGE_FORMAT plugin, FreeImageDevice& file)
 {
     if (plugin == FIF_EXR && !isCredibleExr(file))
+        return false;
+    if (plugin == FIF_PSD && (!arePsdRowsSound(file.device()) || !file.rewind()))
+        return false;
+    if ((plugin == FIF_J2K || plugin == FIF_JP2) && !isCredibleJpeg2000(plugin, file))
         return false;
     if (!FreeImage_FIFSupportsNoPixels(plugin))
         return true;
@@ -74,6 +91,22 @@ bool isCredible(FREE_IMAGE_FORMAT plugin, FreeImageDevice& file)
         return false;
     double const pixels = double(FreeImage_GetWidth(header.get())) * FreeImage_GetHeight(header.get());
     return isCredibleSize(plugin, pixels, FreeImage_GetBPP(header.get()), file);
+}
+
+/// Null when the file can't be read.
+Bitmap loadBitmap(FREE_IMAGE_FORMAT plugin, QIODevice& device)
+{
+    FreeImageDevice file(device);
+    if (plugin == FIF_PSD)
+        file.setReader(FreeImageDevice::Reader::EndsByException);
+    try {
+        if (!isCredible(plugin, file))
+            return {};
+        return Bitmap(FreeImage_LoadFromHandle(plugin, file.io(), file.handle(), 0));
+    } catch (char const* message) {
+        reportMessage(plugin, message);
+        return {};
+    }
 }
 
 /// In what form a surface goes into the file.
@@ -131,13 +164,10 @@ bool FreeimageSurfaceCodec::doRead(QSharedPointer<Surface>& surface, SurfaceCode
     if (!mgr || plugin == FIF_UNKNOWN)
         return false;
     FreeImage_SetOutputMessage(reportMessage);
-    FreeImageDevice file(m_device);
     Bitmap bitmap;
     {
         auto const locker = mgr->getLocker(plugin);
-        if (!isCredible(plugin, file))
-            return false;
-        bitmap.reset(FreeImage_LoadFromHandle(plugin, file.io(), file.handle(), 0));
+        bitmap = loadBitmap(plugin, m_device);
     }
     if (!bitmap || !FreeImage_HasPixels(bitmap.get()))
         return false;
