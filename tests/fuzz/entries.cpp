@@ -9,23 +9,13 @@
 #include "platform/program/programreader.h"
 #include "platform/program/programwriter.h"
 #include "platform/program/sections.h"
+#include "tests/fuzz/promise.h"
 
 #include <zlib.h>
-
-#include <cstdio>
-#include <cstdlib>
 
 namespace vellor::fuzz {
 
 namespace {
-
-void require(bool kept, const char* promise, const std::string& error)
-{
-    if (kept)
-        return;
-    std::fprintf(stderr, "broken promise: %s (%s)\n", promise, error.c_str());
-    std::abort();
-}
 
 void linkAndReadBack(const std::vector<program::Program>& programs, int sizeLimit)
 {

@@ -13,7 +13,9 @@ void picture(const std::uint8_t* data, std::size_t size); // a PNG file that a p
 void assembly(const std::uint8_t* data, std::size_t size);
 void archive(const std::uint8_t* data, std::size_t size);
 void binary(const std::uint8_t* data, std::size_t size);
-void engine(const std::uint8_t* data, std::size_t size); // bytes that decide about a graph and its host
+void preset(const std::uint8_t* data, std::size_t size);
+void metadata(const std::uint8_t* data, std::size_t size); // a bitmap with a record at its end, or a record
+void engine(const std::uint8_t* data, std::size_t size);   // bytes that decide about a graph and its host
 
 struct Target
 {
@@ -21,7 +23,8 @@ struct Target
     void (*run)(const std::uint8_t*, std::size_t);
 };
 
-constexpr Target kTargets[] = {{"authoring", authoring}, {"picture", picture}, {"assembly", assembly},
-                               {"archive", archive},     {"binary", binary},   {"engine", engine}};
+constexpr Target kTargets[] = {{"authoring", authoring}, {"picture", picture},  {"assembly", assembly},
+                               {"archive", archive},     {"binary", binary},    {"engine", engine},
+                               {"preset", preset},       {"metadata", metadata}};
 
 } // namespace vellor::fuzz
