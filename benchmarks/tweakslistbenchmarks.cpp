@@ -1,6 +1,9 @@
-// Building the list of tweaks of a large package, over one that is there already.
+// The list of tweaks of a large package: building it over one that is there already, and applying presets to
+// it.
 
 #include "applications/player/description/packagemodel.h"
+#include "applications/player/tweaks/presets/presets.h"
+#include "applications/player/tweaks/tweakbase.h"
 #include "applications/player/tweaks/tweakslist.h"
 #include "benchmarks/comparison.h"
 #include "benchmarks/paintwatch.h"
@@ -88,6 +91,63 @@ void rebuildTweaks(benchmark::State& state)
     }
 }
 
+// All inputs of a package at other values, as slider drags leave them.
+PresetDescription largePreset(const TweaksList& list, double share)
+{
+    PresetDescription preset;
+    preset.label = QString::number(share);
+    for (const auto& [uid, tweak] : list.tweaks()) {
+        PresetInput input{tweak->identifier(), uid, tweak->type(), {}, {}};
+        for (int i = 0; i < componentCount(input.type); ++i)
+            isFloatType(input.type) ? input.value.setFloat(i, float(share))
+                                    : input.value.setInt(i, share > 0.5);
+        preset.inputs.append(input);
+    }
+    return preset;
+}
+
+void applyPreset(benchmark::State& state)
+{
+    const PackageModel package = largePackage(int(state.range(0)));
+    TweaksList list;
+    list.resize(440, 900);
+    list.show();
+    list.build(package);
+    const PresetDescription presets[] = {largePreset(list, 0.25), largePreset(list, 0.75)};
+    int told = 0;
+    QObject::connect(&list, &TweaksList::tweakChangedSignal, [&told] { ++told; });
+    PaintWatch watch({&list});
+    Comparison comparison(state, "the rows' values set one by one");
+    int turn = 0;
+    const auto painted = [&](const auto& change) {
+        watch.restart();
+        return Comparison::time([&] {
+            change(presets[++turn % 2]);
+            list.update();
+            watch.wait();
+        });
+    };
+    for (auto each : state) {
+        const int before = told;
+        const Span whole =
+            painted([&](const PresetDescription& preset) { list.presets().apply("pkg://large", preset); });
+        if (told != before + 1)
+            qFatal("A preset is one change");
+        const Span alone = painted([&](const PresetDescription& preset) {
+            list.batchTweakUpdate(true);
+            for (const PresetInput& input : preset.inputs)
+                list.tweaks().at(input.uid)->applyValue(input.value);
+            list.batchTweakUpdate(false);
+        });
+        comparison.add(whole, alone);
+    }
+}
+
+BENCHMARK(applyPreset)
+    ->Name("applying a preset of all inputs")
+    ->Arg(300)
+    ->Iterations(kTurns)
+    ->UseManualTime();
 BENCHMARK(rebuildTweaks)->Name("rebuilding a tweak list")->Arg(300)->Iterations(kTurns)->UseManualTime();
 
 } // namespace
