@@ -16,6 +16,7 @@
 #include <QMimeData>
 #include <QProcess>
 #include <QPushButton>
+#include <QStatusBar>
 #include <QTabBar>
 
 namespace Zph::Applications::Player::Tests {
@@ -53,7 +54,11 @@ protected:
         EXPECT_EQ(tabs->tabText(tabs->currentIndex()), "Height") << what;
         // 9 / 16 * 0.75 of 255
         EXPECT_EQ(picture(*views().first()).pixelColor(3, 3), QColor(108, 108, 108)) << what;
-        EXPECT_EQ(tweaks().presets().presets().last().label, QFileInfo(file).completeBaseName()) << what;
+        for (const PresetDescription& preset : tweaks().presets().presets())
+            EXPECT_EQ(preset.label,
+                      preset.fileName.isEmpty() ? QString("Deep") : QFileInfo(file).completeBaseName())
+                << what;
+        EXPECT_EQ(tweaks().presets().presets().size(), 2) << what;
     }
 
     /// Answers the question for a file that a record names.
@@ -73,12 +78,17 @@ protected:
 
 TEST_F(MetadataFiles, BringBackWhatMadeThem)
 {
+    int generations = 0;
+    QObject::connect(window->statusBar(), &QStatusBar::messageChanged,
+                     [&](const QString& text) { generations += text == "Generating 1 textures..."; });
     for (const QString form : {"embedded", "file"}) {
         const QDir folder(exported(form));
         const QString file = form == "file" ? "walls_Height.vlrmeta" : "walls_Height.png";
         ASSERT_TRUE(window->loadFile(putPackage("floor", "vlrar")));
+        generations = 0;
         ASSERT_TRUE(window->loadFile(folder.filePath(file))) << consoleText().toStdString();
         EXPECT_EQ(status(), "Load Done.");
+        EXPECT_EQ(generations, 1);
         EXPECT_FALSE(isConsoleShown()) << consoleText().toStdString();
         expectExported("opened", file);
         tweak("Depth")->resetToDefault();

@@ -38,8 +38,7 @@ public:
     PresetsMenu(Presets& presets, const QString& graphKey, QWidget* window);
 
 private:
-    // Texts of the user's go into entries as they stand.
-    QAction* add(const QString& icon, QString text, std::function<void()> run);
+    QAction* add(const QString& icon, const QString& text, std::function<void()> run);
     void showStatusTip(const QString& text);
     void addFileEntries(bool isAnyChanged);
     void addPresets();
@@ -85,9 +84,9 @@ void PresetsMenu::showStatusTip(const QString& text)
         QCoreApplication::sendEvent(m_window, &tip);
 }
 
-QAction* PresetsMenu::add(const QString& icon, QString text, std::function<void()> run)
+QAction* PresetsMenu::add(const QString& icon, const QString& text, std::function<void()> run)
 {
-    QAction* action = addAction(text.replace('&', QLatin1String("&&")));
+    QAction* action = addAction(text.simplified().replace('&', QLatin1String("&&")));
     if (!icon.isEmpty())
         action->setIcon(sharedIcon(icon));
     connect(action, &QAction::triggered, this, std::move(run));
@@ -163,7 +162,7 @@ void PresetsMenu::addPreset(const PresetDescription& preset, Origin origin)
     }
     QAction* action = add(playerImages + icon, text, [this, preset] { m_presets.apply(m_graphKey, preset); });
     action->setStatusTip(tip);
-    action->setToolTip(preset.description);
+    action->setToolTip(plainToolTip(preset.description));
 }
 
 } // namespace
