@@ -14,8 +14,10 @@ void assembly(const std::uint8_t* data, std::size_t size);
 void archive(const std::uint8_t* data, std::size_t size);
 void binary(const std::uint8_t* data, std::size_t size);
 void preset(const std::uint8_t* data, std::size_t size);
-void metadata(const std::uint8_t* data, std::size_t size); // a bitmap with a record at its end, or a record
-void engine(const std::uint8_t* data, std::size_t size);   // bytes that decide about a graph and its host
+void metadata(const std::uint8_t* data, std::size_t size);  // a bitmap with a record at its end, or a record
+void engine(const std::uint8_t* data, std::size_t size);    // bytes that decide about a graph and its host
+void dds(const std::uint8_t* data, std::size_t size);       // a DDS file, without the libraries behind it
+void imagefile(const std::uint8_t* data, std::size_t size); // a byte for the format, then a file of it
 
 struct Target
 {
@@ -23,8 +25,9 @@ struct Target
     void (*run)(const std::uint8_t*, std::size_t);
 };
 
-constexpr Target kTargets[] = {{"authoring", authoring}, {"picture", picture},  {"assembly", assembly},
-                               {"archive", archive},     {"binary", binary},    {"engine", engine},
-                               {"preset", preset},       {"metadata", metadata}};
+constexpr Target kTargets[] = {{"authoring", authoring}, {"picture", picture},   {"assembly", assembly},
+                               {"archive", archive},     {"binary", binary},     {"engine", engine},
+                               {"preset", preset},       {"metadata", metadata}, {"dds", dds},
+                               {"imagefile", imagefile}};
 
 } // namespace vellor::fuzz

@@ -10,7 +10,7 @@ cd "$(dirname "$0")/../.."
 seconds="${1:-600}"
 shift || true
 targets=("$@")
-[ ${#targets[@]} -gt 0 ] || targets=(authoring picture assembly archive binary engine preset metadata)
+[ ${#targets[@]} -gt 0 ] || targets=(authoring picture assembly archive binary engine preset metadata dds imagefile)
 
 cmake -S . -B build-fuzz -G Ninja -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_BUILD_TYPE=Debug \
     -DCMAKE_CXX_FLAGS_DEBUG="-O1 -g -Wno-unknown-warning-option" -DBUILD_TESTING=OFF -DVELLOR_FUZZ=ON > /dev/null

@@ -378,6 +378,27 @@ TEST_F(Codecs, HugeSizesInATinyFileAreRefused)
         QByteArray::fromHex("ff4fff51002f00000000b5050000b50500000000000000000000b5050000b505"
                             "00000000000000000003070101070101070101ff90");
     EXPECT_TRUE(read(jpeg2000, "j2k").isNull());
+    // Headers alone, of formats whose plug-ins would allocate what these say.
+    struct
+    {
+        char const* format;
+        QByteArray file;
+    } const rows[] = {
+        {"gif", "GIF89a" + QByteArray::fromHex("ffffffff00000021f904000000000000"
+                                               "2c00000000ffffffff0008020000003b")},
+        {"sgi", QByteArray::fromHex("01da01010003ffffffff0003").leftJustified(512, '\0')},
+        {"iff", "FORM" + QByteArray::fromHex("00000030") + "ILBMBMHD" +
+                    QByteArray::fromHex("00000014ffffffff00000000180001000000010100c80140") + "BODY" +
+                    QByteArray::fromHex("00000004fd00fd00")},
+        {"wbmp", QByteArray::fromHex("000083ff7f83ff7f")},
+        {"xbm", "#define a_width 60000\n#define a_height 60000\nstatic char a_bits[] = { 0x00 };\n"},
+        {"dds", "DDS " + QByteArray::fromHex("7c000000071000000080000000800000").leftJustified(72, '\0') +
+                    QByteArray::fromHex("20000000400000000000000018000000ff00000000ff00000000ff00")
+                        .leftJustified(52, '\0')},
+        {"png", QByteArray::fromHex("89504e470d0a1a0a0000000d494844520000ffff0000ffff0806000000be1c9d62")},
+    };
+    for (auto const& row : rows)
+        EXPECT_TRUE(read(row.file, row.format).isNull()) << row.format;
 }
 
 } // namespace

@@ -7,6 +7,9 @@
 #include <QByteArray>
 #include <QSizeF>
 
+#include <algorithm>
+#include <limits>
+
 namespace Orn::Image::Codec {
 
 namespace {
@@ -23,6 +26,12 @@ struct Resolution
     unsigned int dotsPerMetreY = 2834;
 };
 
+/// Truncated; what no int holds is the greatest one.
+int whole(double value)
+{
+    return int(std::min(value, double(std::numeric_limits<int>::max())));
+}
+
 Resolution resolutionOf(FIBITMAP* bitmap, QSizeF const& centimetres)
 {
     Resolution resolution;
@@ -30,10 +39,10 @@ Resolution resolutionOf(FIBITMAP* bitmap, QSizeF const& centimetres)
         return resolution;
     double const width = FreeImage_GetWidth(bitmap);
     double const height = FreeImage_GetHeight(bitmap);
-    resolution.dotsPerInchX = int(width * centimetresPerInch / centimetres.width() + 0.5);
-    resolution.dotsPerInchY = int(height * centimetresPerInch / centimetres.height() + 0.5);
-    resolution.dotsPerMetreX = unsigned(int(width * 100 / centimetres.width()));
-    resolution.dotsPerMetreY = unsigned(int(height * 100 / centimetres.height()));
+    resolution.dotsPerInchX = whole(width * centimetresPerInch / centimetres.width() + 0.5);
+    resolution.dotsPerInchY = whole(height * centimetresPerInch / centimetres.height() + 0.5);
+    resolution.dotsPerMetreX = unsigned(whole(width * 100 / centimetres.width()));
+    resolution.dotsPerMetreY = unsigned(whole(height * 100 / centimetres.height()));
     return resolution;
 }
 

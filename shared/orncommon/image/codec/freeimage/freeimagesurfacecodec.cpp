@@ -7,13 +7,16 @@
 #include "orncommon/image/codec/freeimage/freeimagemgr.h"
 #include "orncommon/image/codec/freeimage/freeimagesaveflags.h"
 #include "orncommon/image/codec/freeimage/jpeg2000header.h"
+#include "orncommon/image/codec/freeimage/plainbmp.h"
 #include "orncommon/image/codec/freeimage/psdcheck.h"
+#include "orncommon/image/codec/freeimage/statedsize.h"
 #include "orncommon/image/codec/freeimage/tgagrayscalecodec.h"
 #include "orncommon/image/codec/surfacecodecoptions.h"
 #include "orncommon/image/surfaceoperations.h"
 
 #include <FreeImage.h>
 
+#include <QBuffer>
 #include <QDebug>
 
 #include <cstring>
@@ -74,8 +77,14 @@ bool isCredibleJpeg2000(FREE_IMAGE_FORMAT plugin, FreeImageDevice& file)
     return size && file.rewind() && isCredibleSize(plugin, size->pixels, size->bitsPerPixel, file);
 }
 
-/// Whether the size that the header states can be true for a file of this length. True where the plug-in
-/// can't read a header alone.
+/// The same for the other plug-ins that can't read a header alone.
+bool isCredibleHeader(FREE_IMAGE_FORMAT plugin, FreeImageDevice& file)
+{
+    auto const stated = statedSize(plugin, file.device());
+    return file.rewind() && (!stated || isCredibleSize(plugin, stated->pixels, stated->bitsPerPixel, file));
+}
+
+/// Whether the size that the header states can be true for a file of this length.
 bool isCredible(FREE_IMAGE_FORMAT plugin, FreeImageDevice& file)
 {
     if (plugin == FIF_EXR && !isCredibleExr(file))
@@ -85,7 +94,7 @@ bool isCredible(FREE_IMAGE_FORMAT plugin, FreeImageDevice& file)
     if ((plugin == FIF_J2K || plugin == FIF_JP2) && !isCredibleJpeg2000(plugin, file))
         return false;
     if (!FreeImage_FIFSupportsNoPixels(plugin))
-        return true;
+        return isCredibleHeader(plugin, file);
     Bitmap const header(FreeImage_LoadFromHandle(plugin, file.io(), file.handle(), FIF_LOAD_NOPIXELS));
     if (!header || !file.rewind())
         return false;
@@ -159,21 +168,37 @@ FreeImageFormat FreeimageSurfaceCodec::pluginOfContent(QIODevice& device, QByteA
 
 bool FreeimageSurfaceCodec::doRead(QSharedPointer<Surface>& surface, SurfaceCodecOptions* options)
 {
+    auto const plugin = pluginOfContent(m_device, m_format);
+    if (plugin == FIF_BMP) {
+        QByteArray bytes = plainBmp(m_device);
+        QBuffer buffer(&bytes);
+        if (!bytes.isEmpty() && buffer.open(QIODevice::ReadOnly))
+            return readFrom(buffer, plugin, surface, options);
+    }
+    return readFrom(m_device, plugin, surface, options);
+}
+
+bool FreeimageSurfaceCodec::readFrom(QIODevice& device, FreeImageFormat format,
+                                     QSharedPointer<Surface>& surface, SurfaceCodecOptions* options)
+{
     auto const mgr = m_mgr.lock();
-    auto const plugin = FREE_IMAGE_FORMAT(pluginOfContent(m_device, m_format));
+    auto const plugin = FREE_IMAGE_FORMAT(format);
     if (!mgr || plugin == FIF_UNKNOWN)
         return false;
     FreeImage_SetOutputMessage(reportMessage);
     Bitmap bitmap;
     {
         auto const locker = mgr->getLocker(plugin);
-        bitmap = loadBitmap(plugin, m_device);
+        bitmap = loadBitmap(plugin, device);
     }
     if (!bitmap || !FreeImage_HasPixels(bitmap.get()))
         return false;
     if (options != nullptr)
         readMetadata(bitmap.get(), *options);
     surface = surfaceFromBitmap(std::move(bitmap));
+    // PFM files begin with the bottom row; the library takes it for the top one.
+    if (plugin == FIF_PFM && !surface.isNull())
+        surface->mirror();
     return !surface.isNull();
 }
 

@@ -29,6 +29,9 @@ protected:
                  SurfaceCodecOptions const* options) override;
 
 private:
+    bool readFrom(QIODevice& device, FreeImageFormat plugin, QSharedPointer<Surfaces::Surface>& surface,
+                  SurfaceCodecOptions* options);
+
     std::weak_ptr<FreeImageMgr> m_mgr;
     QIODevice& m_device;
     QByteArray m_format;
