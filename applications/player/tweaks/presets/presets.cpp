@@ -7,6 +7,7 @@
 #include "orncommon/core/applicationsettings.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace Zph::Applications::Player {
 
@@ -76,8 +77,8 @@ void Presets::apply(const QString& graphKey, const PresetDescription& preset)
     m_undo = undo;
     m_lastApplied = preset.label;
     applyInBatch(tweaks, preset);
-    if (m_applyExportOptions)
-        applyExport(preset);
+    if (m_applyExportOptions && preset.exportOptions)
+        applyExport(preset.exportOptions);
 }
 
 void Presets::applyMetadata(const QString& graphKey, const PresetDescription& preset)
@@ -96,10 +97,19 @@ void Presets::applyInBatch(const Tweaks& tweaks, const PresetDescription& preset
     emit batchTweakUpdate(false);
 }
 
-void Presets::applyExport(const PresetDescription& preset)
+void Presets::applyExport(const std::optional<ExportSettings>& settings)
 {
-    if (m_exportSettings && preset.exportOptions)
-        m_exportSettings->applyExportSettings(*preset.exportOptions);
+    if (!m_exportSettings)
+        m_exportToApply = settings;
+    else if (settings)
+        m_exportSettings->applyExportSettings(*settings);
+}
+
+void Presets::setExportSettings(ExportSettingsHolder* holder)
+{
+    m_exportSettings = holder;
+    if (const auto settings = std::exchange(m_exportToApply, {}))
+        m_exportSettings->applyExportSettings(*settings);
 }
 
 std::optional<QString> Presets::undoLabel(const QString& graphKey) const
@@ -114,7 +124,7 @@ void Presets::undo(const QString& graphKey)
     const Undo undo = *std::exchange(m_undo, {});
     m_lastApplied = undo.lastAppliedBefore;
     applyInBatch(tweaksOfGraph(graphKey), undo.before);
-    applyExport(undo.before);
+    applyExport(undo.before.exportOptions);
 }
 
 void Presets::showMenu(QWidget* parent, const QString& graphKey)

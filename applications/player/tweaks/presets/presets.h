@@ -30,9 +30,9 @@ public:
     // The rows of the panel; they outlive the object.
     explicit Presets(const TweaksTree& rows, QObject* parent = nullptr);
 
-    // Whoever has the settings of exports, or null; not owned.
-    void setExportSettings(ExportSettingsHolder* holder) { m_exportSettings = holder; }
-    ExportSettingsHolder* exportSettings() const { return m_exportSettings; }
+    // Whoever has the settings of exports, once the package is known there; not owned. Settings of a preset
+    // that was applied before are handed over now.
+    void setExportSettings(ExportSettingsHolder* holder);
 
     // Takes the presets of a package in place of those of the one before.
     void readInternal(const DescriptionIndex& description);
@@ -87,13 +87,14 @@ private:
     InputLookUp inputLookUp() const;
     std::optional<QVector<PresetDescription>> readFile(QWidget* parent, const QString& fileName) const;
     void applyInBatch(const Tweaks& tweaks, const PresetDescription& preset);
-    void applyExport(const PresetDescription& preset);
+    void applyExport(const std::optional<ExportSettings>& settings);
 
     const TweaksTree& m_rows;
     DescriptionIndex m_description;
     QVector<PresetDescription> m_presets;
     QStringList m_fileList;
     ExportSettingsHolder* m_exportSettings = nullptr;
+    std::optional<ExportSettings> m_exportToApply; // as long as nobody has such settings
     bool m_applyExportOptions = false;
     QString m_lastApplied;
     std::optional<Undo> m_undo;

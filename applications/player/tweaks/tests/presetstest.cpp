@@ -11,6 +11,7 @@
 #include "applications/player/tweaks/tests/tweakfixture.h"
 #include "applications/player/tweaks/tweakimage.h"
 #include "applications/player/tweaks/tweakslist.h"
+#include "applications/player/tweaks/tweakstree.h"
 #include "applications/player/tweaks/tweaktext.h"
 #include "orncommon/image/codec/defaultcodecs.h"
 #include "orncommon/image/codec/surfacecodecmanager.h"
@@ -330,6 +331,14 @@ TEST_F(PresetsOfPanel, exportSettingsGoAlong)
     EXPECT_EQ(exported.settings->dir, "/now") << "not asked for";
     choose("g", "Also apply Export path and options");
     EXPECT_TRUE(entry("g", "Also apply Export path and options")->isChecked());
+    FakeExport later; // the user opens the dialog when the preset has been applied
+    const TweaksTree noRows;
+    Presets fresh(noRows);
+    fresh.setAppliesExportOptions(true);
+    fresh.apply("g", preset);
+    fresh.setExportSettings(&later);
+    ASSERT_TRUE(later.settings);
+    EXPECT_EQ(later.settings->dir, "/then");
     choose("g", "With (e.vlrprs)");
     EXPECT_EQ(exported.settings->dir, "/then");
     choose("g", "Undo applying 'With'");
