@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <QTemporaryDir>
+#include <QTextCodec>
 
 namespace {
 
@@ -145,6 +146,25 @@ TEST(PresetFile, keepsWhatNoFileCanHoldFromBreakingIt)
     ASSERT_EQ(read[0].inputs.size(), 1);
     EXPECT_EQ(read[0].inputs[0].identifier, "t");
     EXPECT_TRUE(read[0].inputs[0].text.startsWith("az") && read[0].inputs[0].text.endsWith('b'));
+}
+
+TEST(PresetFile, readsOtherEncodings)
+{
+    const QTemporaryDir folder;
+    for (const char* encoding : {"UTF-16", "ISO-8859-1", "UTF-8"}) {
+        const QString text =
+            QStringLiteral("<?xml version='1.0' encoding='%1'?><vlrpresets><vlrpreset label='Grün'>"
+                           "</vlrpreset></vlrpresets>")
+                .arg(encoding);
+        QFile file(folder.filePath(encoding));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(QTextCodec::codecForName(encoding)->fromUnicode(text));
+        file.close();
+        QString reason;
+        const auto read = readPresetFile(file.fileName(), noInput, reason);
+        ASSERT_TRUE(read) << encoding << ' ' << reason.toStdString();
+        EXPECT_EQ(read->value(0).label, QStringLiteral("Grün")) << encoding;
+    }
 }
 
 TEST(MayaPreset, lineByLine)
