@@ -150,7 +150,10 @@ void reduceBand(int across, int down, const ImageView& source, int channel, cons
             whole = to;
         }
         if (across > 1) {
-            // The last vectors of a padded row may hold anything; what they give is beyond the result.
+            // Whole vectors are split: `line` goes on far enough for the last, a row of a picture may not.
+            if (whole != line.data() && result.width % kLanes != 0)
+                whole = std::copy_n(whole, source.width, line.data()) - source.width;
+            // What the last vectors hold beyond the row may be anything; what they give is beyond the result.
             splitPhases(whole, across, result.width, phases.data(), stride);
             sumPairs(columns, result.width, rowOf(result, channel, y));
         }
