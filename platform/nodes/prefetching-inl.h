@@ -13,6 +13,20 @@
 HWY_BEFORE_NAMESPACE();
 namespace vellor::nodes::HWY_NAMESPACE {
 
+/// Fetches what the next tile takes from a row of a map, by the values that this one takes: the rows of a
+/// tile are too short for the processor to see the next ones coming.
+HWY_INLINE void fetchForNextTile(const float* values)
+{
+    __builtin_prefetch(values + kTileWidth);
+}
+
+/// Values of a map for a vector of a tile's pixels.
+HWY_INLINE F loadOfMap(const float* values)
+{
+    fetchForNextTile(values);
+    return load(values);
+}
+
 /// Guesses where the next tile reads from how far the last two lay apart.
 class NextBox
 {

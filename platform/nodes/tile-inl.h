@@ -19,7 +19,7 @@
 HWY_BEFORE_NAMESPACE();
 namespace vellor::nodes::HWY_NAMESPACE {
 
-constexpr int kTileWidth = 64, kTileHeight = 32;
+constexpr int kTileWidth = 64, kTileHeight = 64;
 
 /// Distances right and down, in pixels.
 struct Spot
@@ -76,12 +76,15 @@ private:
 };
 
 /// Calls work(tile) for the tiles of a band, anchored at their own pixels. Columns of tiles start at the same
-/// places in every band.
+/// places in every band. Tiles share the band's rows evenly: what a low tile's places cover is many times as
+/// large as the tile.
 template<class Work> HWY_INLINE void forEachTile(const AreaJob& job, const Work& work)
 {
     Tile tile;
-    for (tile.y = job.y0; tile.y < job.y1; tile.y += tile.height) {
-        tile.height = std::min(kTileHeight, job.y1 - tile.y);
+    const int rows = job.y1 - job.y0, layers = (rows + kTileHeight - 1) / kTileHeight;
+    for (int layer = 0; layer < layers; ++layer) {
+        tile.y = job.y0 + rows * layer / layers;
+        tile.height = job.y0 + rows * (layer + 1) / layers - tile.y;
         for (tile.x = 0; tile.x < job.result.width; tile.x += kTileWidth) {
             tile.width = std::min(kTileWidth, job.result.width - tile.x);
             for (int row = 0; row < tile.height; ++row) {

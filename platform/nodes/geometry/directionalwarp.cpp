@@ -36,7 +36,8 @@ void directionalWarpArea(const AreaJob& job)
     displace(
         job, job.operands[0], state.reading, [](const Tile&) {},
         [&](const Tile& tile, int i, int row) {
-            const F length = load(rowOf(job.operands[1], 0, tile.y + row) + tile.x + i) - F(state.middle);
+            const F length =
+                loadOfMap(rowOf(job.operands[1], 0, tile.y + row) + tile.x + i) - F(state.middle);
             return Spot{length * F(state.right), length * F(state.down)};
         });
 }

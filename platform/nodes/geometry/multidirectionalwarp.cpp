@@ -59,7 +59,7 @@ void multidirectionalWarpArea(const AreaJob& job)
     forEachTile(job, [&](Tile& tile) {
         for (int d = 0; d < state.directions; ++d) {
             tile.locate([&](int i, int row) {
-                const F length = load(rowOf(job.operands[1], 0, tile.y + row) + tile.x + i);
+                const F length = loadOfMap(rowOf(job.operands[1], 0, tile.y + row) + tile.x + i);
                 return Spot{countFrom(static_cast<float>(i)) + length * F(state.right[d]),
                             length * F(state.down[d])};
             });

@@ -36,8 +36,8 @@ void vectorWarpArea(const AreaJob& job)
     displace(
         job, job.operands[0], state.reading, [](const Tile&) {},
         [&](const Tile& tile, int i, int row) {
-            const F right = load(rowOf(field, 0, tile.y + row) + tile.x + i);
-            const F down = load(rowOf(field, 1, tile.y + row) + tile.x + i);
+            const F right = loadOfMap(rowOf(field, 0, tile.y + row) + tile.x + i);
+            const F down = loadOfMap(rowOf(field, 1, tile.y + row) + tile.x + i);
             return Spot{(right - F(0.5f)) * reach, (down - F(0.5f)) * reach};
         });
 }

@@ -48,6 +48,7 @@ void warpAlongSlopes(const WarpState& state, const AreaJob& job)
                          {tile.x - 1, tile.y - 1, tile.x + tile.width + 1, tile.y + tile.height + 1});
         },
         [&](const Tile& tile, int i, int row) {
+            fetchForNextTile(rowOf(job.operands[1], 0, tile.y + row) + tile.x + i);
             const auto at = [&](int dx, int dy) {
                 return loadAt(heights.at(tile.x + i + dx, tile.y + row + dy));
             };
@@ -70,7 +71,7 @@ void warpArea(const AreaJob& job)
     displace(
         job, job.operands[0], state.reading, [](const Tile&) {},
         [&](const Tile& tile, int i, int row) {
-            const F length = load(rowOf(job.operands[1], 0, tile.y + row) + tile.x + i);
+            const F length = loadOfMap(rowOf(job.operands[1], 0, tile.y + row) + tile.x + i);
             return Spot{length * F(state.right), length * F(state.down)};
         });
 }
