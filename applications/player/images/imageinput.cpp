@@ -8,6 +8,7 @@
 #include <QFile>
 
 #include <algorithm>
+#include <cstring>
 #include <limits>
 
 // Q_INIT_RESOURCE declares a function of the global namespace, so it may not stand in another.
@@ -44,12 +45,26 @@ QSize sizeOf(const Surface& surface)
     return {int(surface.width()), int(surface.height())};
 }
 
-// Copies the picture to every multiple of its size.
-void tile(const Surface& source, SurfacePtr& canvas)
+// Repeats the first bytes of a row, `period` of them, up to its end: what is there is doubled in each turn.
+void repeat(std::uint8_t* row, std::size_t period, std::size_t bytes)
 {
-    for (unsigned y = 0; canvas && y < canvas->height(); y += source.height())
-        for (unsigned x = 0; canvas && x < canvas->width(); x += source.width())
-            Orn::Image::Core::embed(source, canvas, QPoint(int(x), int(y)));
+    for (std::size_t done = period; done < bytes; done *= 2)
+        std::memcpy(row + done, row, std::min(done, bytes - done));
+}
+
+// Puts the picture at every multiple of its size. Both are of one format.
+void tile(const Surface& source, Surface& canvas)
+{
+    const std::size_t bytes = canvas.lineSize();
+    const std::size_t period = source.lineSize();
+    for (unsigned y = 0; y < canvas.height(); ++y) {
+        if (y >= source.height()) {
+            std::memcpy(canvas.row(y), canvas.row(y - source.height()), bytes);
+            continue;
+        }
+        std::memcpy(canvas.row(y), source.row(y), std::min(period, bytes));
+        repeat(canvas.row(y), period, bytes);
+    }
 }
 
 // Null when there is no memory.
@@ -64,7 +79,7 @@ SurfacePtr onCanvas(const SurfacePtr& source, const QSize& size, bool mosaic, co
     if (canvas->isEmpty())
         return {};
     if (mosaic) {
-        tile(*source, canvas);
+        tile(*source, *canvas);
         return canvas;
     }
     if (sizeOf(*source).boundedTo(size) != size)

@@ -207,17 +207,17 @@ VellorTexture textureFromSurface(const SurfacePtr& surface, SurfacePtr& holder)
     VellorTexture texture = {};
     if (!surface || surface->isEmpty() || surface->width() > longest || surface->height() > longest)
         return texture;
-    holder = surface;
     const unsigned channels = getChannelsCount(surface->format());
     const bool isSigned = surface->description().flags & SurfaceDescription::SignedComponents;
     PixelFormat format = channels == 3 ? withChannels(surface->format(), 4) : surface->format();
     if (isSigned)
         format = withChannels(L32F, channels == 3 ? 4 : channels);
     const Orn::Image::Core::ConversionParameters opaque{255};
+    holder.reset(); // what was held there may be anything, and a conversion writes into it
     if (format != surface->format())
         Orn::Image::Core::convertTo(*surface, holder, format, &opaque);
-    else if (surface->pitch() != surface->lineSize())
-        holder = Orn::Image::Core::clone(*surface);
+    else
+        holder = surface->pitch() == surface->lineSize() ? surface : Orn::Image::Core::clone(*surface);
     if (!holder)
         return texture;
     texture.buffer = holder->data();

@@ -90,6 +90,22 @@ TEST(ImageInput, PreparesOnceForOneSize)
     EXPECT_EQ(prepared(input, 1, 1).pixels, (std::vector<int>{1}));
 }
 
+TEST(ImageInput, ColoursWithoutAlphaBecomeOpaque)
+{
+    const auto surface = QSharedPointer<Surface>::create(SurfaceDescription(1, 1, RGB8));
+    const std::uint8_t colour[] = {10, 20, 30};
+    std::copy(std::begin(colour), std::end(colour), surface->data());
+    ImageInput input;
+    input.setSource(surface);
+    for (const quint32 wanted : {4, 8}) {
+        const VellorTexture* texture = input.prepare(wanted, wanted);
+        ASSERT_NE(texture, nullptr);
+        const auto* pixel = static_cast<const std::uint8_t*>(texture->buffer);
+        EXPECT_EQ(std::vector<int>(pixel, pixel + 4), (std::vector<int>{10, 20, 30, 255})) << wanted;
+        EXPECT_EQ(surface->format(), RGB8) << "the picture itself stays";
+    }
+}
+
 TEST(ImageInput, Crops)
 {
     ImageOptions options;
