@@ -291,6 +291,35 @@ TEST_F(Opening, DroppedFiles)
     }
 }
 
+TEST_F(Opening, DroppedPicturesGoToAnImageInput)
+{
+    QFile file(installation.path("framed.vlr"));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("<package formatversion='1'><graph identifier='framed'><inputs><input identifier='photo' "
+               "type='image'/></inputs><nodes><node id='shown' type='imageinput' channels='colour'><param "
+               "name='image' input='photo'/></node></nodes><outputs><output identifier='shown' from='shown'/>"
+               "</outputs></graph></package>");
+    file.close();
+    ASSERT_TRUE(window->loadFile(file.fileName())) << consoleText().toStdString();
+    const QString path = installation.path("dropped.png");
+    QImage image(2, 2, QImage::Format_RGB32);
+    image.fill(QColor(200, 100, 50));
+    ASSERT_TRUE(image.save(path));
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(path)});
+    const QPoint place = tweaks().mapTo(window.get(), tweaks().rect().center());
+    QDragEnterEvent enter(place, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(window.get(), &enter);
+    QDropEvent drop(place, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(window.get(), &drop);
+    EXPECT_TRUE(waitFor([&] { return picture(*views().first()).pixelColor(0, 0) == QColor(200, 100, 50); }));
+    EXPECT_EQ(window->windowTitle(), "Vellor Player - framed.vlr");
+
+    image.fill(QColor(10, 20, 30));
+    ASSERT_TRUE(image.save(path)); // and is followed on the disk
+    EXPECT_TRUE(waitFor([&] { return picture(*views().first()).pixelColor(0, 0) == QColor(10, 20, 30); }));
+}
+
 TEST_F(Opening, RemotePackagesHaveNoFile)
 {
     ASSERT_TRUE(window->loadFile(putPackage("floor", "vlrar")));
