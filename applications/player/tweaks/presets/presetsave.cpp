@@ -28,7 +28,7 @@ PresetSave::PresetSave(const QString& fileName, const QVector<PresetDescription>
     : QDialog(parent), m_existing(existing), m_hasExport(hasExport), m_list(new QListWidget(this)),
       m_deleteButton(new QToolButton(this)), m_nameEdit(new QLineEdit(this)),
       m_descriptionEdit(new QLineEdit(this)),
-      m_exportBox(new QCheckBox(tr("Save Export path and options"), this))
+      m_exportBox(new QCheckBox(tr("Save &Export path and options"), this))
 {
     setWindowTitle(tr("Preset File '%1'").arg(QFileInfo(fileName).fileName()));
     auto* layout = new QVBoxLayout(this);
