@@ -7,6 +7,8 @@
 #include <new>
 #include <utility>
 
+#include <sys/mman.h>
+
 namespace Orn::Surfaces {
 
 namespace {
@@ -21,6 +23,19 @@ std::size_t byteCount(SurfaceDescription const& description)
     return pitch > limit / description.height ? 0 : std::size_t(pitch * description.height);
 }
 
+/// Large buffers lie in large pages where the system has them: the first touch of each small page costs as
+/// much as copying it.
+constexpr std::size_t largePage = 2 * 1024 * 1024;
+constexpr std::size_t largeBuffer = 8 * largePage;
+
+void* allocate(std::size_t bytes, std::align_val_t alignment)
+{
+    void* const data = ::operator new(bytes, alignment, std::nothrow);
+    if (data != nullptr && bytes >= largeBuffer)
+        madvise(data, bytes / largePage * largePage, MADV_HUGEPAGE); // refused: pages are small
+    return data;
+}
+
 } // namespace
 
 Surface::Surface(SurfaceDescription const& description, unsigned int alignment) : m_description(description)
@@ -30,8 +45,10 @@ Surface::Surface(SurfaceDescription const& description, unsigned int alignment) 
     std::size_t const bytes = getPixelSize(format()) == 0 ? 0 : byteCount(m_description);
     if (bytes == 0)
         return;
-    std::align_val_t const aligned{std::max<std::size_t>(alignment, alignof(std::max_align_t))};
-    m_data = static_cast<std::uint8_t*>(::operator new(bytes, aligned, std::nothrow));
+    std::align_val_t const aligned{bytes >= largeBuffer
+                                       ? std::max<std::size_t>(alignment, largePage)
+                                       : std::max<std::size_t>(alignment, alignof(std::max_align_t))};
+    m_data = static_cast<std::uint8_t*>(allocate(bytes, aligned));
     if (m_data != nullptr)
         m_release = [data = m_data, aligned] { ::operator delete(data, aligned); };
 }
