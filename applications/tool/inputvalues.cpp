@@ -70,12 +70,23 @@ bool InputValues::isDefault(const Entry& entry)
     return entry.value.equals(entry.input.defaultValue, componentCount(entry.input.type));
 }
 
-PresetDescription InputValues::collect(const QString& graphKey) const
+bool InputValues::isPanelDefault(const Entry& entry)
+{
+    const int components = componentCount(entry.input.type);
+    return components == 0 ? isDefault(entry) : entry.value.equals(panelDefault(entry.input), components);
+}
+
+PresetDescription InputValues::collectForWindow(const QString& graphKey) const
+{
+    return collect(graphKey, &isPanelDefault);
+}
+
+PresetDescription InputValues::collect(const QString& graphKey, bool (*isLeftOut)(const Entry&)) const
 {
     PresetDescription preset;
     preset.pkgurl = graphKey;
     for (const Entry& entry : m_entries) {
-        if (entry.input.graphKey != graphKey || isDefault(entry))
+        if (entry.input.graphKey != graphKey || isLeftOut(entry))
             continue;
         preset.inputs.append(
             {entry.identity.identifier(), entry.input.uid, entry.input.type, entry.value, entry.text});

@@ -33,7 +33,9 @@ public:
     /// name, or under another type, go back to their defaults, save pictures, which stay.
     void apply(const PresetDescription& preset, const QString& graphKey);
     /// The values of a graph that aren't defaults, by uid.
-    PresetDescription collect(const QString& graphKey) const;
+    PresetDescription collect(const QString& graphKey) const { return collect(graphKey, &isDefault); }
+    /// The values of a graph without which the window would show something else, by uid.
+    PresetDescription collectForWindow(const QString& graphKey) const;
     /// Whether a preset names an input of the graph.
     bool isCompatible(const PresetDescription& preset, const QString& graphKey) const;
     /// Null where there is none.
@@ -73,6 +75,8 @@ private:
     };
 
     static bool isDefault(const Entry& entry);
+    static bool isPanelDefault(const Entry& entry);
+    PresetDescription collect(const QString& graphKey, bool (*isLeftOut)(const Entry&)) const;
     std::vector<std::size_t> find(const QString& identifier) const;
     /// Throws UsageError with the inputs that there are.
     std::vector<std::size_t> findOrThrow(const QString& identifier) const;

@@ -25,14 +25,14 @@ void checkIsOpen(const Arguments& arguments, const char* option, bool isOpen)
 /// Fills in what the template leaves open.
 void complete(const Arguments& arguments, RenderSettings& settings)
 {
-    PackingPlan& plan = settings.packing;
+    PackingPlan& plan = settings.files.packing;
     checkIsOpen(arguments, "--format", plan.leavesFormat());
     checkIsOpen(arguments, "--depth", plan.leavesDepth());
-    const QString error = plan.settle(settings.format, settings.depth);
+    const QString error = plan.settle(settings.files.picture.format, settings.files.picture.depth);
     if (!error.isEmpty())
         throw UsageError(error.toStdString());
-    if (settings.pattern.isEmpty())
-        settings.pattern = plan.pattern;
+    if (settings.files.pattern.isEmpty())
+        settings.files.pattern = plan.pattern;
 }
 
 } // namespace
@@ -67,15 +67,15 @@ void applyTemplate(const Arguments& arguments, const Package& package, Selection
     if (!arguments.has("--template"))
         return;
     const QString name = QString::fromStdString(arguments.value("--template"));
-    settings.packing =
+    settings.files.packing =
         planPacking(findTemplate(name), package.model(), selection.outputs,
                     [&](const PackageInput& input) { return selection.values.valueOf(input); });
-    if (settings.packing.files.isEmpty())
+    if (settings.files.packing.files.isEmpty())
         throw UsageError("--template: the package has none of the outputs that '" + name.toStdString() +
                          "' is made of");
     complete(arguments, settings);
-    selection.outputs = settings.packing.outputs();
-    for (const QString& note : qAsConst(settings.packing.notes))
+    selection.outputs = settings.files.packing.outputs();
+    for (const QString& note : qAsConst(settings.files.packing.notes))
         std::fprintf(stderr, "vellor: note: %s\n", qUtf8Printable(note));
 }
 

@@ -74,20 +74,21 @@ int runRender(const Arguments& arguments)
     Orn::Image::Codec::registerDefaultCodecs(Orn::Image::Codec::SurfaceCodecManager::instance());
     RenderSettings settings = readRenderSettings(arguments);
     EngineOptions engineOptions = readEngineOptions(arguments);
-    if (!settings.isAnimation)
+    if (!settings.files.isAnimation)
         engineOptions.flags |= VELLOR_CPU_COMPUTE_ONCE;
     settings.wantsHashes = arguments.has("--hash") || arguments.has("--json");
     settings.encoders = encodersFor(engineOptions.threads);
     const QVector<CookingAlias> aliases = readAliases(arguments);
     loadEngine(QString::fromStdString(arguments.value("--engine")));
     const Package package(file, {aliases, engineOptions});
-    Selection selection = readSelection(
-        package, arguments, settings.isAnimation ? std::optional(settings.framesPerSecond) : std::nullopt);
-    if (settings.isAnimation && !selection.values.hasTime())
+    Selection selection =
+        readSelection(package, arguments,
+                      settings.files.isAnimation ? std::optional(settings.files.frames.rate) : std::nullopt);
+    if (settings.files.isAnimation && !selection.values.hasTime())
         throw UsageError("--frames: the package has no input $time and no --image is a sequence, all frames "
                          "would be the same");
 
-    if (settings.metadata.needsArchive() && package.archive().isEmpty())
+    if (settings.files.metadata.needsArchive() && package.archive().isEmpty())
         throw UsageError(
             "--metadata: a .vlrbin has no package that could be kept; take the .vlr or the .vlrar");
     applyTemplate(arguments, package, selection, settings);

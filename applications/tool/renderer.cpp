@@ -1,9 +1,7 @@
 #include "applications/tool/renderer.h"
 
 #include "applications/player/description/outputformatname.h"
-#include "applications/player/description/outputlabel.h"
 #include "applications/player/description/valuetype.h"
-#include "applications/player/metadata/metadatatrailer.h"
 #include "applications/player/output/pixelhash.h"
 #include "applications/player/session/outputfetch.h"
 #include "applications/tool/failure.h"
@@ -30,33 +28,52 @@ QByteArray numberHash(quint32 type, const InputValue& value)
     return QCryptographicHash::hash(QByteArray(data, bytes), QCryptographicHash::Md5);
 }
 
+ExportChoices choicesOf(const RenderSettings& settings, const Selection& selection,
+                        const Interrupter& interrupter)
+{
+    ExportChoices choices = settings.files;
+    choices.preset = selection.preset;
+    choices.picture.cancelled = &interrupter.flag();
+    return choices;
+}
+
+MetadataWriter::Package metadataSource(const Package& package, const Selection& selection,
+                                       const RenderSettings& settings)
+{
+    return {package.archiveFileName(),
+            settings.files.metadata.needsArchive() ? package.archive() : QByteArray(),
+            [&selection](const QString& url) { return selection.values.collectForWindow(url); }};
+}
+
+QString formatOf(const RenderedOutput& rendered, const Orn::Surfaces::Surface& picture)
+{
+    return rendered.packed ? packedFormatName(picture.format())
+                           : outputFormatName(rendered.output.pixelFormat);
+}
+
 } // namespace
 
 Renderer::Renderer(const Package& package, Selection& selection, const RenderSettings& settings)
-    : m_package(package), m_selection(selection), m_settings(settings),
-      m_names(settings.pattern, defaultBaseNamePattern(package.model(), settings.isAnimation)),
-      m_interrupter(package.engine()), m_generator(package, selection, m_interrupter),
-      m_collector(settings.packing.files), m_queue(std::size_t(settings.encoders), kWaitingPictures)
+    : m_package(package), m_selection(selection), m_settings(settings), m_interrupter(package.engine()),
+      m_plan(package.model(), selection.outputs, choicesOf(settings, selection, m_interrupter),
+             metadataSource(package, selection, settings)),
+      m_generator(package, selection, m_interrupter),
+      m_queue(std::size_t(settings.encoders), kWaitingPictures)
 {
     m_generator.onProgress = [this](int percent) { showProgress(percent); };
     m_generator.onOutput = [this](int place, const Generator::Result& result, double seconds) {
         ++m_doneOfFrame;
-        if (isPacking()) {
-            m_secondsOfPacked += seconds;
-            takeForPacking(place, result);
-            return;
-        }
-        expected(place).seconds = seconds;
-        take(expected(place), result);
+        m_seconds += seconds;
+        take(place, result);
     };
 }
 
 void Renderer::run()
 {
-    if (!m_settings.folder.isEmpty() && !QDir().mkpath(m_settings.folder))
-        throw Failure(Unwritable, m_settings.folder + ": the folder can't be made");
-    for (m_frame = m_settings.firstFrame; m_frame <= m_settings.lastFrame && !m_interrupter.isRequested();
-         ++m_frame) {
+    const QString& folder = m_settings.files.folder;
+    if (!folder.isEmpty() && !QDir().mkpath(folder))
+        throw Failure(Unwritable, folder + ": the folder can't be made");
+    for (m_frame = 0; m_frame < m_plan.frameCount() && !m_interrupter.isRequested(); ++m_frame) {
         renderFrame(m_frame);
         tellFinished(false);
     }
@@ -69,136 +86,67 @@ void Renderer::run()
 
 void Renderer::renderFrame(int frame)
 {
+    m_plan.startFrame(frame);
     {
         const std::lock_guard lock(m_mutex);
         m_firstOfFrame = int(m_outputs.size());
-        for (const PlannedFile& file : m_settings.packing.files)
-            expect(file.mainOutput(), &file);
-        for (int i = 0; !isPacking() && i < m_selection.outputs.size(); ++i)
-            expect(m_selection.outputs.at(i), nullptr);
+        for (int file = 0; file < m_plan.fileCount(); ++file)
+            expect(file, frame);
     }
-    m_collector.reset();
     m_doneOfFrame = 0;
-    if (!m_metadata && m_settings.metadata.isEnabled() && !m_settings.folder.isEmpty())
-        prepareMetadata();
-    if (m_settings.isAnimation)
-        m_selection.values.setTime(float(double(frame) / m_settings.framesPerSecond));
+    if (m_settings.files.isAnimation)
+        m_selection.values.setTime(float(m_plan.seconds(frame)));
     showProgress(0);
     m_generator.run();
 }
 
-void Renderer::expect(const PackageOutput& output, const PlannedFile* packed)
+void Renderer::expect(int file, int frame)
 {
     RenderedOutput rendered;
-    rendered.output = output;
-    rendered.packed = packed;
-    if (m_settings.isAnimation)
-        rendered.frame = m_frame;
-    rendered.file = pathOf(rendered);
+    rendered.output = m_plan.mainOutput(file);
+    rendered.packed = m_plan.packed(file);
+    if (m_settings.files.isAnimation)
+        rendered.frame = m_settings.files.frames.number(frame);
+    rendered.file = m_plan.path(file);
     m_outputs.push_back(rendered);
 }
 
-namespace {
-
-MetadataWriter::Bitmap bitmapOf(const RenderedOutput& rendered)
+void Renderer::take(int output, const Generator::Result& result)
 {
-    const QString label = exportLabel(rendered.output);
-    return {label.section(" - ", 0, 0).remove(' '), label.section(" - ", 1), rendered.file};
-}
-
-} // namespace
-
-/// The outputs of the first frame say which of them holds what is kept only once.
-void Renderer::prepareMetadata()
-{
-    QVector<MetadataWriter::Bitmap> bitmaps;
-    for (const RenderedOutput& rendered : m_outputs) {
-        if (!rendered.file.isEmpty())
-            bitmaps.append(bitmapOf(rendered));
-    }
-    m_metadata = std::make_unique<MetadataWriter>(
-        m_settings.metadata,
-        MetadataWriter::Package{m_package.archiveFileName(),
-                                m_settings.metadata.needsArchive() ? m_package.archive() : QByteArray(),
-                                [this](const QString& url) { return m_selection.values.collect(url); }},
-        bitmaps);
-}
-
-BitmapMetadata Renderer::metadataOf(const RenderedOutput& rendered)
-{
-    return m_metadata && !rendered.file.isEmpty() ? m_metadata->of(bitmapOf(rendered)) : BitmapMetadata();
-}
-
-QString Renderer::pathOf(const RenderedOutput& rendered)
-{
-    const PackageOutput& output = rendered.output;
-    if (m_settings.folder.isEmpty() || componentCount(output.type) > 0)
-        return {};
-    const PackageModel& model = m_package.model();
-    const BaseNameSource source =
-        rendered.packed ? packedBaseNameSource(*rendered.packed, model, m_selection.preset)
-                        : baseNameSource(exportLabel(output), output.uid,
-                                         outputUsageText(model.description().output(output.uid).element),
-                                         m_selection.preset);
-    return QDir::cleanPath(QDir(m_settings.folder)
-                               .filePath(m_names.next(source, rendered.frame) + '.' +
-                                         (rendered.packed ? rendered.packed->format : m_settings.format)));
-}
-
-void Renderer::take(RenderedOutput& rendered, const Generator::Result& result)
-{
-    if (result.isSurface()) {
-        m_queue.post([this, &rendered, result, metadata = metadataOf(rendered)] {
-            encode(
-                rendered, [&] { return result.surface(); }, metadata);
-        });
+    if (!result.isSurface() && !m_plan.isPacking()) {
+        takeNumber(expected(output), result);
         return;
     }
+    m_plan.take(output, result.surface(), [this](int file, const ExportPlan::MakePicture& make) {
+        RenderedOutput& rendered = expected(file);
+        rendered.seconds = std::exchange(m_seconds, 0.0);
+        m_queue.post(
+            [this, &rendered, make, planned = m_plan.file(file)] { encode(rendered, planned, make); });
+    });
+}
+
+void Renderer::takeNumber(RenderedOutput& rendered, const Generator::Result& result)
+{
     const std::lock_guard lock(m_mutex);
     if (result.isValue())
         rendered.value = componentsOf(*result.value());
     rendered.hash = numberHash(rendered.output.type, rendered.value);
+    rendered.seconds = std::exchange(m_seconds, 0.0);
     rendered.isDone = true;
 }
 
-void Renderer::takeForPacking(int place, const Generator::Result& result)
-{
-    const auto pack = [this](int file, const PackingPictures& pictures) {
-        RenderedOutput& rendered = expected(file);
-        rendered.seconds = std::exchange(m_secondsOfPacked, 0.0);
-        m_queue.post([this, &rendered, own = pictures, metadata = metadataOf(rendered)]() mutable {
-            const auto packed = [&] { // what it was made of goes before it is written
-                const PackingPictures sources = std::exchange(own, {});
-                return packPicture(*rendered.packed, sources, rendered.packed->depth);
-            };
-            encode(rendered, packed, metadata);
-        });
-    };
-    m_collector.add(m_selection.outputs.at(place).uid, result.surface(), pack);
-}
-
-namespace {
-
-QString formatOf(const RenderedOutput& rendered, const Orn::Surfaces::Surface& picture)
-{
-    return rendered.packed ? packedFormatName(picture.format())
-                           : outputFormatName(rendered.output.pixelFormat);
-}
-
-} // namespace
-
-void Renderer::encode(RenderedOutput& rendered, const std::function<SurfacePtr()>& makePicture,
-                      const BitmapMetadata& metadata)
+void Renderer::encode(RenderedOutput& rendered, const ExportPlan::File& file,
+                      const ExportPlan::MakePicture& makePicture)
 {
     QElapsedTimer clock;
     clock.start();
     const SurfacePtr picture = makePicture();
-    QString error = picture ? write(rendered, picture, metadata) : "there is no memory for the picture";
+    const QString error = picture ? file.write(picture) : "there is no memory for the picture";
     const double seconds = double(clock.nsecsElapsed()) * 1e-9;
     const QByteArray hash = picture && m_settings.wantsHashes ? pixelHash(*picture) : QByteArray();
     const std::lock_guard lock(m_mutex);
     if (!error.isEmpty() && !m_interrupter.isRequested()) {
-        m_failure = (rendered.file.isEmpty() ? outputName(rendered) : rendered.file) + ": " + error;
+        m_failure = (file.path.isEmpty() ? outputName(rendered) : file.path) + ": " + error;
         m_interrupter.request();
     }
     if (picture) {
@@ -208,26 +156,9 @@ void Renderer::encode(RenderedOutput& rendered, const std::function<SurfacePtr()
     }
     rendered.hash = hash;
     rendered.encodingSeconds = seconds;
-    rendered.fileBytes = rendered.file.isEmpty() ? 0 : QFileInfo(rendered.file).size();
+    rendered.fileBytes = file.path.isEmpty() ? 0 : QFileInfo(file.path).size();
     rendered.hasFailed = !error.isEmpty();
     rendered.isDone = true;
-}
-
-/// Returns what went wrong, or an empty text.
-QString Renderer::write(const RenderedOutput& rendered, const SurfacePtr& picture,
-                        const BitmapMetadata& metadata)
-{
-    if (rendered.file.isEmpty())
-        return {};
-    PictureFileOptions options{m_settings.format, m_settings.depth, &m_interrupter.flag()};
-    if (rendered.packed) {
-        options.format = rendered.packed->format;
-        options.depth = rendered.packed->depth;
-    }
-    if (!metadata.embedded.isEmpty())
-        options.trailer = [&](qint64 size) { return metadataTrailer(metadata.embedded, size); };
-    const QString error = writePictureFile(picture, rendered.file, options);
-    return error.isEmpty() ? metadata.writeBeside() : error;
 }
 
 /// Tells of what is done from the front on, as far as it goes; at the end of everything that is done.
@@ -249,17 +180,17 @@ void Renderer::tellFinished(bool all)
 
 void Renderer::showProgress(int percent)
 {
-    const int frames = m_settings.lastFrame - m_settings.firstFrame + 1;
+    const int frames = m_plan.frameCount();
     const int outputs = m_selection.outputs.size();
     QString text;
-    if (m_settings.isAnimation)
-        text = QStringLiteral("frame %1 of %2").arg(m_frame - m_settings.firstFrame + 1).arg(frames);
+    if (m_settings.files.isAnimation)
+        text = QStringLiteral("frame %1 of %2").arg(m_frame + 1).arg(frames);
     if (outputs > 1)
         text += QStringLiteral("%1output %2 of %3")
                     .arg(text.isEmpty() ? "" : ", ")
                     .arg(std::min(m_doneOfFrame + 1, outputs))
                     .arg(outputs);
-    m_progress.show((m_frame - m_settings.firstFrame + percent * 0.01) / frames, text);
+    m_progress.show((m_frame + percent * 0.01) / frames, text);
 }
 
 } // namespace vellor::tool

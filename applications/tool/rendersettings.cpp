@@ -49,16 +49,33 @@ PictureDepth readDepth(const Arguments& arguments, const QString& format)
     wrong("--depth", names.join(" or ") + " for " + format, text);
 }
 
-void readFrames(const Arguments& arguments, RenderSettings& settings)
+FrameRange readFrames(const Arguments& arguments)
 {
     static const QRegularExpression range(QStringLiteral("^([0-9]{1,9})(?:-([0-9]{1,9}))?$"));
     const QString text = textOf(arguments, "--frames");
     const QRegularExpressionMatch match = range.match(text);
-    settings.isAnimation = arguments.has("--frames");
-    settings.firstFrame = match.captured(1).toInt();
-    settings.lastFrame = match.captured(2).isEmpty() ? settings.firstFrame : match.captured(2).toInt();
-    if (settings.isAnimation && (!match.hasMatch() || settings.lastFrame < settings.firstFrame))
+    FrameRange frames;
+    frames.first = match.captured(1).toInt();
+    const int last = match.captured(2).isEmpty() ? frames.first : match.captured(2).toInt();
+    frames.count = last - frames.first + 1;
+    if (arguments.has("--frames") && (!match.hasMatch() || frames.count < 1))
         wrong("--frames", "a range like 0-99", text);
+    return frames;
+}
+
+/// With a template, for those of its files that have levels of quality.
+QVariantMap readQuality(const Arguments& arguments, const QString& format)
+{
+    if (!arguments.has("--quality"))
+        return {};
+    const QString text = textOf(arguments, "--quality");
+    bool valid = false;
+    const int quality = text.toInt(&valid);
+    if (!valid || quality < 0 || quality > 100)
+        wrong("--quality", "a number from 0 to 100", text);
+    if (qualityOption(format).isEmpty() && !arguments.has("--template"))
+        throw UsageError(QStringLiteral("--quality: %1 has no levels of quality").arg(format).toStdString());
+    return withQuality(quality);
 }
 
 double readRate(const Arguments& arguments)
@@ -93,6 +110,8 @@ const std::vector<Option>& renderOptions()
         {"--format", nullptr, "EXT", "the format of the files: png (the default), tga, tif, exr, jpg..."},
         {"--depth", nullptr, "8|16|16f|32f",
          "bits of a channel, f for floating point; what the output has by default"},
+        {"--quality", nullptr, "N",
+         "for formats that lose some of the picture: 0 gives the smallest file, 100 the best; 75 by default"},
         {"--pattern", nullptr, "NAME",
          "the names of files: %O output, %G graph, %P package, %F path, %U usage, %I uid, %R preset, #### "
          "frame"},
@@ -113,14 +132,17 @@ const std::vector<Option>& renderOptions()
 RenderSettings readRenderSettings(const Arguments& arguments)
 {
     RenderSettings settings;
+    ExportChoices& files = settings.files;
     if (!arguments.has("--hash") || arguments.has("--directory"))
-        settings.folder = textOf(arguments, "--directory", ".");
-    settings.pattern = textOf(arguments, "--pattern");
-    settings.format = readFormat(arguments);
-    settings.depth = readDepth(arguments, settings.format);
-    readFrames(arguments, settings);
-    settings.metadata = readMetadata(arguments);
-    settings.framesPerSecond = readRate(arguments);
+        files.folder = textOf(arguments, "--directory", ".");
+    files.pattern = textOf(arguments, "--pattern");
+    files.picture.format = readFormat(arguments);
+    files.picture.depth = readDepth(arguments, files.picture.format);
+    files.picture.codec = readQuality(arguments, files.picture.format);
+    files.isAnimation = arguments.has("--frames");
+    files.frames = readFrames(arguments);
+    files.frames.rate = readRate(arguments);
+    files.metadata = readMetadata(arguments);
     return settings;
 }
 

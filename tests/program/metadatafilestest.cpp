@@ -49,7 +49,7 @@ protected:
         EXPECT_EQ(tweak("Depth")->value().floatAt(0), 0.75f) << what;
         EXPECT_EQ(tweak("Rows")->value().intAt(0), 9) << what;
         EXPECT_FALSE(tweak("Detail")->isHidden()) << what << ": its condition sees the values";
-        EXPECT_TRUE(tweak("Output Size")->isDefault()) << what;
+        EXPECT_EQ(tweak("Output Size")->value().intAt(0), 4) << what << ": the size of the bitmap";
         const auto* tabs = views().first()->findChild<QTabBar*>("outputTabs");
         EXPECT_EQ(tabs->tabText(tabs->currentIndex()), "Height") << what;
         // 9 / 16 * 0.75 of 255

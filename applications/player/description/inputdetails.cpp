@@ -93,6 +93,13 @@ InputDetails inputDetails(const PackageInput& input)
     return details;
 }
 
+InputValue panelDefault(const PackageInput& input)
+{
+    const bool isOutputSize =
+        input.type == ValueType::Int2 && widgetCodeOfInput(input.element) == WidgetCode::OutputSize;
+    return isOutputSize ? InputValue::fromInts(9, 9) : input.defaultValue;
+}
+
 QVector<PackageInput> sortedInputs(const PackageModel& package, const QString& graphKey)
 {
     QVector<QPair<QString, PackageInput>> keyed;

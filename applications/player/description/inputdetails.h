@@ -36,6 +36,10 @@ struct InputDetails
 // All of it empty for an input that the description doesn't name.
 InputDetails inputDetails(const PackageInput& input);
 
+// What the window's panel starts an input with: the engine's default, but width and height 512 for an output
+// size, whatever the engine starts from.
+InputValue panelDefault(const PackageInput& input);
+
 // The inputs of the graph with this key, and of no graph, in the order in which the panel shows them.
 QVector<PackageInput> sortedInputs(const PackageModel& package, const QString& graphKey);
 

@@ -163,14 +163,23 @@ SurfacePtr converted(const SurfacePtr& picture, PictureDepth depth)
     return result;
 }
 
-SurfaceCodecOptions codecOptions(const QByteArray& format, const Surface& picture)
+SurfaceCodecOptions standardOptions(const QByteArray& format)
 {
     using Orn::Image::Codec::Action;
     const SurfaceCodecManager& manager = SurfaceCodecManager::instance();
     SurfaceCodecOptions options;
     manager.getOptions(options, Action::Write, manager.getFormatOptionIdFromFormat(format));
+    return options;
+}
+
+SurfaceCodecOptions codecOptions(const QByteArray& format, const Surface& picture, const QVariantMap& chosen)
+{
+    SurfaceCodecOptions options = standardOptions(format);
     if (format == "exr")
         options.setValue(QStringLiteral("exr_use_float"), getBitsPerChannel(picture.format()) == 32);
+    for (auto option = chosen.begin(); option != chosen.end(); ++option)
+        if (options.contains(option.key()))
+            options.setValue(option.key(), option.value());
     return options;
 }
 
@@ -219,6 +228,26 @@ std::optional<PictureDepth> depthFromName(const QString& name)
     return {};
 }
 
+QString qualityOption(const QString& format)
+{
+    const auto values = standardOptions(format.toLatin1()).values();
+    for (auto option = values.begin(); option != values.end(); ++option)
+        if (option.key().endsWith(QLatin1String("_quality")))
+            return option.key();
+    return {};
+}
+
+QVariantMap withQuality(int quality)
+{
+    QVariantMap options;
+    for (const QString& format : pictureFormats()) {
+        const QString name = qualityOption(format);
+        if (!name.isEmpty())
+            options.insert(name, quality);
+    }
+    return options;
+}
+
 QString writePictureFile(const SurfacePtr& picture, const QString& path, const PictureFileOptions& options)
 {
     const SurfacePtr source = picture ? converted(picture, options.depth) : picture;
@@ -231,7 +260,7 @@ QString writePictureFile(const SurfacePtr& picture, const QString& path, const P
     const auto writer = SurfaceCodecManager::instance().createWriter(file.device(), format);
     if (!writer)
         return translated("pictures can't be written in the format '%1'").arg(options.format);
-    const SurfaceCodecOptions codec = codecOptions(format, *source);
+    const SurfaceCodecOptions codec = codecOptions(format, *source, options.codec);
     const bool isEncoded = writer->write(source, &codec);
     if (!isEncoded && !file.hasFailed())
         return translated("the picture can't be written in the format '%1'").arg(options.format);

@@ -5,6 +5,7 @@
 #include <QSharedPointer>
 #include <QString>
 #include <QStringList>
+#include <QVariantMap>
 #include <QVector>
 
 #include <atomic>
@@ -34,6 +35,11 @@ QVector<PictureDepth> depthsOf(const QString& format);
 QString depthName(PictureDepth depth);
 std::optional<PictureDepth> depthFromName(const QString& name);
 
+// The name of a format's option for quality, 0 to 100; empty where it has none.
+QString qualityOption(const QString& format);
+// A quality for PictureFileOptions::codec, whatever the format.
+QVariantMap withQuality(int quality);
+
 struct PictureFileOptions
 {
     QString format; // an extension of pictureFormats()
@@ -41,6 +47,9 @@ struct PictureFileOptions
     const std::atomic<bool>* cancelled = nullptr; // once it is true, writing fails soon
     // What to append to the encoded picture, by its size in bytes; none for nothing.
     std::function<QByteArray(qint64 size)> trailer = {};
+    // Options of the codec by name, in place of their defaults; names that the format doesn't have say
+    // nothing.
+    QVariantMap codec = {};
 };
 
 // Writes a picture through a temporary file in the folder of `path`, which takes the place of `path` only

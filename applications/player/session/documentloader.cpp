@@ -1,6 +1,7 @@
 #include "documentloader.h"
 
 #include "applications/player/description/descriptionfile.h"
+#include "applications/player/session/packagearchive.h"
 #include "applications/player/session/packagecooker.h"
 #include "applications/player/session/packagelinker.h"
 #include "applications/player/session/static.h"
@@ -63,7 +64,9 @@ bool DocumentLoader::loadVlrFile(const QStringList& filepaths)
     QByteArray bytes = cooker.assembly();
     QBuffer assembly(&bytes);
     assembly.open(QIODevice::ReadOnly);
-    const bool isLoaded = loadVlrasm(assembly, false);
+    const QByteArray description = cooker.description(); // the cooker's, and goes with it
+    const bool isLoaded =
+        loadVlrasm(assembly, false, QByteArray(description.constData(), description.size()));
     m_watcher.addPaths(filepaths);
     return isLoaded;
 }
@@ -105,19 +108,23 @@ bool DocumentLoader::loadBinOrAsmFile(const QString& filepath)
         m_host.message(2, tr("Cannot open file '%1'").arg(binary));
         return false;
     }
-    const bool hasDescription = readDescription(xml);
+    QByteArray description;
+    const bool hasDescription = readDescription(xml, description);
     clearWatcher();
     Static::instance().remoteMode = false;
     m_loadedFiles = QStringList(filepath);
     m_host.setDocumentTitle(QFileInfo(filepath).fileName());
-    const bool isLoaded = hasSuffix(binary, "vlrasm") ? loadVlrasm(file, false) : m_host.playBinary(file);
+    const bool isAssembly = hasSuffix(binary, "vlrasm");
+    if (!isAssembly)
+        m_source = {};
+    const bool isLoaded = isAssembly ? loadVlrasm(file, false, description) : m_host.playBinary(file);
     m_watcher.addPath(binary);
     if (hasDescription)
         m_watcher.addPath(xml);
     return isLoaded;
 }
 
-bool DocumentLoader::readDescription(const QString& filepath)
+bool DocumentLoader::readDescription(const QString& filepath, QByteArray& text)
 {
     m_description.clear();
     QFile file(filepath);
@@ -125,8 +132,9 @@ bool DocumentLoader::readDescription(const QString& filepath)
         m_host.message(1, tr("Cannot load Vellor XML description file"));
         return false;
     }
+    text = file.readAll();
     QString reason;
-    if (parseDescription(file.readAll(), m_description, &reason)) {
+    if (parseDescription(text, m_description, &reason)) {
         m_host.status(tr("'%1' Loaded.").arg(filepath));
     } else {
         m_host.message(1, tr("Cannot load Vellor XML description file"));
@@ -135,17 +143,35 @@ bool DocumentLoader::readDescription(const QString& filepath)
     return true;
 }
 
-bool DocumentLoader::loadVlrasm(QIODevice& device, bool isArchive)
+bool DocumentLoader::loadVlrasm(QIODevice& device, bool isArchive, const QByteArray& description)
 {
+    QByteArray package = device.readAll();
+    QBuffer source(&package);
+    source.open(QIODevice::ReadOnly);
     PackageLinker linker(m_host, Static::instance().sizeLimit());
-    if (!linker.link(device))
+    if (!linker.link(source))
         return false;
+    m_source = isArchive ? Source{package, {}, {}}
+                         : Source{{}, QByteArray(package.constData(), package.size()), description};
     if (isArchive)
         linker.takeDescription(m_description);
     QByteArray bytes = linker.binary();
     QBuffer binary(&bytes);
     binary.open(QIODevice::ReadOnly);
     return m_host.playBinary(binary);
+}
+
+QByteArray DocumentLoader::archive() const
+{
+    if (!m_source.archive.isEmpty() || m_source.assembly.isEmpty())
+        return m_source.archive;
+    return packArchive(m_source.assembly, m_source.description);
+}
+
+QString DocumentLoader::archiveFileName() const
+{
+    return m_loadedFiles.isEmpty() ? QString()
+                                   : QFileInfo(m_loadedFiles.first()).completeBaseName() + ".vlrar";
 }
 
 void DocumentLoader::remoteVlrbinReceived(const QByteArray& buffer)
@@ -162,6 +188,7 @@ bool DocumentLoader::loadVlrbinRemote()
     Static::instance().remoteMode = true;
     m_loadedFiles.clear();
     m_description.clear();
+    m_source = {};
     m_host.setDocumentTitle(tr("Remote file"));
     m_remoteBuffer.open(QIODevice::ReadOnly);
     const bool isLoaded = m_host.playBinary(m_remoteBuffer);

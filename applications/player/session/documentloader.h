@@ -58,6 +58,12 @@ public:
     /// What Reload reads again; empty for a remote document and when nothing was opened.
     const QStringList& loadedFiles() const { return m_loadedFiles; }
 
+    /// The document as an archive: what it was linked from. Empty for a binary, which can't go back to one.
+    QByteArray archive() const;
+    bool hasArchive() const { return !m_source.archive.isEmpty() || !m_source.assembly.isEmpty(); }
+    /// The file name of archive(), beside the document's file; empty for a remote document.
+    QString archiveFileName() const;
+
 signals:
     /// A file of the document changed and auto-reload is on: time to reload.
     void reloadRequested();
@@ -66,14 +72,22 @@ signals:
     void remoteReceived();
 
 private:
-    bool loadVlrasm(QIODevice& device, bool isArchive);
-    bool readDescription(const QString& filepath);
+    /// What the document was linked from: an archive, or an assembly with the text of its description.
+    struct Source
+    {
+        QByteArray archive, assembly, description;
+    };
+
+    /// `description` is that of an assembly.
+    bool loadVlrasm(QIODevice& device, bool isArchive, const QByteArray& description = {});
+    bool readDescription(const QString& filepath, QByteArray& text);
     void onFileChanged(const QString& path);
     void clearWatcher();
 
     DocumentHost& m_host;
     QStringList m_loadedFiles;
     QDomDocument m_description;
+    Source m_source;
     QFileSystemWatcher m_watcher;
     QTimer m_reloadTimer;
     QBuffer m_remoteBuffer;

@@ -1,5 +1,6 @@
 #include "mainwindow.h"
 
+#include "applications/player/output/dialog/render.h"
 #include "applications/player/session/engine.h"
 #include "applications/player/session/sessionsettings.h"
 #include "applications/player/session/static.h"
@@ -129,6 +130,8 @@ void MainWindow::connectActions()
     connect(actions.reload, &QAction::triggered, this, &MainWindow::reload);
     connect(actions.autoReload, &QAction::triggered, this, &MainWindow::reload);
     connect(actions.quit, &QAction::triggered, this, &QWidget::close);
+    connect(actions.exportBitmap, &QAction::triggered, this, &MainWindow::openRenderDialog);
+    connect(actions.reExport, &QAction::triggered, this, &MainWindow::renderWithPreviousSettings);
     connect(actions.sizeLimit, &QAction::triggered, this, &MainWindow::openSizeLimitDialog);
     connect(actions.locateStudio, &QAction::triggered, this, &MainWindow::locateStudio);
     connect(actions.resetLayout, &QAction::triggered, this, &MainWindow::onResetLayoutActionTrigerred);
@@ -192,7 +195,7 @@ void MainWindow::onResetLayoutActionTrigerred(bool)
 void MainWindow::generate()
 {
     // A generation follows whatever is postponed.
-    if (m_loadCounter != 0 || (m_isGenerating && m_postponed) || postponed([] {}))
+    if (m_loadCounter != 0 || m_isTimeMoving || (m_isGenerating && m_postponed) || postponed([] {}))
         return;
     m_isGenerating = true;
     const GenerationStep::Report report = m_generationStep.run(m_engine.get(), m_cache, *this);
@@ -234,8 +237,10 @@ void MainWindow::wantedOutputs(std::set<quint32>& uids)
     }
 }
 
-void MainWindow::requiredOutputs(std::set<quint32>&)
+void MainWindow::requiredOutputs(std::set<quint32>& uids)
 {
+    if (m_render)
+        m_render->getRequiredOutputs(uids);
 }
 
 void MainWindow::updateTimeline()
@@ -277,6 +282,8 @@ void MainWindow::outputComplete(ORNUInt32 index, ValueOrSurfacePlayer result)
     m_cache.pushOutput(desc.uid, result);
     for (ViewOutput* view : std::vector<ViewOutput*>(m_viewers))
         view->outputComplete(desc, result);
+    if (m_render)
+        m_render->sendOutputImage(desc.uid, result);
     if (!m_isFirstPictureShown) {
         m_isFirstPictureShown = true;
         logger.info(
@@ -316,7 +323,10 @@ void MainWindow::errorMsg(const QString& text)
 void MainWindow::progressMsg(int percent)
 {
     generationStatus(tr("Generating %1%...").arg(percent));
-    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+    if (m_render && m_render->isRunning())
+        m_render->generationProgress(percent);
+    else
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
 }
 
 /// Tells of a generation for as long as it goes on, or until there is something else to tell.
@@ -331,6 +341,8 @@ void MainWindow::generationFinished(float seconds)
     m_timeLabel->setText(tr("%1 ms").arg(int(seconds * 1000.0f)));
     if (statusBar()->currentMessage() == m_generationText)
         statusBar()->clearMessage();
+    if (m_render)
+        m_render->generationFinished();
 }
 
 // ---- The views

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "applications/player/output/dialog/renderhost.h"
 #include "applications/player/session/cache.h"
 #include "applications/player/session/cookingaliases.h"
 #include "applications/player/session/documentloader.h"
@@ -30,7 +31,7 @@ class ErrorConsole;
 class MainActions;
 struct MainMenus;
 class PackageModel;
-struct PresetDescription;
+class Render;
 class Timeline;
 class TweaksList;
 class View2D;
@@ -38,7 +39,11 @@ class View3D;
 
 /// The one window. It owns the engine session, the cache, the views and the panel of tweaks, wires them
 /// together and decides what happens when; the work is theirs. Main thread.
-class MainWindow : public QMainWindow, private ViewHost, private DocumentHost, private GenerationHost
+class MainWindow : public QMainWindow,
+                   private ViewHost,
+                   private DocumentHost,
+                   private GenerationHost,
+                   private RenderHost
 {
     Q_OBJECT
 
@@ -54,7 +59,7 @@ public:
     /// Before an engine library goes: no handle outlives it. Never while isGenerating().
     void deleteEngine();
     /// The engine is on the stack: timers and sockets run inside a generation, and must not replace it there.
-    bool isGenerating() const { return m_isGenerating; }
+    bool isGenerating() const override { return m_isGenerating; }
 
 signals:
     void loadVlrbinRemoteSignal();
@@ -64,6 +69,7 @@ public slots:
     bool loadFile(const QString& filepath);
     void openFile(const QString& path = QString());
     void reload();
+    void openRenderDialog();
     void outputComplete(ORNUInt32 index, Zph::Applications::Player::ValueOrSurfacePlayer result);
     void viewOutputChanged(ORNUInt32 uid);
     void hiddenOutputsChanged();
@@ -91,6 +97,8 @@ public slots:
     void onResetLayoutActionTrigerred(bool);
     void fillMenuMRU();
     void execMenuMRU(QAction* action);
+    void renderWithPreviousSettings();
+    void requireVlrarData();
     void onLanguageSelectionChanged(QAction* action);
 
 protected:
@@ -120,6 +128,11 @@ private:
     void pinnedInputs(std::list<std::size_t>& indexes) override;
     void generationStarts(std::size_t outputs) override;
 
+    // RenderHost
+    PresetDescription valuesOf(const QString& graphKey) override;
+    InputValue valueOf(const PackageInput& input) const override;
+    QString lastPreset() const override;
+
     void makeAreas();
     void makePanels();
     void connectPanels();
@@ -127,6 +140,9 @@ private:
     void makeStatusBar();
     void generationStatus(const QString& text);
     void restoreLayout();
+    void render(bool silent);
+    void updateRenderDialog();
+    void exportTimeChanged(float seconds);
     void loadTogether(const QStringList& filepaths);
     void generate();
     void dropUnfinished(const std::vector<quint32>& uids);
@@ -148,7 +164,9 @@ private:
     std::shared_ptr<const PackageModel> m_package;
     std::vector<ViewOutput*> m_viewers;
     DocumentLoader m_loader;
-    int m_loadCounter = 0; // above 0 while the panel is being built: no generation then
+    int m_loadCounter = 0;         // above 0 while the panel is being built: no generation then
+    bool m_isTimeMoving = false;   // to an export's next frame: one generation follows
+    bool m_archivePending = false; // the export dialog has not had the bytes of this document's archive
     bool m_isFirstPictureShown = false;
     bool m_isGenerating = false;
     std::function<void()> m_postponed; // done once the generation is over
@@ -161,6 +179,7 @@ private:
     Timeline* m_timeline = nullptr;
     TweaksList* m_tweaks = nullptr;
     QPointer<ErrorConsole> m_console;
+    QPointer<Render> m_render;
     QLabel* m_timeLabel = nullptr;
     QString m_generationText;
 };

@@ -199,6 +199,8 @@ bool MainWindow::loadVlrbin(QIODevice& device)
     ++m_loadCounter;
     buildPackage();
     --m_loadCounter;
+    m_archivePending = true;
+    updateRenderDialog();
     const bool isRemote = Static::instance().remoteMode;
     m_actions->reload->setEnabled(!isRemote);
     generate();
@@ -242,6 +244,7 @@ void MainWindow::reset()
     m_cache.clear();
     m_cache.setDescription(nullptr);
     m_package.reset();
+    updateRenderDialog();
     m_tweaks->clear();
     for (ViewOutput* view : m_viewers)
         view->clearView();

@@ -1,5 +1,6 @@
 #include "applications/player/tweaks/tweakstree.h"
 
+#include "applications/player/description/inputdetails.h"
 #include "applications/player/description/inputorder.h"
 #include "applications/player/tweaks/rollgraph.h"
 #include "applications/player/tweaks/rollgroup.h"
@@ -15,8 +16,6 @@ namespace {
 constexpr int groupIndent = 20;
 // A path that goes deeper is no grouping that anyone could use, and widgets nest on the stack.
 constexpr int deepestGroup = 16;
-// Width and height 512, whatever the engine starts from.
-constexpr qint32 defaultOutputSize[] = {9, 9, 0, 0};
 
 QString composedToolTip(const QString& graphKey, const QString& description)
 {
@@ -65,10 +64,8 @@ void TweaksTreeBuilder::addInput(const PackageInput& input)
     m_tree.tweaks.emplace(input.uid, tweak);
     m_tree.graphOfTweak.insert(tweak, input.graphKey);
     m_made(tweak);
-    const void* value = tweak->widgetKind() == WidgetCode::OutputSize
-                            ? static_cast<const void*>(defaultOutputSize)
-                            : input.defaultValue.words.data();
-    tweak->initFromDescription(input.index, {input.uid, input.type, value}, input.element);
+    const InputValue value = panelDefault(input);
+    tweak->initFromDescription(input.index, {input.uid, input.type, value.words.data()}, input.element);
     layout->addWidget(tweak);
 }
 

@@ -21,11 +21,7 @@ void TweakTime::parseInputGui(const QDomElement& element)
 
 void TweakTime::setTimeChanged(float time)
 {
-    writeWidgets([&] {
-        spinBox()->setValue(double(time));
-        updateSlider();
-    });
-    onWidgetValue();
+    applyValue(InputValue::fromFloats(time)); // all of it: the box shows fewer digits
 }
 
 void TweakTime::valueChanged()

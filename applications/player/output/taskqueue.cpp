@@ -1,6 +1,6 @@
-#include "applications/tool/taskqueue.h"
+#include "applications/player/output/taskqueue.h"
 
-namespace vellor::tool {
+namespace Zph::Applications::Player {
 
 TaskQueue::TaskQueue(std::size_t workers, std::size_t limit) : m_limit(limit)
 {
@@ -23,6 +23,13 @@ void TaskQueue::post(std::function<void()> task)
     m_changed.wait(lock, [this] { return m_tasks.size() < m_limit; });
     m_tasks.push_back(std::move(task));
     m_changed.notify_all();
+}
+
+bool TaskQueue::waitForRoom(std::chrono::milliseconds timeout)
+{
+    std::unique_lock lock(m_mutex);
+    return m_threads.empty() ||
+           m_changed.wait_for(lock, timeout, [this] { return m_tasks.size() < m_limit; });
 }
 
 void TaskQueue::finish()
@@ -54,4 +61,4 @@ void TaskQueue::run()
     }
 }
 
-} // namespace vellor::tool
+} // namespace Zph::Applications::Player

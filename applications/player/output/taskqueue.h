@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <condition_variable>
 #include <deque>
 #include <functional>
@@ -7,7 +8,7 @@
 #include <thread>
 #include <vector>
 
-namespace vellor::tool {
+namespace Zph::Applications::Player {
 
 /// Runs tasks beside the thread that posts them. Tasks don't throw.
 class TaskQueue
@@ -23,6 +24,8 @@ public:
 
     /// Waits while the queue is full.
     void post(std::function<void()> task);
+    /// Waits until post() would not wait, at most so long; false when it still would.
+    bool waitForRoom(std::chrono::milliseconds timeout);
     /// Waits until all tasks are done. Nothing is posted after it.
     void finish();
 
@@ -37,4 +40,4 @@ private:
     std::vector<std::thread> m_threads;
 };
 
-} // namespace vellor::tool
+} // namespace Zph::Applications::Player

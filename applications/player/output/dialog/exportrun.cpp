@@ -1,0 +1,111 @@
+#include "exportrun.h"
+
+#include <QThread>
+
+#include <algorithm>
+
+namespace Zph::Applications::Player {
+
+namespace {
+
+constexpr std::size_t kWaitingPictures = 2; // beside those that are being encoded; each holds memory
+constexpr std::chrono::milliseconds kPatience{20};
+
+/// Encoding takes longer than generating for most formats, so all threads may be at it; each holds a picture.
+std::size_t encoders()
+{
+    constexpr int most = 16;
+    return std::size_t(std::clamp(QThread::idealThreadCount(), 1, most));
+}
+
+ExportChoices cancellable(ExportChoices choices, const std::atomic<bool>& flag)
+{
+    choices.picture.cancelled = &flag;
+    return choices;
+}
+
+} // namespace
+
+ExportRun::ExportRun(std::shared_ptr<const PackageModel> package, const QVector<PackageOutput>& outputs,
+                     const ExportChoices& choices, MetadataWriter::Package made)
+    : m_package(std::move(package)),
+      m_plan(*m_package, outputs, cancellable(choices, m_isCancelled), std::move(made)),
+      m_queue(encoders(), kWaitingPictures)
+{
+}
+
+ExportRun::~ExportRun()
+{
+    cancel();
+    m_queue.finish();
+}
+
+void ExportRun::startFrame(int frame)
+{
+    m_frame = frame;
+    m_isAsked = false;
+    m_plan.startFrame(frame);
+    for (int place = 0; place < outputCount(); ++place)
+        m_missing.insert(place);
+}
+
+void ExportRun::required(std::set<quint32>& uids)
+{
+    for (const int place : m_missing)
+        uids.insert(m_plan.outputs()[place].uid);
+    m_isAsked = !m_missing.empty();
+}
+
+void ExportRun::take(quint32 uid, const ValueOrSurfacePlayer& result)
+{
+    for (const int place : m_missing) {
+        const PackageOutput& output = m_plan.outputs()[place];
+        if (output.uid != uid)
+            continue;
+        m_missing.erase(place);
+        if (result.isSurface())
+            m_plan.take(place, result.surface(),
+                        [this](int file, const ExportPlan::MakePicture& make) { post(file, make); });
+        else
+            emit invalid(output.label);
+        return;
+    }
+}
+
+void ExportRun::post(int file, const ExportPlan::MakePicture& make)
+{
+    const ExportPlan::File planned = m_plan.file(file);
+    while (!m_queue.waitForRoom(kPatience))
+        onWait();
+    if (isCancelled())
+        return;
+    ++m_waiting;
+    m_queue.post([this, make, planned] {
+        const auto picture = make();
+        const QString error = picture ? planned.write(picture) : tr("there is no memory for the picture");
+        QMetaObject::invokeMethod(
+            this, [this, path = planned.path, error] { encoded(path, error); }, Qt::QueuedConnection);
+    });
+}
+
+void ExportRun::encoded(const QString& path, const QString& error)
+{
+    --m_waiting;
+    ++m_finished;
+    if (error.isEmpty())
+        emit written(path);
+    else if (!isCancelled())
+        emit failed(path, error);
+    emit fileDone();
+}
+
+QStringList ExportRun::giveUp()
+{
+    QStringList names;
+    for (const int place : m_missing)
+        names << m_plan.outputs()[place].label;
+    m_missing.clear();
+    return names;
+}
+
+} // namespace Zph::Applications::Player

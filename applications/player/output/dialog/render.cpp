@@ -1,0 +1,443 @@
+// The dialog's pages and settings. What happens once "Export" is pressed is in renderrun.cpp.
+
+#include "render.h"
+
+#include "applications/player/description/outputlabel.h"
+#include "applications/player/description/packagemodel.h"
+#include "applications/player/metadata/exportplan.h"
+#include "applications/player/output/dialog/exportdialogsettings.h"
+#include "applications/player/output/dialog/exportrun.h"
+#include "applications/player/output/dialog/folderedit.h"
+#include "applications/player/output/dialog/formatoptionsdialog.h"
+#include "applications/player/output/dialog/metadatacontrols.h"
+#include "applications/player/output/dialog/outputtree.h"
+#include "applications/player/output/dialog/patternmenu.h"
+#include "applications/player/output/dialog/timecontrols.h"
+#include "applications/player/session/static.h"
+#include "orncommon/image/codec/surfacecodecmanager.h"
+
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QDesktopServices>
+#include <QDir>
+#include <QFileDialog>
+#include <QGridLayout>
+#include <QLabel>
+#include <QListWidget>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QStackedWidget>
+#include <QStandardPaths>
+#include <QUrl>
+
+namespace Zph::Applications::Player {
+
+namespace {
+
+constexpr QSize kFirstSize(640, 520);
+
+QLabel* labelFor(QWidget* field, const QString& text, QWidget* parent)
+{
+    auto* label = new QLabel(text, parent);
+    label->setBuddy(field);
+    field->setAccessibleName(text.trimmed().remove(':'));
+    return label;
+}
+
+QString firstFolder()
+{
+    const QString pictures = QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
+    return pictures.isEmpty() ? QDir::homePath() : pictures;
+}
+
+void fillFormats(QComboBox& combo)
+{
+    QMap<QString, QString> descriptions;
+    for (const auto& format : Orn::Image::Codec::SurfaceCodecManager::instance().getWritableFormats())
+        descriptions.insert(format.extension.toLower(), format.description);
+    for (const QString& extension : pictureFormats()) {
+        combo.addItem(extension, extension);
+        combo.setItemData(combo.count() - 1, descriptions.value(extension), Qt::ToolTipRole);
+    }
+}
+
+} // namespace
+
+Render::Render(RenderHost& host, QWidget* parent) : QDialog(parent), m_host(host)
+{
+    setWindowFlag(Qt::WindowContextHelpButtonHint, false);
+    setWindowTitle(tr("Export as Bitmap(s)"));
+    m_pages = new QStackedWidget(this);
+    m_pages->addWidget(makeSettingsPage());
+    m_pages->addWidget(makeProgressPage());
+    auto* layout = new QVBoxLayout(this);
+    layout->setSpacing(12);
+    layout->addWidget(m_pages, 1);
+    layout->addLayout(makeButtons());
+    connectControls();
+    ExportSettings settings;
+    settings.dir = firstFolder();
+    applyExportSettings(settings);
+    setState(State::Settings);
+    resize(kFirstSize);
+}
+
+Render::~Render() = default;
+
+QWidget* Render::makeSettingsPage()
+{
+    auto* page = new QWidget(this);
+    auto* layout = new QVBoxLayout(page);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(8);
+    m_time = new TimeControls(page);
+    m_tree = new OutputTree(page);
+    m_metadata = new MetadataControls(page);
+    m_example = new QLabel(page);
+    m_example->setEnabled(false); // quiet
+    layout->addWidget(m_time);
+    layout->addLayout(makeFolderRow());
+    layout->addLayout(makePatternRow());
+    layout->addSpacing(4);
+    layout->addWidget(labelFor(m_tree, tr("Select Output(s) to export:"), page));
+    layout->addWidget(m_tree, 1);
+    layout->addWidget(m_example);
+    layout->addWidget(m_metadata);
+    return page;
+}
+
+QLayout* Render::makeFolderRow()
+{
+    m_folder = new FolderEdit(this);
+    m_folder->setToolTip(tr("Bitmap(s) destination folder (Drag & Drop enabled)."));
+    auto* browse = new QPushButton(tr("Browse..."), this);
+    browse->setToolTip(tr("Browse Bitmap(s) destination folder."));
+    connect(browse, &QPushButton::clicked, this, &Render::browseDir);
+    m_format = new QComboBox(this);
+    fillFormats(*m_format);
+    m_formatOptions = new QPushButton(tr("Options..."), this);
+    auto* row = new QHBoxLayout;
+    row->addWidget(labelFor(m_folder, tr("Folder:"), this));
+    row->addWidget(m_folder, 1);
+    row->addWidget(browse);
+    row->addWidget(labelFor(m_format, tr(" Format:"), this));
+    row->addWidget(m_format);
+    row->addWidget(m_formatOptions);
+    return row;
+}
+
+QLayout* Render::makePatternRow()
+{
+    m_pattern = new QLineEdit(this);
+    m_pattern->setToolTip(PatternMenu::help());
+    auto* button = new QPushButton(tr("Pattern"), this);
+    button->setToolTip(tr("Base name pattern helper menu."));
+    auto* menu = new PatternMenu(this);
+    button->setMenu(menu);
+    connect(menu, &QMenu::triggered, this, &Render::actionPatternsMenu);
+    auto* row = new QHBoxLayout;
+    row->addWidget(labelFor(m_pattern, tr("Base name pattern:"), this));
+    row->addWidget(m_pattern, 1);
+    row->addWidget(button);
+    return row;
+}
+
+QWidget* Render::makeProgressPage()
+{
+    auto* page = new QWidget(this);
+    auto* layout = new QVBoxLayout(page);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(8);
+    m_progressText = new QLabel(page);
+    m_progress = new QProgressBar(page);
+    m_progress->setAccessibleName(tr("Progress"));
+    m_results = new QListWidget(page);
+    m_results->setToolTip(tr("Double-click to open result bitmap."));
+    m_results->setAccessibleName(tr("Results"));
+    layout->addWidget(m_progressText);
+    layout->addWidget(m_progress);
+    layout->addWidget(m_results, 1);
+    return page;
+}
+
+QLayout* Render::makeButtons()
+{
+    m_closeButton = new QPushButton(this);
+    m_exportButton = new QPushButton(this);
+    m_closeButton->setAutoDefault(false);
+    m_exportButton->setDefault(true);
+    auto* row = new QHBoxLayout;
+    row->addStretch(1);
+    row->addWidget(m_closeButton);
+    row->addWidget(m_exportButton);
+    return row;
+}
+
+void Render::connectControls()
+{
+    connect(m_time, &TimeControls::unitChanged, this, &Render::timeUnitChanged);
+    connect(m_time, &TimeControls::timeModified, this, &Render::timeModified);
+    connect(m_time, &TimeControls::countModified, this, &Render::timeCountModified);
+    connect(m_format, qOverload<int>(&QComboBox::currentIndexChanged), this, [this] {
+        m_formatOptions->setEnabled(FormatOptionsDialog::hasOptions(format()));
+        describePattern();
+    });
+    connect(m_formatOptions, &QPushButton::clicked, this, &Render::formatOption);
+    connect(m_pattern, &QLineEdit::textChanged, this, &Render::describePattern);
+    connect(m_tree, &QTreeWidget::currentItemChanged, this, &Render::outputListCurrent);
+    connect(m_tree, &QTreeWidget::itemChanged, this, &Render::outputListSelection);
+    connect(m_metadata, &MetadataControls::mainChanged, this, &Render::metaMainChanged);
+    connect(m_results, &QListWidget::itemActivated, this, &Render::openResultItem);
+    connect(m_closeButton, &QPushButton::clicked, this, &Render::cancelSlot);
+    connect(m_exportButton, &QPushButton::clicked, this, &Render::startOrGoBack);
+}
+
+// ---- The document
+
+void Render::setDocument(const RenderDocument& document)
+{
+    const bool isOther = document.package != m_document.package;
+    if (isOther && m_state == State::Exporting)
+        cancelSlot();
+    if (isOther && m_document.package)
+        m_disabledOf[packageKey()] = m_tree->disabled();
+    const bool wasUsual =
+        m_pattern->text().trimmed().isEmpty() ||
+        (m_document.package &&
+         m_pattern->text() == defaultBaseNamePattern(*m_document.package, m_document.isTimeDependent));
+    m_document = document;
+    if (!document.package) {
+        m_tree->clear();
+        hide();
+        return;
+    }
+    if (isOther) {
+        m_archive.clear();
+        m_tree->setPackage(*document.package, m_disabledOf.value(packageKey()));
+    }
+    if (wasUsual)
+        resetBasenamePattern();
+    m_time->setVisible(document.isTimeDependent);
+    if (document.isTimeDependent && !m_wasTimeSet) {
+        ExportSettings settings;
+        settings.timeEnd = Static::instance().timelineFrames;
+        settings.fps = double(Static::instance().timelineRate);
+        m_time->read(settings);
+        m_wasTimeSet = true;
+    }
+    m_metadata->setWithoutArchive(document.whyWithoutArchive);
+    setWindowTitle(document.isTimeDependent ? tr("Render animation as Bitmap(s)")
+                                            : tr("Export as Bitmap(s)"));
+    describePattern();
+}
+
+/// What tells packages apart across reloads.
+QString Render::packageKey() const
+{
+    QStringList keys;
+    for (const PackageGraph& graph : m_document.package->graphs())
+        keys << graph.key;
+    return keys.join('\n');
+}
+
+QVector<PackageOutput> Render::selectedOutputs() const
+{
+    QVector<PackageOutput> selected;
+    if (!m_document.package)
+        return selected;
+    const std::set<quint32> uids = m_tree->checked();
+    for (const PackageOutput& output : m_document.package->outputs())
+        if (uids.count(output.uid) > 0)
+            selected.append(output);
+    return selected;
+}
+
+// ---- Settings
+
+QString Render::format() const
+{
+    return m_format->currentData().toString();
+}
+
+std::optional<ExportSettings> Render::exportSettings() const
+{
+    return m_document.package ? std::optional(currentSettings()) : std::nullopt;
+}
+
+ExportSettings Render::currentSettings() const
+{
+    ExportSettings settings;
+    m_time->write(settings);
+    settings.dir = m_folder->folder();
+    settings.format = format();
+    settings.pattern = m_pattern->text();
+    settings.metadataOptions = m_metadata->choices().toBits();
+    settings.quality = m_quality;
+    settings.disabled = m_tree->disabled();
+    return settings;
+}
+
+void Render::applyExportSettings(const ExportSettings& settings)
+{
+    m_time->read(settings);
+    m_wasTimeSet = m_document.package != nullptr;
+    const QString remembered = ExportDialogSettings::rendersPath.read();
+    m_folder->setFolder(!settings.dir.isEmpty() ? settings.dir
+                        : !remembered.isEmpty() ? remembered
+                                                : firstFolder());
+    const int format = m_format->findData(settings.format);
+    m_format->setCurrentIndex(format >= 0 ? format : m_format->findData(ExportSettings().format));
+    m_formatOptions->setEnabled(FormatOptionsDialog::hasOptions(this->format()));
+    m_pattern->setText(settings.pattern);
+    if (settings.pattern.trimmed().isEmpty())
+        resetBasenamePattern();
+    m_metadata->setChoices(MetadataChoices::fromBits(settings.metadataOptions));
+    m_quality = settings.quality;
+    m_tree->setDisabled(settings.disabled);
+    describePattern();
+}
+
+void Render::timeUnitChanged(int unit)
+{
+    m_time->convertTo(unit);
+}
+
+void Render::timeModified()
+{
+    m_time->updateCount();
+    describePattern();
+}
+
+void Render::timeCountModified()
+{
+    m_time->updateEnd();
+}
+
+void Render::browseDir()
+{
+    const QString folder =
+        QFileDialog::getExistingDirectory(this, tr("Bitmap(s) destination folder"), m_folder->folder());
+    if (!folder.isEmpty())
+        m_folder->setFolder(folder);
+}
+
+void Render::formatOption()
+{
+    const QByteArray id =
+        Orn::Image::Codec::SurfaceCodecManager::instance().getFormatOptionIdFromFormat(format().toLatin1());
+    FormatOptionsDialog dialog(format(), {m_quality, m_codecOptions.value(id)}, this);
+    if (dialog.exec() != Accepted)
+        return;
+    m_quality = dialog.values().quality;
+    m_codecOptions[id] = dialog.values().others;
+}
+
+/// What the format's codec is told beside its defaults.
+QVariantMap Render::codecOptions() const
+{
+    const QByteArray id =
+        Orn::Image::Codec::SurfaceCodecManager::instance().getFormatOptionIdFromFormat(format().toLatin1());
+    QVariantMap options = withQuality(m_quality);
+    const QVariantMap chosen = m_codecOptions.value(id);
+    for (auto option = chosen.begin(); option != chosen.end(); ++option)
+        options.insert(option.key(), option.value());
+    return options;
+}
+
+void Render::actionPatternsMenu(QAction* action)
+{
+    const QString token = action->data().toString();
+    if (token.isEmpty())
+        resetBasenamePattern();
+    else
+        m_pattern->insert(token);
+    m_pattern->setFocus();
+}
+
+void Render::resetBasenamePattern()
+{
+    m_pattern->setText(m_document.package
+                           ? defaultBaseNamePattern(*m_document.package, m_document.isTimeDependent)
+                           : QString());
+}
+
+/// Shows the name that the current output's file would have.
+void Render::describePattern()
+{
+    const TreeItem* item = m_tree->currentOutput();
+    m_example->clear();
+    if (!m_document.package || !item)
+        return;
+    const bool isAnimation = m_document.isTimeDependent;
+    for (const PackageOutput& output : m_document.package->outputs()) {
+        if (output.uid != item->uid())
+            continue;
+        const QString usage = outputUsageText(m_document.package->description().output(output.uid).element);
+        BaseNames names(m_pattern->text(), defaultBaseNamePattern(*m_document.package, isAnimation));
+        const auto frame =
+            isAnimation ? std::optional<int>(FrameRange::of(currentSettings()).first) : std::nullopt;
+        const QString name =
+            names.next(baseNameSource(exportLabel(output), output.uid, usage, m_host.lastPreset()), frame);
+        m_example->setText(tr("File name: %1").arg(name + '.' + format()));
+    }
+}
+
+void Render::outputListCurrent()
+{
+    describePattern();
+}
+
+void Render::outputListSelection()
+{
+    if (m_document.package)
+        m_disabledOf[packageKey()] = m_tree->disabled();
+    describePattern();
+}
+
+void Render::metaMainChanged(int index)
+{
+    m_metadata->metaMainChanged(index);
+}
+
+// ---- Pages
+
+void Render::setState(State state)
+{
+    m_state = state;
+    m_pages->setCurrentIndex(state == State::Settings ? 0 : 1);
+    m_closeButton->setText(isRunning() ? tr("Cancel") : tr("Close"));
+    m_closeButton->setEnabled(state != State::Cancelling);
+    m_exportButton->setText(isRunning() ? tr("Wait...") : state == State::Done ? tr("Back") : tr("Export"));
+    m_exportButton->setEnabled(!isRunning());
+    (isRunning() ? m_closeButton : m_exportButton)->setDefault(true);
+}
+
+void Render::startOrGoBack()
+{
+    if (m_state == State::Done)
+        setState(State::Settings);
+    else
+        startSlot();
+}
+
+void Render::openResultItem(QListWidgetItem* item)
+{
+    QDesktopServices::openUrl(QUrl::fromLocalFile(item->data(Qt::UserRole).toString()));
+}
+
+void Render::reject()
+{
+    cancelSlot();
+}
+
+void Render::closeEvent(QCloseEvent* event)
+{
+    if (isRunning()) {
+        cancelSlot();
+        event->ignore();
+        return;
+    }
+    QDialog::closeEvent(event);
+}
+
+} // namespace Zph::Applications::Player
