@@ -84,10 +84,7 @@ void Presets::apply(const QString& graphKey, const PresetDescription& preset)
 void Presets::applyMetadata(const QString& graphKey, const PresetDescription& preset)
 {
     replaceFile(metadataName(), {preset});
-    Tweaks tweaks = tweaksOfGraph(graphKey);
-    for (auto row = tweaks.begin(); row != tweaks.end();)
-        row = row->second->isImage() ? tweaks.erase(row) : std::next(row);
-    applyInBatch(tweaks, preset);
+    applyInBatch(tweaksOfGraph(graphKey), preset);
 }
 
 void Presets::applyInBatch(const Tweaks& tweaks, const PresetDescription& preset)
