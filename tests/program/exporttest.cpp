@@ -13,8 +13,10 @@
 #include <QLabel>
 #include <QListWidget>
 #include <QMessageBox>
+#include <QMouseEvent>
 #include <QProcess>
 #include <QPushButton>
+#include <QStatusBar>
 #include <QTreeWidget>
 
 namespace Zph::Applications::Player::Tests {
@@ -95,6 +97,7 @@ TEST_F(Export, WritesTheFilesOfTheCommandLine)
         std::function<void(ExportSettings&)> change;
         QStringList arguments; // that stand for it
         int files;
+        const char* packing = "";
     };
     const auto frames = [](ExportSettings& settings) {
         settings.timeStart = 8;
@@ -129,7 +132,11 @@ TEST_F(Export, WritesTheFilesOfTheCommandLine)
          seconds,
          {"--format", "png", "--metadata", "file", "--frames", "12-15", "--fps", "24"},
          32},
+        {"walls", "vlr", {}, {"--metadata", "embedded", "--template", "unreal"}, 2, "unreal"},
     };
+    const QString templates = QStringLiteral("resources/templates");
+    ASSERT_TRUE(QDir(installation.path()).mkpath(templates));
+    put(templates + "/unreal.json", readFile(VELLOR_TEST_BINARIES "/" + templates + "/unreal.json"));
     TestInstallation::settings()->setValue("session/dynCommonState", 7); // as the command line cooks
     openWindow();
     int number = 0;
@@ -148,8 +155,10 @@ TEST_F(Export, WritesTheFilesOfTheCommandLine)
         if (row.change)
             row.change(settings);
         dialog.applyExportSettings(settings);
+        dialog.setPackingTemplate(row.packing);
         dialog.startSlot();
         ASSERT_TRUE(waitForEnd());
+        EXPECT_EQ(progressText(), "Export complete.") << number;
         const QString other = QStringLiteral("tool%1").arg(number);
         renderOnCommandLine(package, other,
                             row.arguments + QStringList{"--set", isWalls ? "depth=0.75" : "height=0.75"});
@@ -160,6 +169,147 @@ TEST_F(Export, WritesTheFilesOfTheCommandLine)
         for (auto file = fromTool.begin(); file != fromTool.end(); ++file)
             EXPECT_TRUE(fromWindow.value(file.key()) == *file) << number << ' ' << file.key().toStdString();
     }
+}
+
+// A package of two pictures by an engine that plays a script.
+const QByteArray script = "testengine\noutput 21 5 4 4 0\noutput 22 5 4 4 0\n";
+const QByteArray scriptDescription =
+    R"(<vlrdescription formatversion="1.0"><graphs><graph pkgurl="pkg://g" label="G"><outputs>
+ <output uid="21" identifier="one" type="5"><outputgui label="Same"/></output>
+ <output uid="22" identifier="two" type="5"><outputgui label="Same"/></output>
+</outputs></graph></graphs>
+<outputs><output index="0" uid="21"/><output index="1" uid="22"/></outputs></vlrdescription>)";
+
+class ScriptedExport : public Export
+{
+protected:
+    ScriptedExport() { openWindow(testEngine()); }
+
+    Render& openScript(const QByteArray& more = {})
+    {
+        put("script.xml", scriptDescription);
+        EXPECT_TRUE(window->loadFile(put("script.vlrbin", script + more))) << consoleText().toStdString();
+        Render& dialog = openDialog();
+        ExportSettings settings;
+        settings.dir = installation.path("out");
+        settings.format = "png";
+        dialog.applyExportSettings(settings);
+        return dialog;
+    }
+};
+
+TEST_F(ScriptedExport, ListsItsFilesAndDoesItAgainUnseen)
+{
+    EXPECT_FALSE(action("Re-Export (w/ previous settings)")->isEnabled());
+    Render& dialog = openScript();
+    EXPECT_TRUE(action("Re-Export (w/ previous settings)")->isEnabled());
+    EXPECT_EQ(dialog.windowTitle(), "Export as Bitmap(s)");
+    button("Export")->click();
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_EQ(progressText(), "Export complete.");
+    QStringList names = results();
+    names.sort();
+    EXPECT_EQ(names, QStringList({"g_Same.png", "g_Same[2].png"}));
+    EXPECT_EQ(QStringList(filesOf("out").keys()), names);
+    EXPECT_NE(button("Back"), nullptr);
+    button("Close")->click();
+    EXPECT_FALSE(dialog.isVisible());
+
+    QDir(installation.path("out")).removeRecursively();
+    action("Re-Export (w/ previous settings)")->trigger();
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_EQ(QStringList(filesOf("out").keys()), names);
+    EXPECT_FALSE(dialog.isVisible());
+    EXPECT_EQ(status(), "Export complete.");
+}
+
+TEST_F(ScriptedExport, WritesWhatIsCheckedAndNothingWithoutAnyOutput)
+{
+    Render& dialog = openScript();
+    ExportSettings settings = *dialog.exportSettings();
+    settings.disabled = {21};
+    dialog.applyExportSettings(settings);
+    auto* tree = dialog.findChild<QTreeWidget*>();
+    EXPECT_EQ(tree->topLevelItem(0)->checkState(0), Qt::PartiallyChecked);
+    button("Export")->click();
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_EQ(filesOf("out").keys(), QList<QString>({"g_Same.png"}));
+
+    button("Back")->click();
+    tree->topLevelItem(0)->setCheckState(0, Qt::Unchecked);
+    EXPECT_EQ(dialog.exportSettings()->disabled, (std::set<quint32>{21, 22}));
+    answerDialog([](QDialog& box) {
+        EXPECT_EQ(dynamic_cast<QMessageBox&>(box).text(), "At least one output to export must be selected.");
+        box.accept();
+    });
+    button("Export")->click();
+    EXPECT_FALSE(dialog.isRunning());
+}
+
+TEST_F(ScriptedExport, TellsOfEachFileThatCannotBeWritten)
+{
+    Render& dialog = openScript();
+    ExportSettings settings = *dialog.exportSettings();
+    settings.dir = put("nofolder", "a file") + "/out";
+    dialog.applyExportSettings(settings);
+    const auto answer = [](QMessageBox::StandardButton choice) {
+        return [choice](QDialog& dialog) {
+            auto& box = dynamic_cast<QMessageBox&>(dialog);
+            EXPECT_TRUE(box.text().startsWith("Cannot save bitmap '")) << box.text().toStdString();
+            EXPECT_EQ(box.windowTitle(), "Bitmap I/O Error");
+            box.button(choice)->click();
+        };
+    };
+    answerDialog(answer(QMessageBox::Ignore));
+    answerDialog(answer(QMessageBox::Ignore));
+    button("Export")->click();
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_EQ(progressText(), "Export complete. 2 of the files could not be written.");
+    button("Back")->click();
+
+    answerDialog(answer(QMessageBox::Abort));
+    button("Export")->click();
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_NE(button("Export"), nullptr) << "back at the settings";
+}
+
+TEST_F(ScriptedExport, AnOutputThatTheEngineFailsAtIsToldOnce)
+{
+    openScript("fail fetch 21 8\n");
+    answerDialog([](QDialog& dialog) {
+        auto& box = dynamic_cast<QMessageBox&>(dialog);
+        EXPECT_EQ(box.text(), "Invalid output 'Same'.");
+        EXPECT_EQ(box.windowTitle(), "Bitmap Internal Error");
+        box.button(QMessageBox::Ignore)->click();
+    });
+    button("Export")->click();
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_EQ(filesOf("out").size(), 1);
+}
+
+TEST_F(ScriptedExport, CancelWorksInsideAGeneration)
+{
+    Render& dialog = openScript("progress 4 300\n");
+    bool isCancelled = false;
+    QObject::connect(window->statusBar(), &QStatusBar::messageChanged, &dialog, [&](const QString& text) {
+        if (isCancelled || !dialog.isRunning() || !text.startsWith("Generating ") || !text.endsWith("%..."))
+            return;
+        isCancelled = true;
+        // A click as the window system brings it; one on the window behind is dropped.
+        for (QWidget* target : {static_cast<QWidget*>(button("Cancel")), static_cast<QWidget*>(window.get())})
+            for (const auto type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease})
+                QCoreApplication::postEvent(
+                    target, new QMouseEvent(type, QPointF(5, 5), Qt::LeftButton,
+                                            type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton,
+                                            Qt::NoModifier));
+    });
+    button("Export")->click();
+    EXPECT_TRUE(isCancelled);
+    EXPECT_TRUE(engineLog.take().contains("Stop mode=1"));
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_EQ(status().toStdString(), "Export cancelled.");
+    EXPECT_TRUE(filesOf("out").isEmpty());
+    EXPECT_NE(button("Export"), nullptr);
 }
 
 } // namespace

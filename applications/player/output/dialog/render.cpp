@@ -2,7 +2,6 @@
 
 #include "render.h"
 
-#include "applications/player/description/outputlabel.h"
 #include "applications/player/description/packagemodel.h"
 #include "applications/player/metadata/exportplan.h"
 #include "applications/player/output/dialog/exportdialogsettings.h"
@@ -13,6 +12,7 @@
 #include "applications/player/output/dialog/outputtree.h"
 #include "applications/player/output/dialog/patternmenu.h"
 #include "applications/player/output/dialog/timecontrols.h"
+#include "applications/player/packing/packingtemplates.h"
 #include "applications/player/session/static.h"
 #include "orncommon/image/codec/surfacecodecmanager.h"
 
@@ -21,6 +21,7 @@
 #include <QDesktopServices>
 #include <QDir>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QGridLayout>
 #include <QLabel>
 #include <QListWidget>
@@ -29,6 +30,8 @@
 #include <QStackedWidget>
 #include <QStandardPaths>
 #include <QUrl>
+
+#include <algorithm>
 
 namespace Zph::Applications::Player {
 
@@ -63,7 +66,8 @@ void fillFormats(QComboBox& combo)
 
 } // namespace
 
-Render::Render(RenderHost& host, QWidget* parent) : QDialog(parent), m_host(host)
+Render::Render(RenderHost& host, QWidget* parent)
+    : QDialog(parent), m_host(host), m_templates(std::make_unique<PackingTemplates>())
 {
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     setWindowTitle(tr("Export as Bitmap(s)"));
@@ -98,6 +102,7 @@ QWidget* Render::makeSettingsPage()
     layout->addWidget(m_time);
     layout->addLayout(makeFolderRow());
     layout->addLayout(makePatternRow());
+    layout->addLayout(makePackingRow());
     layout->addSpacing(4);
     layout->addWidget(labelFor(m_tree, tr("Select Output(s) to export:"), page));
     layout->addWidget(m_tree, 1);
@@ -139,6 +144,18 @@ QLayout* Render::makePatternRow()
     row->addWidget(labelFor(m_pattern, tr("Base name pattern:"), this));
     row->addWidget(m_pattern, 1);
     row->addWidget(button);
+    return row;
+}
+
+QLayout* Render::makePackingRow()
+{
+    m_packing = new QComboBox(this);
+    m_packing->setToolTip(tr("Which channels of which outputs go into which files."));
+    fillTemplates();
+    auto* row = new QHBoxLayout;
+    row->addWidget(labelFor(m_packing, tr("Packing template:"), this));
+    row->addWidget(m_packing);
+    row->addStretch(1);
     return row;
 }
 
@@ -184,6 +201,8 @@ void Render::connectControls()
     });
     connect(m_formatOptions, &QPushButton::clicked, this, &Render::formatOption);
     connect(m_pattern, &QLineEdit::textChanged, this, &Render::describePattern);
+    connect(m_packing, qOverload<int>(&QComboBox::activated), this,
+            [this] { setPackingTemplate(m_packing->currentData().toString()); });
     connect(m_tree, &QTreeWidget::currentItemChanged, this, &Render::outputListCurrent);
     connect(m_tree, &QTreeWidget::itemChanged, this, &Render::outputListSelection);
     connect(m_metadata, &MetadataControls::mainChanged, this, &Render::metaMainChanged);
@@ -201,10 +220,8 @@ void Render::setDocument(const RenderDocument& document)
         cancelSlot();
     if (isOther && m_document.package)
         m_disabledOf[packageKey()] = m_tree->disabled();
-    const bool wasUsual =
-        m_pattern->text().trimmed().isEmpty() ||
-        (m_document.package &&
-         m_pattern->text() == defaultBaseNamePattern(*m_document.package, m_document.isTimeDependent));
+    const QString pattern = m_pattern->text().trimmed();
+    const bool wasUsual = pattern.isEmpty() || pattern == m_usualPattern;
     m_document = document;
     if (!document.package) {
         m_tree->clear();
@@ -356,30 +373,112 @@ void Render::actionPatternsMenu(QAction* action)
 
 void Render::resetBasenamePattern()
 {
-    m_pattern->setText(m_document.package
-                           ? defaultBaseNamePattern(*m_document.package, m_document.isTimeDependent)
-                           : QString());
+    m_usualPattern = usualPattern();
+    m_pattern->setText(m_usualPattern);
 }
 
-/// Shows the name that the current output's file would have.
+QString Render::usualPattern() const
+{
+    if (!m_document.package)
+        return {};
+    const PackingTemplate* packing = chosenTemplate();
+    return packing && !packing->pattern.isEmpty()
+               ? packing->pattern
+               : defaultBaseNamePattern(*m_document.package, m_document.isTimeDependent);
+}
+
+// ---- Packing
+
+void Render::fillTemplates()
+{
+    m_packing->addItem(tr("None (each output is a file)"));
+    for (const PackingTemplates::Entry& entry : m_templates->entries()) {
+        m_packing->addItem(entry.shownName(), entry.name);
+        const int row = m_packing->count() - 1;
+        m_packing->setItemData(row, entry.content ? entry.content->description : entry.error,
+                               Qt::ToolTipRole);
+        if (!entry.content)
+            m_packing->setItemData(row, 0, Qt::UserRole - 1); // no flags: can't be chosen
+    }
+}
+
+/// Null for none.
+const PackingTemplate* Render::chosenTemplate() const
+{
+    const PackingTemplates::Entry* entry = m_templates->find(m_packing->currentData().toString());
+    return entry && entry->content ? &*entry->content : nullptr;
+}
+
+/// Without files where no template is chosen, or where it has none of these outputs.
+PackingPlan Render::packingOf(const QVector<PackageOutput>& outputs) const
+{
+    const PackingTemplate* packing = chosenTemplate();
+    if (!packing)
+        return {};
+    return planPacking(*packing, *m_document.package, outputs,
+                       [this](const PackageInput& input) { return m_host.valueOf(input); });
+}
+
+void Render::setPackingTemplate(const QString& name)
+{
+    const QString pattern = m_pattern->text().trimmed();
+    const bool wasUsual = pattern.isEmpty() || pattern == m_usualPattern;
+    m_packing->setCurrentIndex(std::max(m_packing->findData(name), 0));
+    if (wasUsual)
+        resetBasenamePattern();
+    describePattern();
+}
+
+// ---- What is asked for
+
+ExportChoices Render::choices() const
+{
+    const ExportSettings settings = currentSettings();
+    ExportChoices choices;
+    choices.folder = settings.dir;
+    choices.pattern = settings.pattern.trimmed().isEmpty() ? usualPattern() : settings.pattern;
+    choices.preset = m_host.lastPreset();
+    choices.picture.format = settings.format;
+    choices.picture.codec = codecOptions();
+    choices.isAnimation = m_document.isTimeDependent;
+    choices.frames = FrameRange::of(settings);
+    choices.metadata = MetadataChoices::fromBits(settings.metadataOptions);
+    return choices;
+}
+
+/// Shows the names that files would have: that of the current output, or those that the template makes.
 void Render::describePattern()
 {
-    const TreeItem* item = m_tree->currentOutput();
     m_example->clear();
+    m_example->setToolTip({});
+    const QVector<PackageOutput> selected = selectedOutputs();
+    const TreeItem* item = m_tree->currentOutput();
     if (!m_document.package || !item)
         return;
-    const bool isAnimation = m_document.isTimeDependent;
-    for (const PackageOutput& output : m_document.package->outputs()) {
-        if (output.uid != item->uid())
-            continue;
-        const QString usage = outputUsageText(m_document.package->description().output(output.uid).element);
-        BaseNames names(m_pattern->text(), defaultBaseNamePattern(*m_document.package, isAnimation));
-        const auto frame =
-            isAnimation ? std::optional<int>(FrameRange::of(currentSettings()).first) : std::nullopt;
-        const QString name =
-            names.next(baseNameSource(exportLabel(output), output.uid, usage, m_host.lastPreset()), frame);
-        m_example->setText(tr("File name: %1").arg(name + '.' + format()));
+    ExportChoices wanted = choices();
+    wanted.folder = QStringLiteral("/");
+    wanted.metadata = {MetadataChoices::Metadata::Disabled};
+    wanted.packing = packingOf(selected);
+    m_format->setEnabled(wanted.packing.files.isEmpty() || wanted.packing.leavesFormat());
+    QString notes = wanted.packing.notes.join('\n');
+    const QString problem = wanted.packing.settle(wanted.picture.format, PictureDepth::OfPicture);
+    if (chosenTemplate() && wanted.packing.files.isEmpty()) {
+        m_example->setText(tr("The template takes none of these outputs."));
+        return;
     }
+    QVector<PackageOutput> current;
+    for (const PackageOutput& output : m_document.package->outputs())
+        if (output.uid == item->uid())
+            current.append(output);
+    ExportPlan plan(*m_document.package, current, wanted, {});
+    plan.startFrame(0);
+    QStringList names;
+    for (int file = 0; file < plan.fileCount(); ++file)
+        names << QFileInfo(plan.path(file)).fileName();
+    const QString text = tr("File name: %1").arg(names.join(QStringLiteral(", ")));
+    m_example->setText(m_example->fontMetrics().elidedText(problem.isEmpty() ? text : problem, Qt::ElideRight,
+                                                           std::max(m_pages->width(), kFirstSize.width())));
+    m_example->setToolTip((names + QStringList(notes)).join('\n').trimmed());
 }
 
 void Render::outputListCurrent()

@@ -28,6 +28,10 @@ class ExportRun;
 class FolderEdit;
 class MetadataControls;
 class OutputTree;
+class PackingTemplates;
+struct ExportChoices;
+struct PackingPlan;
+struct PackingTemplate;
 struct PackageOutput;
 class TimeControls;
 
@@ -60,6 +64,9 @@ public:
 
     std::optional<ExportSettings> exportSettings() const override;
     void applyExportSettings(const ExportSettings& settings) override;
+
+    /// By its name; an empty one for none.
+    void setPackingTemplate(const QString& name);
 
     bool isRunning() const { return m_state == State::Exporting || m_state == State::Cancelling; }
     /// Exports with the settings of the last export. Where the dialog is hidden, it stays so unless something
@@ -111,6 +118,12 @@ private:
     QWidget* makeProgressPage();
     QLayout* makeButtons();
     void connectControls();
+    QLayout* makePackingRow();
+    void fillTemplates();
+    const PackingTemplate* chosenTemplate() const;
+    PackingPlan packingOf(const QVector<PackageOutput>& outputs) const;
+    QString usualPattern() const;
+    ExportChoices choices() const;
     void describePattern();
     ExportSettings currentSettings() const;
     QString format() const;
@@ -121,7 +134,8 @@ private:
     void setState(State state);
 
     void start(bool again);
-    void prepareRun(const QVector<PackageOutput>& outputs);
+    bool prepareRun(ExportChoices& wanted, const QVector<PackageOutput>& outputs);
+    void makeRun(const ExportChoices& wanted, const QVector<PackageOutput>& outputs);
     void startFrame(int frame);
     void announceFrame();
     void postStep();
@@ -143,7 +157,10 @@ private:
     QHash<QString, std::set<quint32>> m_disabledOf; // outputs, by packageKey()
     int m_quality = ExportSettings().quality;
     QMap<QByteArray, QVariantMap> m_codecOptions; // by the codecs' ids of formats
+    std::unique_ptr<PackingTemplates> m_templates;
+    QString m_usualPattern; // that was offered last
     ExportSettings m_lastSettings;
+    QString m_lastTemplate;
     bool m_hasLastSettings = false;
     bool m_wasTimeSet = false;
 
@@ -162,6 +179,7 @@ private:
     TimeControls* m_time;
     FolderEdit* m_folder;
     QComboBox* m_format;
+    QComboBox* m_packing;
     QPushButton* m_formatOptions;
     QLineEdit* m_pattern;
     QLabel* m_example;

@@ -11,6 +11,7 @@
 #include "applications/player/output/dialog/metadatacontrols.h"
 
 #include <QApplication>
+#include <QComboBox>
 #include <QDir>
 #include <QFileInfo>
 #include <QLabel>
@@ -35,8 +36,10 @@ void Render::exportAgain()
 {
     if (isRunning() || !m_document.package)
         return;
-    if (m_hasLastSettings)
+    if (m_hasLastSettings) {
+        setPackingTemplate(m_lastTemplate);
         applyExportSettings(m_lastSettings);
+    }
     start(true);
 }
 
@@ -58,8 +61,12 @@ void Render::start(bool again)
     if (m_folder->folder().isEmpty())
         m_folder->setFolder(ExportDialogSettings::rendersPath.read());
     m_folder->setFolder(m_folder->folder());
+    ExportChoices wanted = choices();
+    if (!prepareRun(wanted, outputs))
+        return;
     ExportDialogSettings::rendersPath.write(m_folder->folder());
     m_lastSettings = currentSettings();
+    m_lastTemplate = m_packing->currentData().toString();
     m_hasLastSettings = true;
     m_results->clear();
     m_complaints.clear();
@@ -68,26 +75,33 @@ void Render::start(bool again)
     setState(State::Exporting);
     if (m_metadata->choices().needsArchive() && m_document.whyWithoutArchive.isEmpty())
         emit vlrarDataRequired();
-    prepareRun(outputs);
+    makeRun(wanted, outputs);
     QDir().mkpath(m_lastSettings.dir);
     startFrame(0);
 }
 
-void Render::prepareRun(const QVector<PackageOutput>& outputs)
+/// False, after a word to the user, where the template can't be followed.
+bool Render::prepareRun(ExportChoices& wanted, const QVector<PackageOutput>& outputs)
 {
-    ExportChoices choices;
-    choices.folder = m_lastSettings.dir;
-    choices.pattern = m_lastSettings.pattern;
-    choices.preset = m_host.lastPreset();
-    choices.picture.format = m_lastSettings.format;
-    choices.picture.codec = codecOptions();
-    choices.isAnimation = m_document.isTimeDependent;
-    choices.frames = FrameRange::of(m_lastSettings);
-    choices.metadata = m_metadata->choices();
+    QString problem;
+    if (chosenTemplate()) {
+        wanted.packing = packingOf(outputs);
+        problem =
+            wanted.packing.files.isEmpty()
+                ? tr("The template '%1' takes none of the selected outputs.").arg(m_packing->currentText())
+                : wanted.packing.settle(wanted.picture.format, PictureDepth::OfPicture);
+    }
+    if (!problem.isEmpty())
+        QMessageBox::warning(isVisible() ? this : parentWidget(), windowTitle(), problem);
+    return problem.isEmpty();
+}
+
+void Render::makeRun(const ExportChoices& wanted, const QVector<PackageOutput>& outputs)
+{
     m_run = std::make_unique<ExportRun>(
-        m_document.package, outputs, choices,
+        m_document.package, outputs, wanted,
         MetadataWriter::Package{m_document.archiveFileName,
-                                choices.metadata.needsArchive() ? m_archive : QByteArray(),
+                                wanted.metadata.needsArchive() ? m_archive : QByteArray(),
                                 [this](const QString& url) { return m_host.valuesOf(url); }});
     m_run->onWait = [this] { InputGate::processEvents(*this); };
     connect(m_run.get(), &ExportRun::written, this, &Render::listResult);
