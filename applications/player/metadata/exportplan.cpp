@@ -77,8 +77,7 @@ void ExportPlan::findHolders()
 
 MetadataWriter::Bitmap ExportPlan::bitmap(int file) const
 {
-    const QString label = exportLabel(mainOutput(file));
-    return {label.section(" - ", 0, 0).remove(' '), label.section(" - ", 1), m_paths[file]};
+    return MetadataWriter::Bitmap::of(mainOutput(file), m_paths[file]);
 }
 
 ExportPlan::File ExportPlan::file(int file)

@@ -34,8 +34,8 @@ void MainWindow::render(bool silent)
         m_render = new Render(*this, this);
         connect(m_render, &Render::timeChanged, this, &MainWindow::exportTimeChanged);
         connect(m_render, &Render::vlrarDataRequired, this, &MainWindow::requireVlrarData);
-        m_tweaks->presets().setExportSettings(m_render);
         updateRenderDialog();
+        m_tweaks->presets().setExportSettings(m_render);
     }
     if (silent) {
         m_render->exportAgain();
