@@ -195,10 +195,7 @@ void Render::connectControls()
     connect(m_time, &TimeControls::unitChanged, this, &Render::timeUnitChanged);
     connect(m_time, &TimeControls::timeModified, this, &Render::timeModified);
     connect(m_time, &TimeControls::countModified, this, &Render::timeCountModified);
-    connect(m_format, qOverload<int>(&QComboBox::currentIndexChanged), this, [this] {
-        m_formatOptions->setEnabled(FormatOptionsDialog::hasOptions(format()));
-        describePattern();
-    });
+    connect(m_format, qOverload<int>(&QComboBox::currentIndexChanged), this, [this] { describePattern(); });
     connect(m_formatOptions, &QPushButton::clicked, this, &Render::formatOption);
     connect(m_pattern, &QLineEdit::textChanged, this, &Render::describePattern);
     connect(m_packing, qOverload<int>(&QComboBox::activated), this,
@@ -304,7 +301,6 @@ void Render::applyExportSettings(const ExportSettings& settings)
                                                 : firstFolder());
     const int format = m_format->findData(settings.format);
     m_format->setCurrentIndex(format >= 0 ? format : m_format->findData(ExportSettings().format));
-    m_formatOptions->setEnabled(FormatOptionsDialog::hasOptions(this->format()));
     m_pattern->setText(settings.pattern);
     if (settings.pattern.trimmed().isEmpty())
         resetBasenamePattern();
@@ -452,20 +448,24 @@ void Render::describePattern()
     m_example->clear();
     m_example->setToolTip({});
     const QVector<PackageOutput> selected = selectedOutputs();
-    const TreeItem* item = m_tree->currentOutput();
-    if (!m_document.package || !item)
+    if (!m_document.package)
         return;
     ExportChoices wanted = choices();
     wanted.folder = QStringLiteral("/");
     wanted.metadata = {MetadataChoices::Metadata::Disabled};
     wanted.packing = packingOf(selected);
-    m_format->setEnabled(wanted.packing.files.isEmpty() || wanted.packing.leavesFormat());
+    const bool isFormatOpen = wanted.packing.files.isEmpty() || wanted.packing.leavesFormat();
+    m_format->setEnabled(isFormatOpen);
+    m_formatOptions->setEnabled(isFormatOpen && FormatOptionsDialog::hasOptions(format()));
     QString notes = wanted.packing.notes.join('\n');
     const QString problem = wanted.packing.settle(wanted.picture.format, PictureDepth::OfPicture);
     if (chosenTemplate() && wanted.packing.files.isEmpty()) {
         m_example->setText(tr("The template takes none of these outputs."));
         return;
     }
+    const TreeItem* item = m_tree->currentOutput();
+    if (!item)
+        return;
     QVector<PackageOutput> current;
     for (const PackageOutput& output : m_document.package->outputs())
         if (output.uid == item->uid())
@@ -475,7 +475,8 @@ void Render::describePattern()
     QStringList names;
     for (int file = 0; file < plan.fileCount(); ++file)
         names << QFileInfo(plan.path(file)).fileName();
-    const QString text = tr("File name: %1").arg(names.join(QStringLiteral(", ")));
+    const QString text =
+        (names.size() > 1 ? tr("File names: %1") : tr("File name: %1")).arg(names.join(QStringLiteral(", ")));
     m_example->setText(m_example->fontMetrics().elidedText(problem.isEmpty() ? text : problem, Qt::ElideRight,
                                                            std::max(m_pages->width(), kFirstSize.width())));
     m_example->setToolTip((names + QStringList(notes)).join('\n').trimmed());
