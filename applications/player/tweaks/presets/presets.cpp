@@ -84,7 +84,10 @@ void Presets::apply(const QString& graphKey, const PresetDescription& preset)
 void Presets::applyMetadata(const QString& graphKey, const PresetDescription& preset)
 {
     replaceFile(metadataName(), {preset});
-    applyInBatch(tweaksOfGraph(graphKey), preset);
+    Tweaks tweaks = tweaksOfGraph(graphKey);
+    for (auto row = tweaks.begin(); row != tweaks.end();)
+        row = row->second->isImage() ? tweaks.erase(row) : std::next(row);
+    applyInBatch(tweaks, preset);
 }
 
 void Presets::applyInBatch(const Tweaks& tweaks, const PresetDescription& preset)

@@ -42,8 +42,8 @@ public:
 
     // Applies a preset to a graph as one batch, and its settings of exports if that is switched on.
     void apply(const QString& graphKey, const PresetDescription& preset);
-    // The same for a preset of a bitmap's metadata, which leaves exports alone and can't be undone: the
-    // package has just been opened.
+    // The same for a preset of a bitmap's metadata, which leaves pictures and exports alone and can't be
+    // undone: the package has just been opened.
     void applyMetadata(const QString& graphKey, const PresetDescription& preset);
 
     // The preset that undo() takes back in this graph; nothing where there is none.

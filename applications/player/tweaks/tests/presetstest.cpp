@@ -400,12 +400,8 @@ TEST_F(PresetsOfPanel, picturesGoAlongByTheirFiles)
     presets.apply("g", gone);
     EXPECT_EQ(photo->filePath(), path);
     EXPECT_EQ(value(2), 0);
-    presets.undo("g");
-    EXPECT_TRUE(QFile::copy(path, folder.filePath("other.png")));
-    PresetDescription other = with;
-    other.inputs.first().text = folder.filePath("other.png");
-    list.applyMetadataPreset(other, "g");
-    EXPECT_EQ(photo->filePath(), folder.filePath("other.png"));
+    list.applyMetadataPreset(gone, "g");
+    EXPECT_EQ(photo->filePath(), path) << "not a matter of metadata";
 }
 
 TEST_F(PresetsOfPanel, metadataLeavesNothingToUndo)
