@@ -138,6 +138,8 @@ def main():
     try:
         for program in ("vellor_benchmarks", "vellor_picturebenchmarks", "vellor_operationbenchmarks"):
             rows += benchmark_rows(f"{options.build}/benchmarks/{program}", options.filter)
+    except (OSError, subprocess.CalledProcessError) as error:
+        print(f"The table lacks a program that failed: {error}", file=sys.stderr)
     except KeyboardInterrupt:
         print("Cut short: the table lacks the program that was running.", file=sys.stderr)
     print_table(rows, options.markdown)

@@ -60,12 +60,11 @@ private:
     QElapsedTimer m_clock;
 };
 
-/// Encoding takes longer than generating for most formats, so all threads may be at it; each holds a picture.
-int encodersFor(unsigned engineThreads)
+/// None beside the engine where it has one thread alone.
+std::size_t encodersFor(unsigned engineThreads)
 {
-    constexpr int most = 16;
     const int threads = engineThreads ? int(engineThreads) : QThread::idealThreadCount();
-    return threads > 1 ? std::min(threads, most) : 0;
+    return threads > 1 ? encoderCount(threads) : 0;
 }
 
 int runRender(const Arguments& arguments)

@@ -19,8 +19,6 @@ using namespace Zph::Applications::Player;
 
 namespace {
 
-constexpr std::size_t kWaitingPictures = 2; // beside those that are being encoded; each holds memory
-
 QByteArray numberHash(quint32 type, const InputValue& value)
 {
     const int bytes = componentCount(type) * int(sizeof(quint32));
@@ -57,8 +55,7 @@ Renderer::Renderer(const Package& package, Selection& selection, const RenderSet
     : m_package(package), m_selection(selection), m_settings(settings), m_interrupter(package.engine()),
       m_plan(package.model(), selection.outputs, choicesOf(settings, selection, m_interrupter),
              metadataSource(package, selection, settings)),
-      m_generator(package, selection, m_interrupter),
-      m_queue(std::size_t(settings.encoders), kWaitingPictures)
+      m_generator(package, selection, m_interrupter), m_queue(settings.encoders, waitingPictures)
 {
     m_generator.onProgress = [this](int percent) { showProgress(percent); };
     m_generator.onOutput = [this](int place, const Generator::Result& result, double seconds) {

@@ -10,7 +10,8 @@ struct RenderSettings
 {
     Zph::Applications::Player::ExportChoices files;
     bool wantsHashes = false;
-    int encoders = 1; // threads that encode files while the next outputs are generated; 0: between them
+    // Threads that encode files while the next outputs are generated; 0: the engine's, between them.
+    std::size_t encoders = 1;
 };
 
 /// The options that readRenderSettings() reads.

@@ -1,6 +1,14 @@
 #include "applications/player/output/taskqueue.h"
 
+#include <algorithm>
+
 namespace Zph::Applications::Player {
+
+std::size_t encoderCount(int threads)
+{
+    constexpr int most = 16;
+    return std::size_t(std::clamp(threads, 1, most));
+}
 
 TaskQueue::TaskQueue(std::size_t workers, std::size_t limit) : m_limit(limit)
 {

@@ -10,6 +10,12 @@
 
 namespace Zph::Applications::Player {
 
+/// How many pictures are encoded at once where so many threads may be used, and how many may wait beside
+/// them. Encoding takes longer than generating for most formats, so all threads may be at it; each picture
+/// holds memory.
+std::size_t encoderCount(int threads);
+constexpr std::size_t waitingPictures = 2;
+
 /// Runs tasks beside the thread that posts them. Tasks don't throw.
 class TaskQueue
 {

@@ -2,21 +2,11 @@
 
 #include <QThread>
 
-#include <algorithm>
-
 namespace Zph::Applications::Player {
 
 namespace {
 
-constexpr std::size_t kWaitingPictures = 2; // beside those that are being encoded; each holds memory
 constexpr std::chrono::milliseconds kPatience{20};
-
-/// Encoding takes longer than generating for most formats, so all threads may be at it; each holds a picture.
-std::size_t encoders()
-{
-    constexpr int most = 16;
-    return std::size_t(std::clamp(QThread::idealThreadCount(), 1, most));
-}
 
 ExportChoices cancellable(ExportChoices choices, const std::atomic<bool>& flag)
 {
@@ -30,7 +20,7 @@ ExportRun::ExportRun(std::shared_ptr<const PackageModel> package, const QVector<
                      const ExportChoices& choices, MetadataWriter::Package made)
     : m_package(std::move(package)),
       m_plan(*m_package, outputs, cancellable(choices, m_isCancelled), std::move(made)),
-      m_queue(encoders(), kWaitingPictures)
+      m_queue(encoderCount(QThread::idealThreadCount()), waitingPictures)
 {
 }
 
