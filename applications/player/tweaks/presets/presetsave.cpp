@@ -105,7 +105,7 @@ int PresetSave::selectedPreset() const
 
 void PresetSave::labelModified(const QString& label)
 {
-    m_saveButton->setEnabled(!label.trimmed().isEmpty());
+    m_saveButton->setEnabled(!label.isEmpty());
     const int before = selectedPreset();
     if (before != kNewPreset && m_existing[before].label == label)
         return;
