@@ -12,6 +12,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr double kChunkSeconds = 0.001;
+constexpr double kLastChunkSeconds = 0.00003;
 constexpr double kWorthWaking = 0.0002;
 constexpr int kFirstChunkPixels = 1 << 14;
 
@@ -32,7 +33,7 @@ public:
     /// Takes and does one chunk. Returns the seconds that it took.
     double step(int worker)
     {
-        const int size = chunk_.load(std::memory_order_relaxed);
+        const int size = nextSize();
         const int y0 = next_.fetch_add(size);
         if (y0 >= loop_.rows)
             return 0.0;
@@ -78,15 +79,29 @@ public:
 private:
     bool halted() const { return loop_.monitor.stopped() || failed_.load(std::memory_order_relaxed); }
 
+    /// An even end: chunks are at most a fair part of the rows that are left, so that no thread is still at a
+    /// large one when the others are through. They need not be smaller than what takes no time to speak of.
+    int nextSize() const
+    {
+        const int size = chunk_.load(std::memory_order_relaxed);
+        const int threads = loop_.resources.threadCount();
+        if (loop_.resources.chunkRows || threads == 1)
+            return size;
+        const int left = loop_.rows - next_.load(std::memory_order_relaxed);
+        const int fair = left / (2 * threads);
+        return std::clamp(fair, std::min(least_.load(std::memory_order_relaxed), size), size);
+    }
+
     void adapt(int rows, double seconds)
     {
         if (loop_.resources.chunkRows)
             return;
-        const double wanted = rows * kChunkSeconds / std::max(seconds, 1e-7);
-        // An even end: the last rows must not all lie with one thread.
-        const int share = std::max(1, loop_.rows / (4 * loop_.resources.threadCount()));
-        chunk_.store(std::clamp(static_cast<int>(std::min(wanted, 16384.0)), 1, share),
-                     std::memory_order_relaxed);
+        const auto rowsIn = [&](double wanted) {
+            const double count = rows * wanted / std::max(seconds, 1e-7);
+            return std::max(static_cast<int>(std::min(count, 16384.0)), 1);
+        };
+        chunk_.store(rowsIn(kChunkSeconds), std::memory_order_relaxed);
+        least_.store(rowsIn(kLastChunkSeconds), std::memory_order_relaxed);
     }
 
     void fail(std::exception_ptr error)
@@ -99,7 +114,7 @@ private:
 
     const RowLoop& loop_;
     const RowBody& body_;
-    std::atomic<int> next_{0}, chunk_{1}, rowsDone_{0};
+    std::atomic<int> next_{0}, chunk_{1}, least_{1}, rowsDone_{0};
     std::atomic<bool> failed_{false};
     std::mutex mutex_;
     std::exception_ptr error_;

@@ -4,8 +4,9 @@
 //
 // Threads take chunks of rows as they come. How many rows a chunk has follows from the time that chunks take,
 // so that a stop is obeyed within milliseconds whatever a row costs, and the counter is not fought over where
-// rows are cheap. Work that is over in less time than it takes to wake a thread stays on the caller's. None
-// of this may show in the result: bodies give the same bytes for every way of cutting.
+// rows are cheap. Towards the end chunks grow small, so that all threads end together, at whatever pace each
+// runs. Work that is over in less time than it takes to wake a thread stays on the caller's. None of this may
+// show in the result: bodies give the same bytes for every way of cutting.
 
 #include "platform/engines/cpu/monitor.h"
 #include "platform/engines/cpu/resources.h"
