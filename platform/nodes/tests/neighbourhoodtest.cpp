@@ -248,6 +248,50 @@ TEST(AmbientOcclusion, SeesTheSky)
     EXPECT_NEAR(out.at(64, 10), out.at(64, 100), 1e-6f);
 }
 
+TEST(AmbientOcclusion, NearsTheIntegralOverAllDirections)
+{
+    // Waves of several lengths, in sizes whose copies halve along both axes, one, and none, and smaller ones
+    // than what is read at a time.
+    for (const auto& [width, height] : {std::pair(192, 96), {190, 95}, {161, 87}, {12, 20}}) {
+        const Picture in = drawn(width, height, [](float x, float y) {
+            const double turn = 6.283185307179586;
+            return static_cast<float>(0.5 + 0.2 * std::sin(turn * (2 * x + y)) +
+                                      0.15 * std::sin(turn * (5 * y - 3 * x)) * std::cos(turn * 7 * x));
+        });
+        const double depth = 0.08 * width, radius = 0.3 * width;
+        const Picture out = Evaluation("ambientocclusion", width, height)
+                                .set("depth", {8})
+                                .set("radius", {0.3})
+                                .operand(in)();
+        const auto heightAt = [&](double x, double y) {
+            const double left = std::floor(x), top = std::floor(y), u = x - left, v = y - top;
+            const int column = int(left), row = int(top);
+            return (in.at(column, row) * (1 - u) + in.at(column + 1, row) * u) * (1 - v) +
+                   (in.at(column, row + 1) * (1 - u) + in.at(column + 1, row + 1) * u) * v;
+        };
+        double difference = 0.0, worst = 0.0;
+        for (int y = 0; y < height; ++y)
+            for (int x = y % 16; x < width; x += 16) {
+                double light = 0.0;
+                for (int d = 0; d < 64; ++d) {
+                    const double angle = (d + 0.5) * 6.283185307179586 / 64;
+                    double steepest = 0.0;
+                    for (double far = 1.0; far <= radius; far += 0.5) {
+                        const double fade = std::clamp(2.0 - 2.0 * far / (radius + 1.0), 0.0, 1.0);
+                        const double rise =
+                            heightAt(x + far * std::cos(angle), y + far * std::sin(angle)) - in.at(x, y);
+                        steepest = std::max(steepest, rise * depth * fade / far);
+                    }
+                    light += 1.0 / (1.0 + steepest * steepest) / 64;
+                }
+                difference += std::fabs(out.at(x, y) - light) * 16 / (double(width) * height);
+                worst = std::max(worst, std::fabs(out.at(x, y) - light));
+            }
+        EXPECT_LT(difference, 0.006) << width << " x " << height;
+        EXPECT_LT(worst, 0.025) << width << " x " << height;
+    }
+}
+
 TEST(Curvature, RidgesAreLightAndGroovesDark)
 {
     const Picture wave =
