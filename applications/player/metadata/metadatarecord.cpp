@@ -51,7 +51,8 @@ QString presetText(const PresetDescription& preset, const QDir& directory)
 quint32 MetadataRecord::hash(const QDir& directory) const
 {
     const quint32 ofArchive = archive ? qHash(*archive, 0) : qHash(archiveFileName, 0);
-    const quint32 ofPreset = preset ? qHash(presetText(*preset, directory), 0) : 0;
+    const std::optional<PresetDescription>& values = preset ? preset : presetElsewhere;
+    const quint32 ofPreset = values ? qHash(presetText(*values, directory), 0) : 0;
     return ofArchive ^ ofPreset ^ qHash(packageUrl, 0);
 }
 

@@ -22,9 +22,10 @@ struct MetadataRecord
     QString presetHolder;              // the same for the preset
     QString presetFileName;            // beside the bitmap
     std::optional<PresetDescription> preset;
+    std::optional<PresetDescription> presetElsewhere; // what the record only refers to; not read, not written
 
-    // A number that tells apart what was made of different packages, values or graphs. `directory` is the
-    // bitmap's, as for metadataDocument().
+    // A number that tells apart what was made of different packages, values or graphs, wherever the values
+    // stand. `directory` is the bitmap's, as for metadataDocument().
     quint32 hash(const QDir& directory) const;
 };
 

@@ -3,6 +3,7 @@
 #include "applications/player/output/basename.h"
 #include "applications/player/presets/presetfile.h"
 
+#include <QDebug>
 #include <QFileInfo>
 #include <QSaveFile>
 
@@ -47,8 +48,10 @@ QString BitmapMetadata::writeBeside() const
 {
     for (const File& entry : beside) {
         QSaveFile file(entry.path);
-        if (!file.open(QIODevice::WriteOnly))
-            return file.errorString();
+        if (!file.open(QIODevice::WriteOnly)) {
+            qWarning().noquote() << "Cannot write" << entry.path << ':' << file.errorString();
+            continue;
+        }
         file.write(entry.bytes);
         if (!file.commit())
             return file.errorString();
@@ -103,8 +106,8 @@ MetadataRecord MetadataWriter::recordOf(const Bitmap& bitmap)
         record.presetFileName = QFileInfo(beside(bitmap.path, "vlrprs")).fileName();
     else if (m_choices.values == Choices::Values::EmbeddedOnce && !isHolder(bitmap))
         record.presetHolder = holder;
-    else
-        record.preset = presetOf(bitmap.packageUrl);
+    const bool isReference = !record.presetFileName.isEmpty() || !record.presetHolder.isEmpty();
+    (isReference ? record.presetElsewhere : record.preset) = presetOf(bitmap.packageUrl);
     return record;
 }
 

@@ -23,7 +23,9 @@ struct BitmapMetadata
     QByteArray embedded; // to be appended by metadataTrailer(); may be empty
     QVector<File> beside;
 
-    // To be called once the bitmap is there. Returns the first error, or an empty text. Any thread.
+    // To be called once the bitmap is there. What can't be opened for writing is left out, with a warning in
+    // the log: the bitmap is worth having without. Returns the first other error, such as a full disk, or an
+    // empty text. Any thread.
     QString writeBeside() const;
 };
 

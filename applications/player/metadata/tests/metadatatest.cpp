@@ -6,6 +6,7 @@
 
 #include <QBuffer>
 #include <QFile>
+#include <QSet>
 #include <QTemporaryDir>
 #include <QtEndian>
 
@@ -116,6 +117,7 @@ struct Export
 {
     QTemporaryDir folder;
     int presetsBuilt = 0;
+    float value = 0.25f;
     QVector<MetadataWriter::Bitmap> bitmaps;
 
     Export()
@@ -131,7 +133,7 @@ struct Export
                               {"g.vlrar", "the archive",
                                [this](const QString&) {
                                    ++presetsBuilt;
-                                   return preset(0.25f);
+                                   return preset(value);
                                }},
                               bitmaps);
         for (const auto& bitmap : bitmaps) {
@@ -169,6 +171,87 @@ TEST(Metadata, WhatIsWrittenIsFoundAgainInEveryForm)
                 EXPECT_EQ(result->preset.inputs[0].value.floatAt(0), 0.25f);
                 EXPECT_EQ(result->outputIdentifier, "normal");
             }
+}
+
+TEST(Metadata, EveryFieldOfATrailerCountsAtEveryLength)
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("b.png");
+    MetadataRecord record;
+    record.packageUrl = "p";
+    record.archive = "archive";
+    record.preset = preset(1);
+    const QByteArray document = metadataDocument(record, QDir(folder.path()));
+    const quint32 size = quint32(document.size());
+    const auto beginning = [&](const char* text) { return text + document.mid(int(qstrlen(text))); };
+    struct Row
+    {
+        const char* what;
+        QByteArray text;
+        QByteArray length;
+        QByteArray magic;
+    };
+    const Row rows[] = {{"sound", document, number(size), "TMLV"},
+                        {"no length", document, number(0), "TMLV"},
+                        {"into the text", document, number(size - 1), "TMLV"},
+                        {"ahead of the text", document, number(size + 1), "TMLV"},
+                        {"ahead of the file", document, number(size + 64), "TMLV"},
+                        {"beyond all files", document, number(0xffffffff), "TMLV"},
+                        {"the other end first", document, number(qToBigEndian(size)), "TMLV"},
+                        {"first of the magic", document, number(size), "tMLV"},
+                        {"last of the magic", document, number(size), "TMLv"},
+                        {"magic backwards", document, number(size), "VLMT"},
+                        {"text that is none", beginning(">"), number(size), "TMLV"},
+                        {"no package", QByteArray(document).replace("pkgurl", "pkgura"), number(size), "TMLV"},
+                        {"zeros", QByteArray(int(size), '\0'), number(size), "TMLV"}};
+    for (const Row& row : rows)
+        for (int more = 0; more < 4; ++more) {
+            // Another byte ahead of the text each time, and so each remainder of the length.
+            const QByteArray bitmap(8 + more, 'b');
+            write(path, bitmap + row.text + row.length + row.magic);
+            const bool isWhole = (bitmap.size() + size + 8) % 4 == 0;
+            MetadataLoader loader(notAsked);
+            const bool isSound = row.text == document && row.length == number(size) && row.magic == "TMLV";
+            EXPECT_EQ(loader.load(path).has_value(), isSound && isWhole) << row.what << ' ' << more;
+            EXPECT_EQ(loader.error(), isSound && isWhole ? "" : "Vellor Metadata loading failed")
+                << row.what << ' ' << more;
+        }
+}
+
+TEST(Metadata, TheHashTellsValuesApartWhereverTheyStand)
+{
+    const auto hashes = [](quint32 choices, float value) {
+        Export run;
+        run.value = value;
+        run.run(Choices::fromBits(choices));
+        QSet<QByteArray> found;
+        for (const auto& bitmap : run.bitmaps) {
+            QFile file(bitmap.path);
+            EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+            const QByteArray text = file.readAll();
+            const int from = text.indexOf(" hash=\"");
+            EXPECT_GT(from, 0);
+            found.insert(text.mid(from, text.indexOf('"', from + 7) - from));
+        }
+        return found;
+    };
+    const QSet<QByteArray> embedded = hashes(0x000000, 0.25f);
+    EXPECT_EQ(embedded.size(), 1);
+    EXPECT_EQ(hashes(0x000100, 0.25f), embedded) << "values only once";
+    EXPECT_EQ(hashes(0x000200, 0.25f), embedded) << "values in files";
+    EXPECT_FALSE(hashes(0x000200, 0.5f).intersects(embedded)) << "other values";
+    const QSet<QByteArray> referred = hashes(0x020000, 0.25f);
+    EXPECT_FALSE(referred.intersects(embedded)) << "the archive's name in place of its bytes";
+    EXPECT_EQ(hashes(0x010000, 0.25f), embedded + referred) << "in one bitmap its bytes";
+}
+
+TEST(Metadata, WhatCannotBeWrittenBesideABitmapIsLeftOut)
+{
+    const QTemporaryDir folder;
+    BitmapMetadata metadata;
+    metadata.beside = {{folder.filePath("none/a.vlrmeta"), "a"}, {folder.filePath("b.vlrprs"), "b"}};
+    EXPECT_EQ(metadata.writeBeside(), "");
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files), QStringList("b.vlrprs"));
 }
 
 TEST(Metadata, TheBaseColourHoldsWhatIsEmbeddedOnce)
