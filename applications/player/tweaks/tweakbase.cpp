@@ -34,7 +34,7 @@ TweakBase::TweakBase(quint32 type, const TweakContext& context, QWidget* parent,
     auto* row = new QHBoxLayout(this);
     row->setSpacing(0);
     row->setContentsMargins(15, 1, 2, 1);
-    row->addWidget(m_pinButton, 0);
+    row->addWidget(m_pinButton, 0, Qt::AlignVCenter); // or its height would be the row's
     row->addWidget(m_captionLabel, 2, Qt::AlignLeft);
     row->addLayout(m_rightColumn, 5);
     m_rightColumn->setSpacing(1);

@@ -80,6 +80,8 @@ protected:
     virtual void parseInputGui(const QDomElement& element) = 0;
     virtual void updateInputFromWidget() = 0;
     virtual void updateWidgetFromInput() = 0;
+    // For assistive technology: every widget by the caption.
+    virtual void nameWidgets();
 
     // Where every edit of the user ends.
     void onWidgetValue();
@@ -108,7 +110,6 @@ private:
     void readTexts(const QDomElement& element);
     QString diagnosticToolTip(const QDomElement& element, bool labelled, const QString& description) const;
     void setPlainCaption(const QString& caption);
-    void nameWidgets();
 
     QToolButton* m_pinButton;
     Orn::Gui::ElidedLabel* m_captionLabel;

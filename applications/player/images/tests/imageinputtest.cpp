@@ -80,6 +80,25 @@ TEST(ImageInput, PreparesByMode)
     EXPECT_EQ(canvas.pixels, (std::vector<int>{1, 2, 3, 4, 5, 6, 0, 0, 0}));
 }
 
+TEST(ImageInput, PaddingKeepsItsAlpha)
+{
+    const auto surface = QSharedPointer<Surface>::create(SurfaceDescription(1, 1, RGBA8));
+    std::fill_n(surface->data(), 4, std::uint8_t(255));
+    ImageInput input;
+    input.setSource(surface);
+    for (const int alpha : {0, 51}) {
+        ImageOptions options;
+        options.flags = ImageOptions::Exact;
+        options.paddingColor = QColor(255, 0, 0, alpha);
+        input.setOptions(options);
+        const VellorTexture* texture = input.prepare(2, 1);
+        ASSERT_NE(texture, nullptr);
+        const auto* pixels = static_cast<const std::uint8_t*>(texture->buffer);
+        EXPECT_EQ(std::vector<int>(pixels, pixels + 8),
+                  (std::vector<int>{255, 255, 255, 255, 255, 0, 0, alpha}));
+    }
+}
+
 TEST(ImageInput, PreparesOnceForOneSize)
 {
     ImageInput input = inputWith(ImageOptions::Exact);

@@ -54,6 +54,8 @@ void FileFollower::onQuiet()
     watch();
     if (QFileInfo(m_path).isFile())
         emit contentChanged();
+    else
+        emit vanished();
 }
 
 } // namespace Zph::Applications::Player

@@ -6,8 +6,8 @@
 namespace Zph::Applications::Player {
 
 // Tells when one file has new content, however it came there: written over, replaced by another file of that
-// name, or deleted and made anew. Speaks once, when nothing has happened to the file for a moment, so that
-// nobody reads what is half-written. Main thread.
+// name, or deleted and made anew; and when it is gone. Speaks once, when nothing has happened to the file for
+// a moment, so that nobody reads what is half-written. Main thread.
 class FileFollower : public QObject
 {
     Q_OBJECT
@@ -20,6 +20,7 @@ public:
 
 signals:
     void contentChanged();
+    void vanished();
 
 private:
     void watch();

@@ -1,6 +1,7 @@
 #include "applications/player/images/widgets/imagerescale.h"
 
 #include "applications/player/images/widgets/imageserverbase.h"
+#include "orncommon/gui/color/checkerboard.h"
 
 #include <QCheckBox>
 #include <QColorDialog>
@@ -30,11 +31,8 @@ constexpr int checkSize = 7; // a square of the board that shows through a paddi
 QPixmap swatch(const QColor& color, const QSize& size)
 {
     QPixmap pixmap(size);
-    pixmap.fill(Qt::white);
     QPainter painter(&pixmap);
-    for (int y = 0; y < size.height(); y += checkSize)
-        for (int x = (y / checkSize % 2) * checkSize; x < size.width(); x += 2 * checkSize)
-            painter.fillRect(x, y, checkSize, checkSize, QColor(0xb0, 0xb0, 0xb0));
+    painter.fillRect(pixmap.rect(), Orn::Gui::checkerboardBrush(checkSize));
     painter.fillRect(pixmap.rect(), color);
     return pixmap;
 }
@@ -57,6 +55,7 @@ ImageRescale::ImageRescale(const ImageOptions& options, QWidget* parent)
     m_mosaicCheck->setToolTip(tr("Fill the space around the image with copies of it."));
     m_colorButton->setMinimumHeight(colorButtonHeight);
     m_colorButton->setIconSize(colorIconSize);
+    m_colorButton->setAutoDefault(false); // Enter applies, wherever it is pressed
     m_colorButton->setToolTip(tr("Choose the color of the space around the image."));
 
     auto* form = new QFormLayout;
@@ -128,7 +127,8 @@ void ImageRescale::setPanel(QWidget* panel)
     line->setFixedHeight(1);
     m_layout->insertWidget(m_buttonsPlace, line);
     m_layout->insertWidget(m_buttonsPlace + 1, panel);
-    setTabOrder(m_cropBottom, panel);
+    // Given the panel, Qt would place that alone, and leave its widget behind the buttons.
+    setTabOrder(m_cropBottom, panel->focusProxy() ? panel->focusProxy() : panel);
 }
 
 ImageOptions ImageRescale::options() const

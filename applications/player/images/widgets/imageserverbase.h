@@ -32,12 +32,17 @@ public:
     // Gives surface(), and whether there is one.
     virtual bool grabFrame(ImagePtr& image) = 0;
 
+    // surface() is what its file holds; not so while that is gone or can't be read.
+    bool isUpToDate() const { return m_isUpToDate; }
+
     // A type of event.
     static constexpr int applyPanel = 1010;
 
 signals:
     // The file of the picture has changed, and surface() is what it holds now.
     void fileChangedNotification();
+    // The file is gone or can't be read any more; surface() stays.
+    void fileLostNotification();
 
 protected:
     explicit ImageServerBase(QObject* parent);
@@ -48,8 +53,12 @@ protected:
     const ImagePtr& currentSurface() const { return m_currentSurface; }
 
 private:
+    void reread();
+    void setLost();
+
     QString m_path;
     FileFollower m_watcher;
+    bool m_isUpToDate = false;
     ImagePtr m_currentSurface;
 };
 

@@ -6,7 +6,6 @@
 
 #include <QCoreApplication>
 #include <QPointer>
-#include <QStringList>
 
 #include <vector>
 
@@ -44,19 +43,23 @@ std::unique_ptr<ImageServerBase> createImageServer(const QString& path, QObject*
     return nullptr;
 }
 
-QString imageServerFileFilter()
+QStringList imageServerPatterns()
 {
     QStringList patterns;
-    QString kinds;
-    for (const auto& factory : factories()) {
-        const QString filters = factory->filters();
-        patterns += filters.split(' ', Qt::SkipEmptyParts);
-        kinds += QStringLiteral(";;%1 (%2)").arg(factory->name(), filters);
-    }
+    for (const auto& factory : factories())
+        patterns += factory->filters().split(' ', Qt::SkipEmptyParts);
     patterns.removeDuplicates();
+    return patterns;
+}
+
+QString imageServerFileFilter()
+{
+    QString kinds;
+    for (const auto& factory : factories())
+        kinds += QStringLiteral(";;%1 (%2)").arg(factory->name(), factory->filters());
     return QCoreApplication::translate("Zph::Applications::Player::ImageServer",
                                        "All supported types (%1)%2;;All files (*.*)")
-        .arg(patterns.join(' '), kinds);
+        .arg(imageServerPatterns().join(' '), kinds);
 }
 
 } // namespace Zph::Applications::Player

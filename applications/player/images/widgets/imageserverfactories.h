@@ -2,6 +2,8 @@
 
 #include "applications/player/images/widgets/imageserverfactorybase.h"
 
+#include <QStringList>
+
 #include <memory>
 
 // The program's one list of factories. Main thread.
@@ -17,6 +19,9 @@ void registerDefaultImageServerFactories();
 
 // The server of the first factory that makes one; null when none does.
 std::unique_ptr<ImageServerBase> createImageServer(const QString& path, QObject* parent);
+
+// Of the names of all files that a factory may know: "*.png", "*.tga"...
+QStringList imageServerPatterns();
 
 // Of a file dialog: everything at once, each factory's files, all files.
 QString imageServerFileFilter();

@@ -191,19 +191,20 @@ TEST(Metadata, EveryFieldOfATrailerCountsAtEveryLength)
         QByteArray length;
         QByteArray magic;
     };
-    const Row rows[] = {{"sound", document, number(size), "TMLV"},
-                        {"no length", document, number(0), "TMLV"},
-                        {"into the text", document, number(size - 1), "TMLV"},
-                        {"ahead of the text", document, number(size + 1), "TMLV"},
-                        {"ahead of the file", document, number(size + 64), "TMLV"},
-                        {"beyond all files", document, number(0xffffffff), "TMLV"},
-                        {"the other end first", document, number(qToBigEndian(size)), "TMLV"},
-                        {"first of the magic", document, number(size), "tMLV"},
-                        {"last of the magic", document, number(size), "TMLv"},
-                        {"magic backwards", document, number(size), "VLMT"},
-                        {"text that is none", beginning(">"), number(size), "TMLV"},
-                        {"no package", QByteArray(document).replace("pkgurl", "pkgura"), number(size), "TMLV"},
-                        {"zeros", QByteArray(int(size), '\0'), number(size), "TMLV"}};
+    const Row rows[] = {
+        {"sound", document, number(size), "TMLV"},
+        {"no length", document, number(0), "TMLV"},
+        {"into the text", document, number(size - 1), "TMLV"},
+        {"ahead of the text", document, number(size + 1), "TMLV"},
+        {"ahead of the file", document, number(size + 64), "TMLV"},
+        {"beyond all files", document, number(0xffffffff), "TMLV"},
+        {"the other end first", document, number(qToBigEndian(size)), "TMLV"},
+        {"first of the magic", document, number(size), "tMLV"},
+        {"last of the magic", document, number(size), "TMLv"},
+        {"magic backwards", document, number(size), "VLMT"},
+        {"text that is none", beginning(">"), number(size), "TMLV"},
+        {"no package", QByteArray(document).replace("pkgurl", "pkgura"), number(size), "TMLV"},
+        {"zeros", QByteArray(int(size), '\0'), number(size), "TMLV"}};
     for (const Row& row : rows)
         for (int more = 0; more < 4; ++more) {
             // Another byte ahead of the text each time, and so each remainder of the length.

@@ -1,16 +1,24 @@
 #include "applications/player/tweaks/tweakimage.h"
 #include "applications/player/images/imageinput.h"
+#include "applications/player/images/widgets/imagerescale.h"
 #include "applications/player/images/widgets/imageserverfactories.h"
+#include "applications/player/images/widgets/imageserverseq.h"
+#include "applications/player/tweaks/filebutton.h"
 #include "applications/player/tweaks/tests/tweakfixture.h"
 #include "applications/player/tweaks/tweakslist.h"
+#include "orncommon/core/settingkey.h"
 #include "orncommon/image/codec/defaultcodecs.h"
 #include "orncommon/image/codec/surfacecodecmanager.h"
 
 #include <QApplication>
+#include <QDialogButtonBox>
+#include <QDragEnterEvent>
+#include <QFileDialog>
 #include <QImage>
 #include <QInputDialog>
 #include <QMenu>
 #include <QMessageBox>
+#include <QMimeData>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
@@ -84,6 +92,8 @@ TEST_F(ImageRow, OpensAndResets)
     EXPECT_EQ(applied(*tweak), (Got{4, 200}));
     EXPECT_EQ(row.find<QPushButton>()->text(), "a && b.png");
     EXPECT_EQ(tweak->filePath(), path);
+    const Orn::Core::SettingKey<QString> setting{QStringLiteral("session/tweakImagePath"), {}};
+    EXPECT_EQ(setting.read(), folder.path());
     EXPECT_FALSE(tweak->isDefault() || tweak->isTimeDependent());
 
     const std::shared_ptr<ImageSource> before = engine.images[3];
@@ -153,6 +163,134 @@ TEST_F(ImageRow, SequencesFollowTheTimeAndFilesTheirContent)
     put("f2.png", QColor(220, 0, 0));
     EXPECT_TRUE(QTest::qWaitFor([&] { return row.changes.size() == 3; }));
     EXPECT_EQ(applied(*tweak), (Got{4, 220}));
+}
+
+TEST_F(ImageRow, FramesThatVanishAreGrey)
+{
+    Row row(5, "<input/>");
+    auto* tweak = row.as<TweakImage>();
+    for (const char* name : {"f1.png", "f2.png", "f3.png"})
+        put(name, QColor(100, 0, 0));
+    answer<QInputDialog>([](QInputDialog& dialog) { dialog.accept(); });
+    ASSERT_TRUE(tweak->open(folder.filePath("f1.png")));
+    ASSERT_TRUE(QFile::remove(folder.filePath("f2.png")) && QFile::resize(folder.filePath("f3.png"), 50));
+    const float frame = 1 / ImageServerSeq::lastSequenceFps;
+    for (const int number : {1, 2}) {
+        tweak->setTimeChanged(float(number) * frame);
+        EXPECT_EQ(applied(*tweak), (Got{512, 0xa8})) << number;
+        EXPECT_TRUE(row.find<FileButton>()->isMissing());
+    }
+    tweak->setTimeChanged(0);
+    EXPECT_EQ(applied(*tweak), (Got{4, 100}));
+    EXPECT_FALSE(row.find<FileButton>()->isMissing());
+    EXPECT_EQ(row.changes.size(), 4u);
+}
+
+TEST_F(ImageRow, OptionsCountWhereTheyChangeAPicture)
+{
+    Row row(5, "<input/>");
+    auto* tweak = row.as<TweakImage>();
+    const auto chooseMode = [&](int index, bool accept) {
+        answer<ImageRescale>([index, accept](ImageRescale& dialog) {
+            dialog.findChild<QComboBox*>()->setCurrentIndex(index);
+            accept ? dialog.accept() : dialog.reject();
+        });
+        tweak->optionsSlot();
+    };
+    chooseMode(2, true);
+    EXPECT_TRUE(row.changes.empty()) << "no picture yet";
+    tweak->open(put("photo.png", QColor(200, 0, 0)));
+    EXPECT_EQ(applied(*tweak).width, 8) << "not rescaled";
+    chooseMode(0, false);
+    chooseMode(2, true);
+    EXPECT_EQ(row.changes.size(), 1u) << "nothing changed";
+    chooseMode(0, true);
+    EXPECT_EQ(row.changes.size(), 2u);
+    EXPECT_EQ(applied(*tweak).width, 4);
+}
+
+TEST_F(ImageRow, BrowsingBeginsWhereItEnded)
+{
+    Row row(5, "<input/>");
+    auto* tweak = row.as<TweakImage>();
+    const QString path = put("photo.png", QColor(200, 0, 0));
+    tweak->open(path);
+    tweak->resetToDefault();
+    answer<QFileDialog>([&](QFileDialog& dialog) {
+        EXPECT_EQ(dialog.windowTitle(), "Open input image/animation");
+        EXPECT_EQ(dialog.directory(), QDir(folder.path()));
+        EXPECT_EQ(dialog.nameFilters(), imageServerFileFilter().split(";;"));
+        dialog.findChild<QLineEdit*>("fileNameEdit")->setText("photo.png");
+        dialog.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Open)->click();
+    });
+    tweak->browseFile();
+    EXPECT_EQ(tweak->filePath(), path);
+}
+
+TEST_F(ImageRow, TakesWhatIsDroppedOnItself)
+{
+    Row row(5, "<input/>");
+    auto* tweak = row.as<TweakImage>();
+    const auto send = [&](auto&& event) {
+        QApplication::sendEvent(tweak, &event);
+        return event.isAccepted();
+    };
+    const auto enter = [&](const QMimeData& data) {
+        QDragEnterEvent event(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        event.ignore();
+        return send(event);
+    };
+    QMimeData other, frames;
+    other.setUrls({QUrl::fromLocalFile(folder.filePath("p.vlrar"))});
+    EXPECT_FALSE(enter(other)) << "the window's";
+    EXPECT_FALSE(tweak->property("dropTarget").toBool());
+    put("f2.png", QColor(200, 0, 0));
+    put("f1.png", QColor(100, 0, 0));
+    frames.setUrls({QUrl::fromLocalFile(folder.path())});
+    EXPECT_TRUE(enter(frames));
+    EXPECT_TRUE(tweak->property("dropTarget").toBool());
+    QDragLeaveEvent leave;
+    send(leave);
+    EXPECT_FALSE(tweak->property("dropTarget").toBool());
+    EXPECT_TRUE(enter(frames));
+    EXPECT_TRUE(send(QDropEvent(QPoint(5, 5), Qt::CopyAction, &frames, Qt::LeftButton, Qt::NoModifier)));
+    EXPECT_FALSE(tweak->property("dropTarget").toBool());
+    EXPECT_TRUE(tweak->isDefault()) << "not before the event is over";
+    QTimer::singleShot(0, [] { answer<QInputDialog>([](QInputDialog& dialog) { dialog.accept(); }); });
+    EXPECT_TRUE(QTest::qWaitFor([&] { return tweak->isTimeDependent(); }));
+    EXPECT_EQ(tweak->filePath(), folder.filePath("f1.png"));
+}
+
+TEST_F(ImageRow, ShowsAThumbnailThatPalesWithoutItsFile)
+{
+    Row row(5, "<input identifier='photo'/>");
+    auto* tweak = row.as<TweakImage>();
+    auto* button = row.find<FileButton>();
+    const int height = button->sizeHint().height();
+    const auto colour = [&] { return button->thumbnail().toImage().pixelColor(3, 3); };
+    const QString path = put("photo.png", QColor(200, 0, 0)); // 4 x 2
+    ASSERT_TRUE(tweak->open(path));
+    EXPECT_GE(button->sizeHint().height(), FileButton::thumbnailSide) << height;
+    EXPECT_TRUE(QTest::qWaitFor([&] { return colour() == QColor(200, 0, 0); }));
+    EXPECT_EQ(button->thumbnail().size(), QSize(FileButton::thumbnailSide, FileButton::thumbnailSide / 2));
+    EXPECT_EQ(button->toolTip(), path);
+    EXPECT_EQ(button->accessibleDescription(), "photo.png");
+
+    put("photo.png", QColor(0, 0, 200));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return colour() == QColor(0, 0, 200); }));
+    ASSERT_TRUE(QFile::remove(path));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return button->isMissing(); }));
+    EXPECT_EQ(button->accessibleDescription(), "photo.png, missing");
+    EXPECT_EQ(colour(), QColor(0, 0, 200));
+    EXPECT_EQ(row.changes.size(), 2u) << "the picture is still the same";
+    put("photo.png", QColor(0, 200, 0));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !button->isMissing() && colour() == QColor(0, 200, 0); }));
+
+    tweak->resetToDefault();
+    QApplication::processEvents();
+    EXPECT_TRUE(button->thumbnail().isNull());
+    EXPECT_EQ(button->sizeHint().height(), height);
+    EXPECT_EQ(row.find<QToolButton>(1)->accessibleName(), "Image options of 'photo'");
 }
 
 TEST_F(ImageRow, TakesDroppedFiles)

@@ -1,11 +1,13 @@
 #include "applications/player/images/widgets/imagerescale.h"
 #include "applications/player/images/widgets/imageserverseq.h"
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDoubleSpinBox>
 #include <QPushButton>
 #include <QSpinBox>
+#include <QTest>
 #include <gtest/gtest.h>
 
 namespace {
@@ -57,6 +59,35 @@ TEST(ImageRescale, OffersWhatTheModeUses)
     EXPECT_EQ(dialog.options().flags, quint32(ImageOptions::Exact | ImageOptions::Mosaic));
     choose(0);
     EXPECT_FALSE(mosaic->isEnabled());
+}
+
+TEST(ImageRescale, IsReachedByKeysInTheOrderOfItsRows)
+{
+    ImageServerSeq server({"f*.png", 1, 1, 3}, nullptr);
+    ImageRescale dialog(optionsWith(ImageOptions::Exact));
+    dialog.setPanel(server.createPanel(&dialog));
+    dialog.show();
+    QApplication::setActiveWindow(&dialog);
+    dialog.findChild<QComboBox*>()->setFocus();
+    std::string reached;
+    for (int i = 0; i < 10; ++i) {
+        const QWidget* widget = dialog.focusWidget();
+        const auto* button = qobject_cast<const QAbstractButton*>(widget);
+        reached +=
+            (button && !button->text().isEmpty() ? button->text() : widget->accessibleName()).toStdString() +
+            '\n';
+        QTest::keyClick(dialog.focusWidget(), Qt::Key_Tab);
+    }
+    EXPECT_EQ(reached,
+              "Rescale\n Mosaic filling\nPadding color\nPixels cut off at the top\nPixels cut off at "
+              "the left\nPixels cut off at the right\nPixels cut off at the bottom\nFrame rate:\n"
+              "Apply\nCancel\n");
+    dialog.findChild<QPushButton*>(QString(), Qt::FindDirectChildrenOnly)->setFocus();
+    QTest::keyClick(dialog.focusWidget(), Qt::Key_Return);
+    EXPECT_EQ(dialog.result(), QDialog::Accepted) << "Enter, wherever it is pressed";
+    dialog.show();
+    QTest::keyClick(&dialog, Qt::Key_Escape);
+    EXPECT_EQ(dialog.result(), QDialog::Rejected);
 }
 
 TEST(ImageRescale, ThePanelCountsWhenItIsAccepted)

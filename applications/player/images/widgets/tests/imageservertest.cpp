@@ -42,6 +42,13 @@ std::unique_ptr<ImageServerBase> createAnswering(const QString& path, bool accep
     QTimer::singleShot(0, [&] {
         auto* dialog = qobject_cast<QInputDialog*>(QApplication::activeModalWidget());
         ASSERT_NE(dialog, nullptr);
+        EXPECT_EQ(dialog->windowTitle(), "Image sequence");
+        EXPECT_EQ(dialog->labelText(),
+                  "Image sequence found. Please confirm the number of frames (or Cancel to "
+                  "use still image only):");
+        EXPECT_EQ(dialog->intMinimum(), 1);
+        EXPECT_EQ(dialog->intMaximum(), 2147483647);
+        EXPECT_EQ(dialog->intStep(), 1);
         proposed = dialog->intValue();
         accept ? dialog->accept() : dialog->reject();
     });
@@ -126,13 +133,18 @@ TEST_F(ImageServer, FollowsItsFile)
     put("other.png", Qt::blue);
     ASSERT_EQ(std::rename(qPrintable(folder.filePath("other.png")), qPrintable(path)), 0);
     expectColor(Qt::blue, "replaced");
+    EXPECT_TRUE(server->isUpToDate());
+    int lost = 0;
+    QObject::connect(server.get(), &ImageServerBase::fileLostNotification, [&] { ++lost; });
     ASSERT_TRUE(QFile::remove(path));
-    QTest::qWait(300);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return lost == 1; })) << "gone";
+    EXPECT_FALSE(server->isUpToDate());
     EXPECT_EQ(colorOf(*server), QColor(Qt::blue)) << "gone";
     put("still.png", Qt::yellow);
     expectColor(Qt::yellow, "made anew");
+    EXPECT_TRUE(server->isUpToDate());
     ASSERT_TRUE(QFile::resize(path, 40));
-    QTest::qWait(300);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return lost == 2; })) << "cut off";
     EXPECT_EQ(told, 0) << "cut off";
     EXPECT_EQ(colorOf(*server), QColor(Qt::yellow)) << "cut off";
     put("still.png", Qt::red);
