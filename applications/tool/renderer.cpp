@@ -138,7 +138,7 @@ void Renderer::encode(RenderedOutput& rendered, const ExportPlan::File& file,
     QElapsedTimer clock;
     clock.start();
     const SurfacePtr picture = makePicture();
-    const QString error = picture ? file.write(picture) : "there is no memory for the picture";
+    const QString error = picture ? file.write(picture).text : "there is no memory for the picture";
     const double seconds = double(clock.nsecsElapsed()) * 1e-9;
     const QByteArray hash = picture && m_settings.wantsHashes ? pixelHash(*picture) : QByteArray();
     const std::lock_guard lock(m_mutex);

@@ -231,6 +231,8 @@ def check_templates(place):
     check("report of a packed file", entries[0]["name"] == "occlusionRoughnessMetallic" and entries[0]["outputs"] == ["r", "m"] and
           entries[0]["hash"] == hashlib.md5(bytes((255, 51, 204)) * 8).hexdigest() and entries[0]["size"] == [4, 2] and
           entries[0]["bytes"] == (place.folder / entries[0]["file"]).stat().st_size, entries)
+    told = place.run("metal.vlr", "-o", "hdrp", "--template", "unity-hdrp")
+    check("nobody misses a detail mask", told.stderr == "vellor: note: pkg://metal has no output ambientocclusion, so g of MaskMap is 1 everywhere\n", told)
     place.run("metal.vlr", "-o", "unreal", "--template", "unreal")
     check("green down", place.png("unreal/T_metal_Normal.png")[4] == (102, 51, 255), place.files("unreal"))
     place.run("metal.vlr", "-o", "unity", "--template", "unity-urp")
@@ -243,6 +245,7 @@ def check_templates(place):
     own.mkdir(parents=True)
     (own / "mine.json").write_text('{"files": [{"name": "Mix", "channels": {"rgb": "basecolor", "a": "height"}}]}')
     (place.folder / "broken.json").write_text("{\n  files")
+    (place.folder / "soft.json").write_text('{"files": [{"name": "Soft", "channels": {"rgb": "normal", "a": "roughness"}}]}')
     home = dict(os.environ, XDG_DATA_HOME=str(place.folder))
     words = ["wall.vlr", "--template", "mine", "--set", "tint=#ff8000", "--frames", "9-10", "--fps", "20"]
     for words_of_metadata in ([], ["--metadata", "embedded"]):
@@ -256,6 +259,7 @@ def check_templates(place):
     listed = subprocess.run([place.vellor, "templates"], env=home, capture_output=True, text=True)
     check("list", listed.returncode == 0 and listed.stdout.count("\n") == 9 and str(own / "mine.json") in listed.stdout, listed)
     for words, code, message in [
+            (["--template", "soft.json", "--format", "jpg"], 1, "Soft: files of the format jpg hold no alpha"),
             (["--template", "none"], 1, "there is no template 'none'; there are blender, gltf"),
             (["--template", "broken.json"], 2, "broken.json: line 2, column "), (["--template", "gone.json"], 2, "gone.json: "),
             (["--template", "gltf", "--format", "tga"], 1, "--format: the template says that"),

@@ -10,15 +10,15 @@
 
 namespace Zph::Applications::Player {
 
-QString ExportPlan::File::write(const SurfacePtr& surface) const
+PictureFileError ExportPlan::File::write(const SurfacePtr& surface) const
 {
     if (path.isEmpty())
         return {};
     PictureFileOptions options = picture;
     if (!metadata.embedded.isEmpty())
         options.trailer = [this](qint64 size) { return metadataTrailer(metadata.embedded, size); };
-    const QString error = writePictureFile(surface, path, options);
-    return error.isEmpty() ? metadata.writeBeside() : error;
+    const PictureFileError error = writePictureFile(surface, path, options);
+    return error ? error : PictureFileError{metadata.writeBeside()};
 }
 
 ExportPlan::ExportPlan(const PackageModel& package, const QVector<PackageOutput>& outputs,

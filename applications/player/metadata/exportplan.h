@@ -37,8 +37,8 @@ public:
         BitmapMetadata metadata;
         PictureFileOptions picture;
 
-        // Returns an empty text, or what went wrong. Any thread.
-        QString write(const SurfacePtr& surface) const;
+        // Any thread.
+        PictureFileError write(const SurfacePtr& surface) const;
     };
 
     // `outputs` may have numbers among them, which have no file; those of a packing are its own. Of `made`,

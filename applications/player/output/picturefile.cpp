@@ -212,6 +212,12 @@ QVector<PictureDepth> depthsOf(const QString& format)
     return {Depth::Bits8, Depth::Bits16, Depth::Half, Depth::Float};
 }
 
+bool holdsAlpha(const QString& format)
+{
+    static const QStringList without = {"jpg", "jpeg", "jif", "jpe", "hdr", "wap", "wbm", "wbmp"};
+    return !without.contains(format);
+}
+
 QString depthName(PictureDepth depth)
 {
     static const char* const names[] = {"", "8", "16", "16f", "32f"};
@@ -248,25 +254,28 @@ QVariantMap withQuality(int quality)
     return options;
 }
 
-QString writePictureFile(const SurfacePtr& picture, const QString& path, const PictureFileOptions& options)
+PictureFileError writePictureFile(const SurfacePtr& picture, const QString& path,
+                                  const PictureFileOptions& options)
 {
+    if (options.cancelled && *options.cancelled)
+        return {translated("cancelled")};
     const SurfacePtr source = picture ? converted(picture, options.depth) : picture;
     if (!source || source->isEmpty())
-        return translated("there is no memory for the picture");
+        return {translated("there is no memory for the picture")};
     FileOnItsWay file(path, options.cancelled);
     if (!file.open())
-        return file.reason();
+        return {file.reason()};
     const QByteArray format = options.format.toLatin1();
     const auto writer = SurfaceCodecManager::instance().createWriter(file.device(), format);
     if (!writer)
-        return translated("pictures can't be written in the format '%1'").arg(options.format);
+        return {translated("pictures can't be written in the format '%1'").arg(options.format), true};
     const SurfaceCodecOptions codec = codecOptions(format, *source, options.codec);
     const bool isEncoded = writer->write(source, &codec);
     if (!isEncoded && !file.hasFailed())
-        return translated("the picture can't be written in the format '%1'").arg(options.format);
+        return {translated("the picture can't be written in the format '%1'").arg(options.format)};
     if (isEncoded && options.trailer && file.device().seek(file.device().size()))
         file.device().write(options.trailer(file.device().size()));
-    return file.finish();
+    return {file.finish()};
 }
 
 } // namespace Zph::Applications::Player

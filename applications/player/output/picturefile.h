@@ -31,6 +31,9 @@ QStringList pictureFormats();
 // which nothing is known.
 QVector<PictureDepth> depthsOf(const QString& format);
 
+// Whether files of a format keep alpha; true for a format of which nothing is known.
+bool holdsAlpha(const QString& format);
+
 // What people call a depth: "8", "16", "16f" and "32f"; empty for PictureDepth::OfPicture, which has no name.
 QString depthName(PictureDepth depth);
 std::optional<PictureDepth> depthFromName(const QString& name);
@@ -52,10 +55,18 @@ struct PictureFileOptions
     QVariantMap codec = {};
 };
 
+// Why a picture could not be written.
+struct PictureFileError
+{
+    QString text;                 // empty: it was
+    bool isFormatUnknown = false; // no codec writes the format
+
+    explicit operator bool() const { return !text.isEmpty(); }
+};
+
 // Writes a picture through a temporary file in the folder of `path`, which takes the place of `path` only
-// when all of it is there. Returns an empty text, or what went wrong; then what stood at `path` is as it was.
-// Any thread.
-QString writePictureFile(const QSharedPointer<Orn::Surfaces::Surface>& picture, const QString& path,
-                         const PictureFileOptions& options);
+// when all of it is there. Where that fails, what stood at `path` is as it was. Any thread.
+PictureFileError writePictureFile(const QSharedPointer<Orn::Surfaces::Surface>& picture, const QString& path,
+                                  const PictureFileOptions& options);
 
 } // namespace Zph::Applications::Player

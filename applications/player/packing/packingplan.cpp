@@ -85,7 +85,7 @@ private:
         const float constant = float(channel.constant.value_or(0.0));
         for (int i = 0; i < partsOf(channel.target).size(); ++i)
             file.channels.append({-1, SourceChannel::Luminance, false, constant});
-        if (!channel.sources.isEmpty())
+        if (isMissed(channel))
             notes.append(note(channel, file, constant));
     }
 
@@ -108,6 +108,13 @@ private:
         file.sources.append(
             {output, holdsNormals(output) ? normalFormatOf(output, m_package, m_valueOf) : -1});
         return file.sources.size() - 1;
+    }
+
+    // Whether people would expect an output there.
+    static bool isMissed(const PackingChannel& channel)
+    {
+        return std::any_of(channel.sources.cbegin(), channel.sources.cend(),
+                           [](const PackingSource& source) { return !source.isOptional; });
     }
 
     static QString note(const PackingChannel& channel, const PlannedFile& file, float constant)
@@ -164,6 +171,10 @@ QString PackingPlan::settle(const QString& format, PictureDepth depth)
             file.format = format;
         if (file.depth == PictureDepth::OfPicture)
             file.depth = depth;
+        if (file.hasAlpha() && !holdsAlpha(file.format))
+            return translated(
+                       "%1: files of the format %2 hold no alpha, and the template puts something there")
+                .arg(file.name, file.format);
         if (file.depth != PictureDepth::OfPicture && !depthsOf(file.format).contains(file.depth))
             return translated("%1: files of the format %2 can't hold the depth %3")
                 .arg(file.name, file.format, depthName(file.depth));

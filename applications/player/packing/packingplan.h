@@ -32,6 +32,7 @@ struct PlannedFile
     QVector<PlannedChannel> channels; // grey; red, green, blue; or these and alpha
     QVector<PlannedSource> sources;   // in the order of the channels, each once; at least one
 
+    bool hasAlpha() const { return channels.size() == 4; }
     // What tokens of a pattern that speak of an output mean, and what metadata calls the file by.
     const PackageOutput& mainOutput() const { return sources.first().output; }
 };
@@ -50,7 +51,7 @@ struct PackingPlan
     bool leavesFormat() const;
     bool leavesDepth() const;
     // Gives the files that lack them a format and a depth, which may be PictureDepth::OfPicture. Returns an
-    // empty text, or which file can't be of the depth.
+    // empty text, or which file can't be of the depth or would lose its alpha.
     QString settle(const QString& format, PictureDepth depth);
 };
 

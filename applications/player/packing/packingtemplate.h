@@ -35,6 +35,7 @@ struct PackingSource
     QString identifier; // or empty
     SourceChannel channel = SourceChannel::Own;
     bool isInverted = false; // 1 - value
+    bool isOptional = false; // few packages have it: nothing is said where it isn't there
 };
 
 // The channels of a file that a template can speak of.

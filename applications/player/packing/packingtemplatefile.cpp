@@ -96,6 +96,14 @@ public:
         return index;
     }
 
+    // False where it isn't there.
+    bool isTrue() const
+    {
+        if (isThere() && !m_value.isBool())
+            expected(translated("true or false"));
+        return m_value.toBool();
+    }
+
 private:
     QJsonValue m_value;
     QString m_name;
@@ -116,7 +124,7 @@ PackingSource readSource(const Place& place)
     }
     if (!place.value().isObject())
         place.expected(translated("a usage, an object or, at the end, a number from 0 to 1"));
-    place.onlyKeys({"usage", "output", "channel", "invert"});
+    place.onlyKeys({"usage", "output", "channel", "invert", "optional"});
     source.usage = place.at("usage").textOrNothing().toLower();
     source.identifier = place.at("output").textOrNothing();
     if (source.usage.isEmpty() == source.identifier.isEmpty())
@@ -124,10 +132,8 @@ PackingSource readSource(const Place& place)
     const Place channel = place.at("channel");
     if (channel.isThere())
         source.channel = SourceChannel(1 + channel.word({"r", "g", "b", "a", "luminance"}));
-    const Place invert = place.at("invert");
-    if (invert.isThere() && !invert.value().isBool())
-        invert.expected(translated("true or false"));
-    source.isInverted = invert.value().toBool();
+    source.isInverted = place.at("invert").isTrue();
+    source.isOptional = place.at("optional").isTrue();
     return source;
 }
 

@@ -180,6 +180,8 @@ void MainWindow::restoreLayout()
 
 void MainWindow::closeEvent(QCloseEvent* event)
 {
+    if (m_render)
+        m_render->close(); // which ends an export
     WindowGeometry::save(*this);
     ShellSettings::layout.write(saveState());
     QMainWindow::closeEvent(event);

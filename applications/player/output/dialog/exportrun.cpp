@@ -65,28 +65,49 @@ void ExportRun::take(quint32 uid, const ValueOrSurfacePlayer& result)
 void ExportRun::post(int file, const ExportPlan::MakePicture& make)
 {
     const ExportPlan::File planned = m_plan.file(file);
-    while (!m_queue.waitForRoom(kPatience))
+    while (!isCancelled() && !m_queue.waitForRoom(kPatience))
         onWait();
     if (isCancelled())
         return;
     ++m_waiting;
     m_queue.post([this, make, planned] {
-        const auto picture = make();
-        const QString error = picture ? planned.write(picture) : tr("there is no memory for the picture");
+        const PictureFileError error = encode(planned, make);
         QMetaObject::invokeMethod(
             this, [this, path = planned.path, error] { encoded(path, error); }, Qt::QueuedConnection);
     });
 }
 
-void ExportRun::encoded(const QString& path, const QString& error)
+PictureFileError ExportRun::encode(const ExportPlan::File& file, const ExportPlan::MakePicture& make) const
+{
+    if (isCancelled())
+        return {tr("cancelled")};
+    const auto picture = make();
+    return picture ? file.write(picture) : PictureFileError{tr("there is no memory for the picture")};
+}
+
+void ExportRun::encoded(const QString& path, const PictureFileError& error)
 {
     --m_waiting;
     ++m_finished;
-    if (error.isEmpty())
+    if (!error)
         emit written(path);
     else if (!isCancelled())
         emit failed(path, error);
     emit fileDone();
+}
+
+void ExportRun::abandon(std::unique_ptr<ExportRun> run, QObject* owner)
+{
+    if (!run || run->m_waiting == 0)
+        return;
+    ExportRun* left = run.release();
+    left->cancel();
+    left->disconnect();
+    left->setParent(owner);
+    connect(left, &ExportRun::fileDone, left, [left] {
+        if (left->m_waiting == 0)
+            left->deleteLater();
+    });
 }
 
 QStringList ExportRun::giveUp()

@@ -8,6 +8,7 @@
 
 #include <atomic>
 #include <functional>
+#include <memory>
 #include <set>
 
 namespace Zph::Applications::Player {
@@ -22,8 +23,12 @@ class ExportRun : public QObject
 public:
     ExportRun(std::shared_ptr<const PackageModel> package, const QVector<PackageOutput>& outputs,
               const ExportChoices& choices, MetadataWriter::Package made);
-    /// Cancels, and waits for the file at hand.
+    /// Cancels, and waits for the files at the encoders.
     ~ExportRun() override;
+    /// Cancels a run that nobody waits for: some formats are encoded in memory, which nothing stops. Nothing
+    /// more is heard of it, none of its files is written any more, and it goes when its encoders are done, or
+    /// with its new owner.
+    static void abandon(std::unique_ptr<ExportRun> run, QObject* owner);
 
     /// Called again and again while take() waits for the encoder.
     std::function<void()> onWait;
@@ -63,13 +68,14 @@ signals:
     /// Behind either of the next two.
     void fileDone();
     void written(const QString& path);
-    void failed(const QString& path, const QString& reason);
+    void failed(const QString& path, const Zph::Applications::Player::PictureFileError& error);
     /// A result that is no picture.
     void invalid(const QString& name);
 
 private:
     void post(int file, const ExportPlan::MakePicture& make);
-    void encoded(const QString& path, const QString& error);
+    PictureFileError encode(const ExportPlan::File& file, const ExportPlan::MakePicture& make) const;
+    void encoded(const QString& path, const PictureFileError& error);
 
     std::shared_ptr<const PackageModel> m_package;
     std::atomic<bool> m_isCancelled{false};

@@ -6,30 +6,29 @@
 #include "applications/player/metadata/exportplan.h"
 #include "applications/player/output/dialog/exportdialogsettings.h"
 #include "applications/player/output/dialog/exportrun.h"
+#include "applications/player/output/dialog/fieldlabel.h"
 #include "applications/player/output/dialog/folderedit.h"
-#include "applications/player/output/dialog/formatoptionsdialog.h"
+#include "applications/player/output/dialog/formatcontrols.h"
 #include "applications/player/output/dialog/metadatacontrols.h"
 #include "applications/player/output/dialog/outputtree.h"
+#include "applications/player/output/dialog/packingtemplatebox.h"
 #include "applications/player/output/dialog/patternmenu.h"
+#include "applications/player/output/dialog/progresspage.h"
 #include "applications/player/output/dialog/timecontrols.h"
-#include "applications/player/packing/packingtemplates.h"
 #include "applications/player/session/static.h"
-#include "orncommon/image/codec/surfacecodecmanager.h"
 
 #include <QCloseEvent>
-#include <QComboBox>
 #include <QDesktopServices>
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QGridLayout>
 #include <QLabel>
-#include <QListWidget>
-#include <QProgressBar>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QStackedWidget>
 #include <QStandardPaths>
 #include <QUrl>
+#include <QVBoxLayout>
 
 #include <algorithm>
 
@@ -39,41 +38,22 @@ namespace {
 
 constexpr QSize kFirstSize(640, 520);
 
-QLabel* labelFor(QWidget* field, const QString& text, QWidget* parent)
-{
-    auto* label = new QLabel(text, parent);
-    label->setBuddy(field);
-    field->setAccessibleName(text.trimmed().remove(':'));
-    return label;
-}
-
 QString firstFolder()
 {
     const QString pictures = QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
     return pictures.isEmpty() ? QDir::homePath() : pictures;
 }
 
-void fillFormats(QComboBox& combo)
-{
-    QMap<QString, QString> descriptions;
-    for (const auto& format : Orn::Image::Codec::SurfaceCodecManager::instance().getWritableFormats())
-        descriptions.insert(format.extension.toLower(), format.description);
-    for (const QString& extension : pictureFormats()) {
-        combo.addItem(extension, extension);
-        combo.setItemData(combo.count() - 1, descriptions.value(extension), Qt::ToolTipRole);
-    }
-}
-
 } // namespace
 
-Render::Render(RenderHost& host, QWidget* parent)
-    : QDialog(parent), m_host(host), m_templates(std::make_unique<PackingTemplates>())
+Render::Render(RenderHost& host, QWidget* parent) : QDialog(parent), m_host(host)
 {
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     setWindowTitle(tr("Export as Bitmap(s)"));
     m_pages = new QStackedWidget(this);
     m_pages->addWidget(makeSettingsPage());
-    m_pages->addWidget(makeProgressPage());
+    m_progress = new ProgressPage(this);
+    m_pages->addWidget(m_progress);
     auto* layout = new QVBoxLayout(this);
     layout->setSpacing(12);
     layout->addWidget(m_pages, 1);
@@ -104,7 +84,7 @@ QWidget* Render::makeSettingsPage()
     layout->addLayout(makePatternRow());
     layout->addLayout(makePackingRow());
     layout->addSpacing(4);
-    layout->addWidget(labelFor(m_tree, tr("Select Output(s) to export:"), page));
+    layout->addWidget(fieldLabel(m_tree, tr("Select Output(s) to export:"), page));
     layout->addWidget(m_tree, 1);
     layout->addWidget(m_example);
     layout->addWidget(m_metadata);
@@ -118,16 +98,12 @@ QLayout* Render::makeFolderRow()
     auto* browse = new QPushButton(tr("Browse..."), this);
     browse->setToolTip(tr("Browse Bitmap(s) destination folder."));
     connect(browse, &QPushButton::clicked, this, &Render::browseDir);
-    m_format = new QComboBox(this);
-    fillFormats(*m_format);
-    m_formatOptions = new QPushButton(tr("Options..."), this);
+    m_format = new FormatControls(this);
     auto* row = new QHBoxLayout;
-    row->addWidget(labelFor(m_folder, tr("Folder:"), this));
+    row->addWidget(fieldLabel(m_folder, tr("Folder:"), this));
     row->addWidget(m_folder, 1);
     row->addWidget(browse);
-    row->addWidget(labelFor(m_format, tr(" Format:"), this));
     row->addWidget(m_format);
-    row->addWidget(m_formatOptions);
     return row;
 }
 
@@ -141,7 +117,7 @@ QLayout* Render::makePatternRow()
     button->setMenu(menu);
     connect(menu, &QMenu::triggered, this, &Render::actionPatternsMenu);
     auto* row = new QHBoxLayout;
-    row->addWidget(labelFor(m_pattern, tr("Base name pattern:"), this));
+    row->addWidget(fieldLabel(m_pattern, tr("Base name pattern:"), this));
     row->addWidget(m_pattern, 1);
     row->addWidget(button);
     return row;
@@ -149,32 +125,12 @@ QLayout* Render::makePatternRow()
 
 QLayout* Render::makePackingRow()
 {
-    m_packing = new QComboBox(this);
-    m_packing->setToolTip(tr("Which channels of which outputs go into which files."));
-    fillTemplates();
+    m_packing = new PackingTemplateBox(this);
     auto* row = new QHBoxLayout;
-    row->addWidget(labelFor(m_packing, tr("Packing template:"), this));
+    row->addWidget(fieldLabel(m_packing, tr("Packing template:"), this));
     row->addWidget(m_packing);
     row->addStretch(1);
     return row;
-}
-
-QWidget* Render::makeProgressPage()
-{
-    auto* page = new QWidget(this);
-    auto* layout = new QVBoxLayout(page);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(8);
-    m_progressText = new QLabel(page);
-    m_progress = new QProgressBar(page);
-    m_progress->setAccessibleName(tr("Progress"));
-    m_results = new QListWidget(page);
-    m_results->setToolTip(tr("Double-click to open result bitmap."));
-    m_results->setAccessibleName(tr("Results"));
-    layout->addWidget(m_progressText);
-    layout->addWidget(m_progress);
-    layout->addWidget(m_results, 1);
-    return page;
 }
 
 QLayout* Render::makeButtons()
@@ -195,15 +151,15 @@ void Render::connectControls()
     connect(m_time, &TimeControls::unitChanged, this, &Render::timeUnitChanged);
     connect(m_time, &TimeControls::timeModified, this, &Render::timeModified);
     connect(m_time, &TimeControls::countModified, this, &Render::timeCountModified);
-    connect(m_format, qOverload<int>(&QComboBox::currentIndexChanged), this, [this] { describePattern(); });
-    connect(m_formatOptions, &QPushButton::clicked, this, &Render::formatOption);
+    connect(m_format, &FormatControls::formatChanged, this, &Render::describePattern);
+    connect(m_format, &FormatControls::optionsWanted, this, &Render::formatOption);
     connect(m_pattern, &QLineEdit::textChanged, this, &Render::describePattern);
     connect(m_packing, qOverload<int>(&QComboBox::activated), this,
-            [this] { setPackingTemplate(m_packing->currentData().toString()); });
+            [this] { setPackingTemplate(m_packing->name()); });
     connect(m_tree, &QTreeWidget::currentItemChanged, this, &Render::outputListCurrent);
     connect(m_tree, &QTreeWidget::itemChanged, this, &Render::outputListSelection);
     connect(m_metadata, &MetadataControls::mainChanged, this, &Render::metaMainChanged);
-    connect(m_results, &QListWidget::itemActivated, this, &Render::openResultItem);
+    connect(m_progress, &ProgressPage::resultActivated, this, &Render::openResultItem);
     connect(m_closeButton, &QPushButton::clicked, this, &Render::cancelSlot);
     connect(m_exportButton, &QPushButton::clicked, this, &Render::startOrGoBack);
 }
@@ -268,11 +224,6 @@ QVector<PackageOutput> Render::selectedOutputs() const
 
 // ---- Settings
 
-QString Render::format() const
-{
-    return m_format->currentData().toString();
-}
-
 std::optional<ExportSettings> Render::exportSettings() const
 {
     return m_document.package ? std::optional(currentSettings()) : std::nullopt;
@@ -283,10 +234,10 @@ ExportSettings Render::currentSettings() const
     ExportSettings settings;
     m_time->write(settings);
     settings.dir = m_folder->folder();
-    settings.format = format();
+    settings.format = m_format->format();
     settings.pattern = m_pattern->text();
     settings.metadataOptions = m_metadata->choices().toBits();
-    settings.quality = m_quality;
+    settings.quality = m_format->quality();
     settings.disabled = m_tree->disabled();
     return settings;
 }
@@ -299,13 +250,12 @@ void Render::applyExportSettings(const ExportSettings& settings)
     m_folder->setFolder(!settings.dir.isEmpty() ? settings.dir
                         : !remembered.isEmpty() ? remembered
                                                 : firstFolder());
-    const int format = m_format->findData(settings.format);
-    m_format->setCurrentIndex(format >= 0 ? format : m_format->findData(ExportSettings().format));
+    m_format->setFormat(settings.format);
     m_pattern->setText(settings.pattern);
     if (settings.pattern.trimmed().isEmpty())
         resetBasenamePattern();
     m_metadata->setChoices(MetadataChoices::fromBits(settings.metadataOptions));
-    m_quality = settings.quality;
+    m_format->setQuality(settings.quality);
     m_tree->setDisabled(settings.disabled);
     describePattern();
 }
@@ -336,25 +286,7 @@ void Render::browseDir()
 
 void Render::formatOption()
 {
-    const QByteArray id =
-        Orn::Image::Codec::SurfaceCodecManager::instance().getFormatOptionIdFromFormat(format().toLatin1());
-    FormatOptionsDialog dialog(format(), {m_quality, m_codecOptions.value(id)}, this);
-    if (dialog.exec() != Accepted)
-        return;
-    m_quality = dialog.values().quality;
-    m_codecOptions[id] = dialog.values().others;
-}
-
-/// What the format's codec is told beside its defaults.
-QVariantMap Render::codecOptions() const
-{
-    const QByteArray id =
-        Orn::Image::Codec::SurfaceCodecManager::instance().getFormatOptionIdFromFormat(format().toLatin1());
-    QVariantMap options = withQuality(m_quality);
-    const QVariantMap chosen = m_codecOptions.value(id);
-    for (auto option = chosen.begin(); option != chosen.end(); ++option)
-        options.insert(option.key(), option.value());
-    return options;
+    m_format->openOptions();
 }
 
 void Render::actionPatternsMenu(QAction* action)
@@ -377,7 +309,7 @@ QString Render::usualPattern() const
 {
     if (!m_document.package)
         return {};
-    const PackingTemplate* packing = chosenTemplate();
+    const PackingTemplate* packing = m_packing->content();
     return packing && !packing->pattern.isEmpty()
                ? packing->pattern
                : defaultBaseNamePattern(*m_document.package, m_document.isTimeDependent);
@@ -385,30 +317,10 @@ QString Render::usualPattern() const
 
 // ---- Packing
 
-void Render::fillTemplates()
-{
-    m_packing->addItem(tr("None (each output is a file)"));
-    for (const PackingTemplates::Entry& entry : m_templates->entries()) {
-        m_packing->addItem(entry.shownName(), entry.name);
-        const int row = m_packing->count() - 1;
-        m_packing->setItemData(row, entry.content ? entry.content->description : entry.error,
-                               Qt::ToolTipRole);
-        if (!entry.content)
-            m_packing->setItemData(row, 0, Qt::UserRole - 1); // no flags: can't be chosen
-    }
-}
-
-/// Null for none.
-const PackingTemplate* Render::chosenTemplate() const
-{
-    const PackingTemplates::Entry* entry = m_templates->find(m_packing->currentData().toString());
-    return entry && entry->content ? &*entry->content : nullptr;
-}
-
 /// Without files where no template is chosen, or where it has none of these outputs.
 PackingPlan Render::packingOf(const QVector<PackageOutput>& outputs) const
 {
-    const PackingTemplate* packing = chosenTemplate();
+    const PackingTemplate* packing = m_packing->content();
     if (!packing)
         return {};
     return planPacking(*packing, *m_document.package, outputs,
@@ -419,7 +331,7 @@ void Render::setPackingTemplate(const QString& name)
 {
     const QString pattern = m_pattern->text().trimmed();
     const bool wasUsual = pattern.isEmpty() || pattern == m_usualPattern;
-    m_packing->setCurrentIndex(std::max(m_packing->findData(name), 0));
+    m_packing->choose(name);
     if (wasUsual)
         resetBasenamePattern();
     describePattern();
@@ -435,7 +347,7 @@ ExportChoices Render::choices() const
     choices.pattern = settings.pattern.trimmed().isEmpty() ? usualPattern() : settings.pattern;
     choices.preset = m_host.lastPreset();
     choices.picture.format = settings.format;
-    choices.picture.codec = codecOptions();
+    choices.picture.codec = m_format->codecOptions();
     choices.isAnimation = m_document.isTimeDependent;
     choices.frames = FrameRange::of(settings);
     choices.metadata = MetadataChoices::fromBits(settings.metadataOptions);
@@ -447,39 +359,42 @@ void Render::describePattern()
 {
     m_example->clear();
     m_example->setToolTip({});
-    const QVector<PackageOutput> selected = selectedOutputs();
     if (!m_document.package)
         return;
     ExportChoices wanted = choices();
     wanted.folder = QStringLiteral("/");
     wanted.metadata = {MetadataChoices::Metadata::Disabled};
-    wanted.packing = packingOf(selected);
-    const bool isFormatOpen = wanted.packing.files.isEmpty() || wanted.packing.leavesFormat();
-    m_format->setEnabled(isFormatOpen);
-    m_formatOptions->setEnabled(isFormatOpen && FormatOptionsDialog::hasOptions(format()));
-    QString notes = wanted.packing.notes.join('\n');
-    const QString problem = wanted.packing.settle(wanted.picture.format, PictureDepth::OfPicture);
-    if (chosenTemplate() && wanted.packing.files.isEmpty()) {
+    wanted.packing = packingOf(selectedOutputs());
+    m_format->setOpen(wanted.packing.files.isEmpty() || wanted.packing.leavesFormat());
+    if (m_packing->content() && wanted.packing.files.isEmpty()) {
         m_example->setText(tr("The template takes none of these outputs."));
         return;
     }
-    const TreeItem* item = m_tree->currentOutput();
-    if (!item)
+    const QString problem = wanted.packing.settle(wanted.picture.format, PictureDepth::OfPicture);
+    const QStringList names = fileNames(wanted);
+    if (names.isEmpty())
         return;
+    const QString text =
+        (names.size() > 1 ? tr("File names: %1") : tr("File name: %1")).arg(names.join(QStringLiteral(", ")));
+    m_example->setText(m_example->fontMetrics().elidedText(problem.isEmpty() ? text : problem, Qt::ElideRight,
+                                                           std::max(m_pages->width(), kFirstSize.width())));
+    m_example->setToolTip((names + wanted.packing.notes).join('\n'));
+}
+
+/// Of the first frame: of all files of a template, or of the current output's.
+QStringList Render::fileNames(const ExportChoices& wanted) const
+{
     QVector<PackageOutput> current;
+    const TreeItem* item = m_tree->currentOutput();
     for (const PackageOutput& output : m_document.package->outputs())
-        if (output.uid == item->uid())
+        if (item && output.uid == item->uid())
             current.append(output);
     ExportPlan plan(*m_document.package, current, wanted, {});
     plan.startFrame(0);
     QStringList names;
     for (int file = 0; file < plan.fileCount(); ++file)
         names << QFileInfo(plan.path(file)).fileName();
-    const QString text =
-        (names.size() > 1 ? tr("File names: %1") : tr("File name: %1")).arg(names.join(QStringLiteral(", ")));
-    m_example->setText(m_example->fontMetrics().elidedText(problem.isEmpty() ? text : problem, Qt::ElideRight,
-                                                           std::max(m_pages->width(), kFirstSize.width())));
-    m_example->setToolTip((names + QStringList(notes)).join('\n').trimmed());
+    return names;
 }
 
 void Render::outputListCurrent()
@@ -522,7 +437,7 @@ void Render::startOrGoBack()
 
 void Render::openResultItem(QListWidgetItem* item)
 {
-    QDesktopServices::openUrl(QUrl::fromLocalFile(item->data(Qt::UserRole).toString()));
+    QDesktopServices::openUrl(QUrl::fromLocalFile(ProgressPage::pathOf(*item)));
 }
 
 void Render::reject()

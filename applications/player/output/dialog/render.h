@@ -6,19 +6,14 @@
 
 #include <QDialog>
 #include <QHash>
-#include <QMap>
 #include <QStringList>
-#include <QVariantMap>
 
 #include <memory>
 #include <set>
 
-class QComboBox;
 class QLabel;
 class QLineEdit;
-class QListWidget;
 class QListWidgetItem;
-class QProgressBar;
 class QPushButton;
 class QStackedWidget;
 
@@ -26,13 +21,15 @@ namespace Zph::Applications::Player {
 
 class ExportRun;
 class FolderEdit;
+class FormatControls;
 class MetadataControls;
 class OutputTree;
-class PackingTemplates;
+class PackingTemplateBox;
+class ProgressPage;
 struct ExportChoices;
 struct PackingPlan;
-struct PackingTemplate;
 struct PackageOutput;
+struct PictureFileError;
 class TimeControls;
 
 /// The dialog that exports the pictures of the document, modeless and only one. Its first page says what is
@@ -115,21 +112,17 @@ private:
     QWidget* makeSettingsPage();
     QLayout* makeFolderRow();
     QLayout* makePatternRow();
-    QWidget* makeProgressPage();
     QLayout* makeButtons();
     void connectControls();
     QLayout* makePackingRow();
-    void fillTemplates();
-    const PackingTemplate* chosenTemplate() const;
     PackingPlan packingOf(const QVector<PackageOutput>& outputs) const;
     QString usualPattern() const;
     ExportChoices choices() const;
     void describePattern();
+    QStringList fileNames(const ExportChoices& wanted) const;
     ExportSettings currentSettings() const;
-    QString format() const;
     QString packageKey() const;
     QVector<PackageOutput> selectedOutputs() const;
-    QVariantMap codecOptions() const;
     void startOrGoBack();
     void setState(State state);
 
@@ -142,7 +135,7 @@ private:
     void nextStep();
     void finish();
     void showProgress();
-    void listResult(const QString& path);
+    void complainOfFile(const QString& path, const PictureFileError& error);
     void complainOfOutput(const QString& name);
 
     struct Complaint
@@ -155,10 +148,7 @@ private:
     RenderDocument m_document;
     QByteArray m_archive;
     QHash<QString, std::set<quint32>> m_disabledOf; // outputs, by packageKey()
-    int m_quality = ExportSettings().quality;
-    QMap<QByteArray, QVariantMap> m_codecOptions; // by the codecs' ids of formats
-    std::unique_ptr<PackingTemplates> m_templates;
-    QString m_usualPattern; // that was offered last
+    QString m_usualPattern;                         // that was offered last
     ExportSettings m_lastSettings;
     QString m_lastTemplate;
     bool m_hasLastSettings = false;
@@ -178,16 +168,13 @@ private:
     QStackedWidget* m_pages;
     TimeControls* m_time;
     FolderEdit* m_folder;
-    QComboBox* m_format;
-    QComboBox* m_packing;
-    QPushButton* m_formatOptions;
+    FormatControls* m_format;
+    PackingTemplateBox* m_packing;
     QLineEdit* m_pattern;
     QLabel* m_example;
     OutputTree* m_tree;
     MetadataControls* m_metadata;
-    QLabel* m_progressText;
-    QProgressBar* m_progress;
-    QListWidget* m_results;
+    ProgressPage* m_progress;
     QPushButton* m_closeButton;
     QPushButton* m_exportButton;
 };

@@ -9,15 +9,13 @@
 #include "applications/player/output/dialog/folderedit.h"
 #include "applications/player/output/dialog/inputgate.h"
 #include "applications/player/output/dialog/metadatacontrols.h"
+#include "applications/player/output/dialog/packingtemplatebox.h"
+#include "applications/player/output/dialog/progresspage.h"
 
 #include <QApplication>
-#include <QComboBox>
 #include <QDir>
 #include <QFileInfo>
-#include <QLabel>
-#include <QListWidget>
 #include <QMessageBox>
-#include <QProgressBar>
 #include <QPushButton>
 
 #include <algorithm>
@@ -28,7 +26,6 @@ namespace {
 
 constexpr auto kStep = QEvent::Type(1001);
 constexpr int kAttempts = 2; // a generation may be stopped for another one's sake
-constexpr int kProgressSteps = 1000;
 
 } // namespace
 
@@ -66,9 +63,9 @@ void Render::start(bool again)
         return;
     ExportDialogSettings::rendersPath.write(m_folder->folder());
     m_lastSettings = currentSettings();
-    m_lastTemplate = m_packing->currentData().toString();
+    m_lastTemplate = m_packing->name();
     m_hasLastSettings = true;
-    m_results->clear();
+    m_progress->clear();
     m_complaints.clear();
     m_failures = 0;
     m_isReExport = again;
@@ -84,7 +81,7 @@ void Render::start(bool again)
 bool Render::prepareRun(ExportChoices& wanted, const QVector<PackageOutput>& outputs)
 {
     QString problem;
-    if (chosenTemplate()) {
+    if (m_packing->content()) {
         wanted.packing = packingOf(outputs);
         problem =
             wanted.packing.files.isEmpty()
@@ -98,24 +95,24 @@ bool Render::prepareRun(ExportChoices& wanted, const QVector<PackageOutput>& out
 
 void Render::makeRun(const ExportChoices& wanted, const QVector<PackageOutput>& outputs)
 {
+    ExportRun::abandon(std::move(m_run), this);
     m_run = std::make_unique<ExportRun>(
         m_document.package, outputs, wanted,
         MetadataWriter::Package{m_document.archiveFileName,
                                 wanted.metadata.needsArchive() ? m_archive : QByteArray(),
                                 [this](const QString& url) { return m_host.valuesOf(url); }});
     m_run->onWait = [this] { InputGate::processEvents(*this); };
-    connect(m_run.get(), &ExportRun::written, this, &Render::listResult);
-    connect(m_run.get(), &ExportRun::failed, this, [this](const QString& path, const QString& reason) {
-        complain({tr("Bitmap I/O Error"), tr("Cannot save bitmap '%1'.").arg(QDir::toNativeSeparators(path)),
-                  reason});
+    connect(m_run.get(), &ExportRun::written, this, [this](const QString& path) {
+        if (m_state == State::Exporting)
+            m_progress->addResult(path);
     });
+    connect(m_run.get(), &ExportRun::failed, this, &Render::complainOfFile);
     connect(m_run.get(), &ExportRun::invalid, this, &Render::complainOfOutput);
     connect(m_run.get(), &ExportRun::fileDone, this, [this] {
         showProgress();
         if (m_run->isGenerated() && m_run->waitingFiles() == 0)
             postStep();
     });
-    m_progress->setRange(0, kProgressSteps);
 }
 
 // ---- Frame by frame
@@ -219,11 +216,11 @@ void Render::nextStep()
 void Render::finish()
 {
     setState(State::Done);
-    m_progress->setValue(m_progress->maximum());
+    m_progress->setDone(1.0);
     const QString text = m_failures == 0
                              ? tr("Export complete.")
                              : tr("Export complete. %1 of the files could not be written.").arg(m_failures);
-    m_progressText->setText(text);
+    m_progress->setText(text);
     m_host.status(text);
     if (m_isReExport)
         hide();
@@ -239,7 +236,7 @@ void Render::cancelSlot()
     }
     m_run->cancel();
     setState(State::Cancelling);
-    m_progressText->setText(tr("Cancelling..."));
+    m_progress->setText(tr("Cancelling..."));
     if (m_host.isGenerating())
         m_host.stopGeneration();
     else
@@ -265,24 +262,24 @@ void Render::showProgress()
                    .arg(frames)
                    .arg(output)
                    .arg(outputs);
-    if (m_progressText->text() != text)
-        m_progressText->setText(text);
+    m_progress->setText(text);
     if (!isVisible())
         m_host.status(text);
     // Half of the work is generation, half of it encoding.
     const double inFrame = std::max(m_run->delivered() / double(outputs), m_percent * 0.01);
     const double generated = m_run->frame() + inFrame;
     const double encoded = m_run->finishedFiles() / double(m_run->fileCount());
-    m_progress->setValue(int(kProgressSteps * (generated + encoded) / (2.0 * frames)));
+    m_progress->setDone((generated + encoded) / (2.0 * frames));
 }
 
-void Render::listResult(const QString& path)
+void Render::complainOfFile(const QString& path, const PictureFileError& error)
 {
-    if (m_state != State::Exporting)
-        return;
-    auto* item = new QListWidgetItem(QFileInfo(path).fileName(), m_results);
-    item->setData(Qt::UserRole, path);
-    m_results->scrollToItem(item);
+    const QString shown = QDir::toNativeSeparators(path);
+    if (error.isFormatUnknown)
+        complain(
+            {tr("Bitmap Codec Error"), tr("'%1' format not handled.").arg(QFileInfo(path).suffix()), shown});
+    else
+        complain({tr("Bitmap I/O Error"), tr("Cannot save bitmap '%1'.").arg(shown), error.text});
 }
 
 void Render::complainOfOutput(const QString& name)

@@ -11,6 +11,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstring>
 
 using namespace Zph::Applications::Player;
@@ -58,7 +59,7 @@ TEST(PictureFile, HoldsTheDepthAskedFor)
     };
     for (const Row& row : rows) {
         const QString path = folder.filePath(QString("a.") + row.format);
-        ASSERT_EQ(writePictureFile(grey16(), path, {row.format, row.depth}), "") << row.format;
+        ASSERT_EQ(writePictureFile(grey16(), path, {row.format, row.depth}).text, "") << row.format;
         const auto read = SurfaceCodecManager::instance().loadFile(path);
         ASSERT_TRUE(read) << row.format;
         Surface floats;
@@ -70,21 +71,40 @@ TEST(PictureFile, HoldsTheDepthAskedFor)
     }
 }
 
+TEST(PictureFile, KnowsWhichFormatsKeepAlpha)
+{
+    registerCodecs();
+    QTemporaryDir folder;
+    const auto glass = QSharedPointer<Surface>::create(SurfaceDescription(8, 8, RGBA8));
+    fill(*glass, 0.0f, 0.0f, 0.0f, 100 / 255.0f);
+    for (const QString& format : pictureFormats()) {
+        const QString path = folder.filePath("a." + format);
+        ASSERT_EQ(writePictureFile(glass, path, {format}).text, "") << format.toStdString();
+        const auto read = SurfaceCodecManager::instance().loadFile(path);
+        Surface floats;
+        ASSERT_TRUE(read && convertTo(*read, floats, RGBA32F, {})) << format.toStdString();
+        float pixel[4];
+        std::memcpy(pixel, floats.row(0), sizeof pixel);
+        EXPECT_EQ(std::abs(pixel[3] - 100 / 255.0f) < 0.01f, holdsAlpha(format))
+            << format.toStdString() << ' ' << pixel[3];
+    }
+}
+
 TEST(PictureFile, WhatCantBeWrittenLeavesNothing)
 {
     registerCodecs();
     QTemporaryDir folder;
     const QString path = folder.filePath("a.png");
-    EXPECT_NE(writePictureFile(grey16(), folder.filePath("no/a.png"), {"png"}), "");
-    EXPECT_NE(writePictureFile(grey16(), path, {"nothing"}), "");
+    EXPECT_TRUE(writePictureFile(grey16(), folder.filePath("no/a.png"), {"png"}));
+    EXPECT_TRUE(writePictureFile(grey16(), path, {"nothing"}).isFormatUnknown);
     const std::atomic<bool> cancelled{true};
-    EXPECT_NE(writePictureFile(grey16(), path, {"png", PictureDepth::OfPicture, &cancelled}), "");
-    EXPECT_NE(writePictureFile({}, path, {"png"}), "");
+    EXPECT_TRUE(writePictureFile(grey16(), path, {"png", PictureDepth::OfPicture, &cancelled}));
+    EXPECT_TRUE(writePictureFile({}, path, {"png"}));
     EXPECT_TRUE(QDir(folder.path()).isEmpty());
     QFile kept(path);
     ASSERT_TRUE(kept.open(QIODevice::WriteOnly) && kept.write("kept") == 4);
     kept.close();
-    EXPECT_NE(writePictureFile(grey16(), path, {"png", PictureDepth::OfPicture, &cancelled}), "");
+    EXPECT_TRUE(writePictureFile(grey16(), path, {"png", PictureDepth::OfPicture, &cancelled}));
     EXPECT_EQ(kept.size(), 4);
 }
 
