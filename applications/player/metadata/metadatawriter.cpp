@@ -1,11 +1,11 @@
 #include "applications/player/metadata/metadatawriter.h"
 
 #include "applications/player/output/basename.h"
+#include "applications/player/output/savedfile.h"
 #include "applications/player/presets/presetfile.h"
 
 #include <QDebug>
 #include <QFileInfo>
-#include <QSaveFile>
 
 namespace Zph::Applications::Player {
 
@@ -52,9 +52,9 @@ QString BitmapMetadata::writeBeside() const
             qWarning().noquote() << "Cannot write" << entry.path << ':' << file.errorString();
             continue;
         }
-        file.write(entry.bytes);
-        if (!file.commit())
-            return file.errorString();
+        const QString error = saveWhole(file, entry.bytes);
+        if (!error.isEmpty())
+            return error;
     }
     return {};
 }

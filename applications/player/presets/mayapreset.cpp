@@ -1,9 +1,9 @@
 #include "applications/player/presets/mayapreset.h"
 
 #include "applications/player/description/valuetype.h"
+#include "applications/player/output/savedfile.h"
 
 #include <QCoreApplication>
-#include <QSaveFile>
 
 namespace Zph::Applications::Player {
 
@@ -55,8 +55,7 @@ QString writeMayaPreset(const QString& path, const QVector<PresetInput>& inputs)
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly))
         return file.errorString();
-    file.write(mayaPreset(inputs));
-    return file.commit() ? QString() : file.errorString();
+    return saveWhole(file, mayaPreset(inputs));
 }
 
 } // namespace Zph::Applications::Player

@@ -2,10 +2,10 @@
 
 #include "applications/player/description/descriptionfile.h"
 #include "applications/player/description/valuetype.h"
+#include "applications/player/output/savedfile.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
-#include <QSaveFile>
 #include <QXmlStreamWriter>
 
 namespace Zph::Applications::Player {
@@ -118,8 +118,7 @@ QString writePresetFile(const QString& path, const QVector<PresetDescription>& p
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly))
         return file.errorString();
-    file.write(presetDocument(presets, QFileInfo(path).absoluteDir()));
-    return file.commit() ? QString() : file.errorString();
+    return saveWhole(file, presetDocument(presets, QFileInfo(path).absoluteDir()));
 }
 
 } // namespace Zph::Applications::Player

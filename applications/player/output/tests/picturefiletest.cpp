@@ -1,5 +1,6 @@
 #include "applications/player/output/picturefile.h"
 #include "applications/player/output/pixelhash.h"
+#include "applications/player/output/tests/fulldisk.h"
 
 #include "orncommon/image/codec/defaultcodecs.h"
 #include "orncommon/image/codec/surfacecodecmanager.h"
@@ -7,6 +8,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -106,6 +108,34 @@ TEST(PictureFile, WhatCantBeWrittenLeavesNothing)
     kept.close();
     EXPECT_TRUE(writePictureFile(grey16(), path, {"png", PictureDepth::OfPicture, &cancelled}));
     EXPECT_EQ(kept.size(), 4);
+}
+
+TEST(PictureFile, ADiskThatFillsUpInMidFileLeavesWhatWasThere)
+{
+    registerCodecs();
+    QTemporaryDir folder;
+    const auto noise = QSharedPointer<Surface>::create(SurfaceDescription(64, 64, RGBA8));
+    for (unsigned i = 0; i < noise->lineSize() * noise->height(); ++i)
+        noise->data()[i] = quint8(i * i >> 3); // so that no format makes it small
+    for (const QString& format : pictureFormats()) {
+        const QString path = folder.filePath("a." + format);
+        ASSERT_EQ(writePictureFile(noise, path, {format}).text, "") << format.toStdString();
+        const qint64 size = QFileInfo(path).size();
+        for (const qint64 room : {qint64(100), size - 1}) {
+            QFile kept(path);
+            ASSERT_TRUE(kept.open(QIODevice::WriteOnly) && kept.write("kept") == 4);
+            kept.close();
+            QString reason;
+            {
+                const Tests::FullDisk disk(room);
+                reason = writePictureFile(noise, path, {format}).text;
+            }
+            EXPECT_EQ(reason, "File too large") << format.toStdString() << ' ' << room;
+            EXPECT_EQ(kept.size(), 4) << format.toStdString() << ' ' << room;
+        }
+        ASSERT_TRUE(QFile::remove(path));
+        EXPECT_TRUE(QDir(folder.path()).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot));
+    }
 }
 
 TEST(PixelHash, IsTheDigestOfTheRawPixels)

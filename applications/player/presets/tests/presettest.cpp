@@ -1,9 +1,11 @@
 #include "applications/player/description/input.h"
+#include "applications/player/output/tests/fulldisk.h"
 #include "applications/player/presets/mayapreset.h"
 #include "applications/player/presets/presetfile.h"
 
 #include <gtest/gtest.h>
 
+#include <QDir>
 #include <QTemporaryDir>
 #include <QTextCodec>
 
@@ -214,6 +216,25 @@ TEST(PresetFile, saysWhyAFileIsNone)
         EXPECT_FALSE(reason.isEmpty()) << text;
     }
     EXPECT_NE(writePresetFile(folder.filePath("none/p.vlrprs"), {}), "");
+}
+
+TEST(PresetFile, aDiskThatFillsUpLeavesTheFileOfBefore)
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("p.vlrprs");
+    PresetDescription preset;
+    preset.label = "Kept";
+    ASSERT_EQ(writePresetFile(path, {preset}), "");
+    preset.label = QString(5000, 'x');
+    {
+        const Tests::FullDisk disk(4096);
+        EXPECT_EQ(writePresetFile(path, {preset}), "File too large");
+    }
+    QString reason;
+    const auto read = readPresetFile(path, noInput, reason);
+    ASSERT_TRUE(read && read->size() == 1) << reason.toStdString();
+    EXPECT_EQ(read->first().label, "Kept");
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden), QStringList("p.vlrprs"));
 }
 
 } // namespace
