@@ -3,13 +3,17 @@
 
 #include "applications/player/metadata/metadatachoices.h"
 #include "applications/player/output/dialog/render.h"
+#include "applications/player/output/dialog/timecontrols.h"
 #include "applications/player/tweaks/tweakbase.h"
 #include "applications/player/tweaks/tweakslist.h"
+#include "orncommon/image/codec/surfacecodecmanager.h"
 #include "tests/program/programfixture.h"
 
 #include <QAction>
 #include <QApplication>
+#include <QComboBox>
 #include <QDir>
+#include <QDoubleSpinBox>
 #include <QLabel>
 #include <QListWidget>
 #include <QMessageBox>
@@ -18,6 +22,10 @@
 #include <QPushButton>
 #include <QStatusBar>
 #include <QTreeWidget>
+
+#include <atomic>
+#include <stdexcept>
+#include <thread>
 
 namespace Zph::Applications::Player::Tests {
 
@@ -144,9 +152,9 @@ TEST_F(Export, WritesTheFilesOfTheCommandLine)
         const QString package = putPackage(row.package, row.suffix);
         ASSERT_TRUE(window->loadFile(package));
         const bool isWalls = package.contains("walls");
-        for (const auto& [uid, row] : tweaks().tweaks())
-            if (row->identifier() == "$outputsize")
-                row->applyValue(InputValue::fromInts(4, 4));
+        for (const auto& [uid, tweak] : tweaks().tweaks())
+            if (tweak->identifier() == "$outputsize")
+                tweak->applyValue(InputValue::fromInts(4, 4));
         tweak(isWalls ? "Depth" : "Height")->applyValue(InputValue::fromFloats(0.75f));
         Render& dialog = openDialog();
         ExportSettings settings;
@@ -169,6 +177,85 @@ TEST_F(Export, WritesTheFilesOfTheCommandLine)
         for (auto file = fromTool.begin(); file != fromTool.end(); ++file)
             EXPECT_TRUE(fromWindow.value(file.key()) == *file) << number << ' ' << file.key().toStdString();
     }
+}
+
+TEST_F(Export, KeepsWhatIsEmbeddedOnlyOnceInOneFileOfEachGraph)
+{
+    openWindow();
+    ASSERT_TRUE(window->loadFile(putPackage("waves", "vlrar")));
+    for (const auto& [uid, tweak] : tweaks().tweaks())
+        if (tweak->identifier() == "$outputsize")
+            tweak->applyValue(InputValue::fromInts(4, 4));
+    tweak("Height")->applyValue(InputValue::fromFloats(0.75f));
+    Render& dialog = openDialog();
+    ExportSettings settings;
+    settings.timeEnd = 1;
+    settings.dir = installation.path("once");
+    settings.pattern = "%G %I";
+    settings.metadataOptions =
+        MetadataChoices{MetadataChoices::Metadata::Embedded, MetadataChoices::Values::EmbeddedOnce,
+                        MetadataChoices::Archive::EmbeddedOnce}
+            .toBits();
+    dialog.applyExportSettings(settings);
+    dialog.startSlot();
+    ASSERT_TRUE(waitForEnd());
+    QStringList archives, values, references;
+    const auto files = filesOf("once");
+    for (auto file = files.begin(); file != files.end(); ++file) {
+        if (file->contains("vlrarcontent=\""))
+            archives << file.key();
+        if (file->contains("<vlrpreset"))
+            values << file.key();
+        if (file->contains("vlrarembeddedref=\"") && file->contains("presetembeddedref=\""))
+            references << file.key();
+    }
+    EXPECT_EQ(archives, values);
+    EXPECT_EQ(archives.size() + references.size(), files.size());
+    ASSERT_EQ(archives.size(), 2) << archives.join(' ').toStdString();
+    for (const QString& holder : archives)
+        EXPECT_TRUE(holder.endsWith("_0000.tga")) << "the first frame: " << holder.toStdString();
+    EXPECT_TRUE(files.value(archives.at(1)).contains("outputidentifier=\"diffuse\""))
+        << "the one that is called like a colour";
+
+    ASSERT_TRUE(window->loadFile(installation.path("once/" + references.last())));
+    EXPECT_EQ(tweak("Height")->value().floatAt(0), 0.75f) << "by way of its holder";
+}
+
+TEST_F(Export, RangesOfAnAnimationFollowTheirUnit)
+{
+    openWindow();
+    ASSERT_TRUE(window->loadFile(putPackage("waves", "vlrar")));
+    Render& dialog = openDialog();
+    EXPECT_EQ(dialog.windowTitle(), "Render animation as Bitmap(s)");
+    EXPECT_EQ(dialog.exportSettings()->timeEnd, 200.0) << "the timeline's";
+    auto& controls = *dialog.findChild<TimeControls*>();
+    ASSERT_TRUE(controls.isVisible());
+    auto& unit = *controls.findChild<QComboBox*>();
+    const auto spin = [&](const char* name) -> QDoubleSpinBox& {
+        for (auto* found : controls.findChildren<QDoubleSpinBox*>())
+            if (found->accessibleName() == name)
+                return *found;
+        throw std::logic_error(name);
+    };
+    auto& count = *controls.findChild<QSpinBox*>();
+    const auto range = [&] {
+        return QStringList{spin("Start").text(), spin("End").text(), count.text()}.join(' ').toStdString();
+    };
+    spin("Fps").setValue(24.0);
+    spin("Start").setValue(12.0);
+    spin("End").setValue(35.0);
+    EXPECT_EQ(range(), "12 35 24") << "both ends belong to it";
+    unit.setCurrentText("Seconds");
+    EXPECT_EQ(range(), "0.5 1.45833 24") << "35 / 24";
+    count.setValue(13);
+    EXPECT_EQ(range(), "0.5 1 13");
+    spin("Fps").setValue(48.0);
+    EXPECT_EQ(range(), "0.5 1 25") << "the time stays, the frames are more";
+    spin("End").setValue(0.25);
+    EXPECT_EQ(range(), "0.5 0.25 1") << "an end before the start leaves one frame";
+    spin("End").setValue(1.0);
+    unit.setCurrentText("Frames");
+    EXPECT_EQ(range(), "24 48 25");
 }
 
 // A package of two pictures by an engine that plays a script.
@@ -253,8 +340,8 @@ TEST_F(ScriptedExport, TellsOfEachFileThatCannotBeWritten)
     settings.dir = put("nofolder", "a file") + "/out";
     dialog.applyExportSettings(settings);
     const auto answer = [](QMessageBox::StandardButton choice) {
-        return [choice](QDialog& dialog) {
-            auto& box = dynamic_cast<QMessageBox&>(dialog);
+        return [choice](QDialog& question) {
+            auto& box = dynamic_cast<QMessageBox&>(question);
             EXPECT_TRUE(box.text().startsWith("Cannot save bitmap '")) << box.text().toStdString();
             EXPECT_EQ(box.windowTitle(), "Bitmap I/O Error");
             box.button(choice)->click();
@@ -285,6 +372,116 @@ TEST_F(ScriptedExport, AnOutputThatTheEngineFailsAtIsToldOnce)
     button("Export")->click();
     ASSERT_TRUE(waitForEnd());
     EXPECT_EQ(filesOf("out").size(), 1);
+}
+
+/// Codecs that misbehave: "slow" encodes in memory until it is let go, "listed" is written by nobody.
+class OddCodecs : public Orn::Image::Codec::SurfaceCodecFactory
+{
+public:
+    static inline std::atomic<int> begun{0};
+    static inline std::atomic<bool> mayEnd{false};
+
+    int capabilities(QIODevice&, const QByteArray& format) override
+    {
+        return format == "slow" ? CanWrite : 0;
+    }
+    QSharedPointer<Orn::Image::Codec::SurfaceCodec> create(QIODevice& device, const QByteArray&) override
+    {
+        return QSharedPointer<Slow>::create(device);
+    }
+    QList<Orn::Image::Codec::ImageFormat> readFormats() const override { return {}; }
+    QList<Orn::Image::Codec::ImageFormat> writeFormats() const override
+    {
+        return {{"Slow", "slow"}, {"Listed", "listed"}};
+    }
+
+private:
+    class Slow : public Orn::Image::Codec::SurfaceCodec
+    {
+    public:
+        explicit Slow(QIODevice& device) : m_device(device) {}
+
+    protected:
+        bool doRead(QSharedPointer<Orn::Surfaces::Surface>&, Orn::Image::Codec::SurfaceCodecOptions*) override
+        {
+            return false;
+        }
+        bool doWrite(const QSharedPointer<Orn::Surfaces::Surface>&,
+                     const Orn::Image::Codec::SurfaceCodecOptions*) override
+        {
+            ++begun;
+            while (!mayEnd)
+                std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            return m_device.write("slow") == 4;
+        }
+
+    private:
+        QIODevice& m_device;
+    };
+};
+
+class OddExport : public ScriptedExport
+{
+protected:
+    static void SetUpTestSuite()
+    {
+        Orn::Image::Codec::SurfaceCodecManager::instance().registerFactory(
+            QSharedPointer<OddCodecs>::create());
+    }
+    ~OddExport() override { OddCodecs::mayEnd = true; }
+
+    void exportAs(const QString& format)
+    {
+        ExportSettings settings = *dialog().exportSettings();
+        settings.format = format;
+        dialog().applyExportSettings(settings);
+        button("Export")->click();
+    }
+};
+
+TEST_F(OddExport, CancelWaitsForNoEncoder)
+{
+    openScript();
+    exportAs("slow");
+    ASSERT_TRUE(waitFor([] { return OddCodecs::begun > 0; }));
+    button("Cancel")->click();
+    ASSERT_TRUE(waitForEnd());
+    ASSERT_NE(button("Export"), nullptr);
+    exportAs("png"); // while the other is at it
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_EQ(results().size(), 2);
+    OddCodecs::mayEnd = true;
+    closeWindow();
+    EXPECT_EQ(filesOf("out").keys(), QList<QString>({"g_Same.png", "g_Same[2].png"}));
+}
+
+TEST_F(OddExport, TellsOfAFormatThatNobodyWrites)
+{
+    openScript();
+    answerDialog([](QDialog& question) {
+        auto& box = dynamic_cast<QMessageBox&>(question);
+        EXPECT_EQ(box.text(), "'listed' format not handled.");
+        EXPECT_EQ(box.windowTitle(), "Bitmap Codec Error");
+        box.button(QMessageBox::Abort)->click();
+    });
+    exportAs("listed");
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_TRUE(filesOf("out").isEmpty());
+    EXPECT_NE(button("Export"), nullptr);
+}
+
+TEST_F(ScriptedExport, ClosingTheWindowEndsIt)
+{
+    Render& dialog = openScript("progress 4 300\n");
+    QObject::connect(window->statusBar(), &QStatusBar::messageChanged, &dialog, [&](const QString& text) {
+        if (window->isVisible() && dialog.isRunning() && text.endsWith("%..."))
+            window->close();
+    });
+    button("Export")->click();
+    EXPECT_FALSE(window->isVisible());
+    EXPECT_TRUE(engineLog.take().contains("Stop mode=1"));
+    closeWindow();
+    EXPECT_TRUE(filesOf("out").isEmpty());
 }
 
 TEST_F(ScriptedExport, CancelWorksInsideAGeneration)
