@@ -5,10 +5,13 @@
 
 #include <algorithm>
 
-// Stocking stitch: the front of plain knitting, columns of V shapes. Each leg of a V is a piece of yarn, a
+// Knit stitches, the front of plain knitting, are columns of V shapes. Each leg of a V is a piece of yarn, a
 // capsule that leans; legs of the stitch below go under those of the stitch above, whose tips they enter.
-// Lengths are shares of a stitch's height.
+// Purl stitches, the back of it, hide their legs and show what joins them: the head of a loop, an arc over
+// the middle of the stitch, and lower down the arc that hangs between the stitch and the next, bent the other
+// way. Lengths are shares of a stitch's height.
 //
+// The head of a purl stitch stands in for its left leg, what hangs beside it for its right one.
 // Legs stand in columns half a stitch wide, and reach into those beside theirs and into the rows above and
 // below. What chance does to the legs of those rows is worked out once for a chunk of a row of pixels, in
 // lines with a number for each column. Which legs come near a pixel is asked once for its four samples.
@@ -30,8 +33,25 @@ enum class KnitOutput
     Row
 };
 
+/// Which stitches are purled.
+enum class KnitStitch
+{
+    Stockinette,
+    Reverse,
+    Rib1,
+    Rib2,
+    Garter,
+    Seed
+};
+
 struct KnitState : State
 {
+    KnitStitch stitch = KnitStitch::Stockinette;
+    // Arcs: half the length without the round ends, how far these lie below the middle, how thick they are
+    // beside legs, and where they lie, down from the middle of the stitch.
+    float purlReach = 0.3f, arch = 0.15f, fullness = 1.0f;
+    float headDown = -0.16f, hangingDown = 0.3f;
+    float knitHeight = 1.0f, purlHeight = 1.0f; // what stands out and what recedes
     float columns = 12.0f, rows = 12.0f;
     float aspect = 1.0f; // a stitch's width by its height
     float radius = 0.3f;
@@ -54,6 +74,7 @@ struct LegLine
     alignas(64) float random[2 * kKnitChunk + 96]; // -0.5 to 0.5
     alignas(64) float down[2 * kKnitChunk + 96];   // the leg's middle, from the middle of its stitch
     alignas(64) float value[2 * kKnitChunk + 96];
+    alignas(64) float purled[2 * kKnitChunk + 96]; // 0: knitted, 1: purled, 2: not there
 };
 
 } // namespace
@@ -77,6 +98,8 @@ struct Leg
     F random, value;   // what is shown for value, column and row
     F side;            // 1 for legs that lean to the right, -1 to the left
     M near;
+    M purled;
+    F leanX, leanY; // its direction
 };
 
 /// What shows at a sample of some pixels.
@@ -88,25 +111,39 @@ struct Yarn
 /// The way along a leg, from -1 to 1, by the direction that it leans to, in one number.
 HWY_INLINE F directionOf(const KnitState& state, F coded)
 {
+    // Arcs are coded as 4 and their slope, -1 to 1.
+    const F lying = F(1.0f) - atan2Of(coded - F(4.0f), F(1.0f)) * F(1.0f / kPi);
     const F square = maxOf(absOf(coded) - F(1.0f), F(0.0f));
     const F side = choose(coded < F(0.0f), F(-1.0f), choose(coded > F(0.0f), F(1.0f), F(0.0f)));
     // Legs on the right lean to the right, from an upright yarn at the ends to the full lean in the middle.
     const F lean = F(state.leanX) * (F(1.0f) + F(state.bend) * (F(0.5f) - F(1.5f) * square));
-    return F(0.5f) + side * atan2Of(lean, F(state.leanY)) * F(1.0f / kPi);
+    const F standing = F(0.5f) + side * atan2Of(lean, F(state.leanY)) * F(1.0f / kPi);
+    return choose(coded > F(2.5f), lying - floorOf(lying), standing);
 }
 
 /// Lays the leg at one sample of the pixels over what shows there.
+template<bool purls>
 HWY_INLINE void addLeg(const KnitState& state, const Leg& leg, F straight, F across, Yarn& top)
 {
     // Along the leg, -1 at its lower, inner end and 1 at its upper, outer one; the axis bends like an S, so
     // that both ends run upright.
-    const F t = clampOf(straight * F(1.0f / (state.reach + state.radius)), F(-1.0f), F(1.0f));
-    const F aside = across + (t * t * t - t) * F(state.bend * state.radius);
-    const F beyond = maxOf(absOf(straight) - F(state.reach), F(0.0f));
+    F reach(state.reach), length(1.0f / (state.reach + state.radius));
+    if constexpr (purls) {
+        reach = choose(leg.purled, F(state.purlReach), reach);
+        length = choose(leg.purled, F(1.0f / (state.purlReach + state.radius)), length);
+    }
+    const F t = clampOf(straight * length, F(-1.0f), F(1.0f));
+    F bend = (t * t * t - t) * F(state.bend * state.radius);
+    if constexpr (purls)
+        bend = choose(leg.purled, leg.side * t * t * F(state.arch), bend);
+    const F aside = across + bend;
+    const F beyond = maxOf(absOf(straight) - reach, F(0.0f));
     const F square = aside * aside + beyond * beyond;
     // Thinner towards the ends, where the yarn dives.
-    const F radius =
+    F radius =
         F(state.radius) * (F(1.0f) - F(0.18f) * t * t) * (F(1.0f) + leg.random * F(0.2f * state.variation));
+    if constexpr (purls)
+        radius = choose(leg.purled, radius * F(state.fullness), radius);
     const F outside = radius + F(0.5f * state.pixel);
     const M reached = leg.near & (square < outside * outside);
     if (hn::AllFalse(FloatTag(), reached.m))
@@ -117,12 +154,19 @@ HWY_INLINE void addLeg(const KnitState& state, const Leg& leg, F straight, F acr
     const F cover = choose(reached, edge, F(0.0f));
     const F u = t * F(0.5f) + F(0.5f), v = clampOf(aside * narrow * F(0.5f) + F(0.5f), F(0.0f), F(1.0f));
     // The lower end dives behind the stitch below's tips, the upper end lies open.
-    const F course = F(1.0f) - F(state.depth) * (F(0.5f) - F(0.5f) * t);
+    F course = F(1.0f) - F(state.depth) * (F(0.5f) - F(0.5f) * t);
+    // Arcs dive at both ends.
+    if constexpr (purls)
+        course = choose(leg.purled, F(state.purlHeight) * (F(1.0f) - F(0.8f * state.depth) * t * t),
+                        F(state.knitHeight) * course);
     F height = (F(0.08f) + F(0.92f) * course * round) *
                (F(1.0f) - (leg.random + F(0.5f)) * F(0.15f * state.variation)) * cover;
     if (state.twist > 0.0f) {
         // Plies: ridges that wind around the yarn.
-        const F wound = u * F(2.2f) + leg.side * (v - F(0.5f)) * F(0.9f);
+        F around = leg.side * (v - F(0.5f));
+        if constexpr (purls)
+            around = choose(leg.purled, v - F(0.5f), around);
+        const F wound = u * F(2.2f) + around * F(0.9f);
         const F wave = sinCosOfTurns(wound * F(state.plies)).cosine;
         height *= F(1.0f) - F(0.22f * state.twist) * (F(0.5f) - F(0.5f) * wave);
     }
@@ -141,9 +185,12 @@ HWY_INLINE void addLeg(const KnitState& state, const Leg& leg, F straight, F acr
     case KnitOutput::V:
         top.shown = choose(higher, v, top.shown);
         break;
-    case KnitOutput::Direction:
-        top.shown = choose(higher, leg.side * (F(1.0f) + t * t), top.shown);
-        break;
+    case KnitOutput::Direction: {
+        F coded = leg.side * (F(1.0f) + t * t);
+        if constexpr (purls)
+            coded = choose(leg.purled, F(4.0f) + leg.side * t * F(2.0f * state.arch) * length, coded);
+        top.shown = choose(higher, coded, top.shown);
+    } break;
     default:
         break;
     }
@@ -184,6 +231,8 @@ public:
                 store(unitOf(hash) - F(0.5f), line.random + i);
                 store((unitOf(second) - F(0.5f)) * F(0.1f * state.variation), line.down + i);
                 store(shownOf(state, column, row, second), line.value + i);
+                if (state.stitch != KnitStitch::Stockinette)
+                    store(purledOf(state, column, onRight, row), line.purled + i);
             }
         }
     }
@@ -203,6 +252,34 @@ private:
         return unitOf(nextHash(hash));
     }
 
+    /// What stands in LegLine. Nothing hangs between a purl stitch and a knit one: there the yarn goes
+    /// through the fabric.
+    static HWY_INLINE F purledOf(const KnitState& state, F column, M onRight, U row)
+    {
+        const F beside = wrappedCellOf(column + F(1.0f), state.columns);
+        const F purled = purledOf(state, toInteger(column), row),
+                next = purledOf(state, toInteger(beside), row);
+        return choose(onRight & (purled > next), F(2.0f), purled);
+    }
+
+    static HWY_INLINE F purledOf(const KnitState& state, U column, U row)
+    {
+        switch (state.stitch) {
+        case KnitStitch::Reverse:
+            return F(1.0f);
+        case KnitStitch::Rib1:
+            return toFloat(column & U(1u));
+        case KnitStitch::Rib2:
+            return toFloat((column >> 1) & U(1u));
+        case KnitStitch::Garter:
+            return toFloat(row & U(1u));
+        case KnitStitch::Seed:
+            return toFloat((column + row) & U(1u));
+        default:
+            return F(0.0f);
+        }
+    }
+
     static HWY_INLINE F wrappedCellOf(F cell, float count) { return toFloat(wrappedCell(cell, count)); }
 
     float m_row;
@@ -211,7 +288,7 @@ private:
 };
 
 /// A vector of pixels, y rows of stitches down from the middle of the row that LegRows starts from.
-template<class Columns>
+template<class Columns, bool purls>
 HWY_INLINE F knitAt(const KnitState& state, const LegRows& rows, F u, float y, const KnitSamples& samples)
 {
     const F halves = u * F(2.0f * state.columns), half = floorOf(halves);
@@ -235,22 +312,41 @@ HWY_INLINE F knitAt(const KnitState& state, const LegRows& rows, F u, float y, c
         const auto look = [&](int beside, F x, F side) {
             Leg leg;
             leg.random = columns.read(line.random + 1 + beside);
-            const F dx = x - F(0.25f * state.aspect) - leg.random * F(0.1f * state.variation);
-            const F dy = F(down) - columns.read(line.down + 1 + beside);
-            leg.straight = dx * F(state.leanX) - dy * F(state.leanY);
-            leg.aside = dx * F(state.leanY) + dy * F(state.leanX);
+            M there = x == x;
+            F middle(0.25f * state.aspect), below(0.0f), reach(state.reach);
+            leg.leanX = F(state.leanX);
+            leg.leanY = F(state.leanY);
+            if constexpr (purls) {
+                const F purled = columns.read(line.purled + 1 + beside);
+                leg.purled = purled > F(0.5f);
+                there = purled < F(1.5f);
+                const M hanging = side > F(0.0f);
+                middle = choose(leg.purled, choose(hanging, F(0.5f * state.aspect), F(0.0f)), middle);
+                below = choose(leg.purled, choose(hanging, F(state.hangingDown), F(state.headDown)), below);
+                reach = choose(leg.purled, F(state.purlReach), reach);
+                leg.leanX = choose(leg.purled, F(1.0f), leg.leanX);
+                leg.leanY = choose(leg.purled, F(0.0f), leg.leanY);
+            }
+            // Along arcs it goes to the right, whichever way is outwards.
+            F turned = x - middle, turn = side;
+            if constexpr (purls) {
+                turned = choose(leg.purled, turned * side, turned);
+                turn = choose(leg.purled, F(1.0f), side);
+            }
+            const F dx = turned - leg.random * F(0.1f * state.variation);
+            const F dy = F(down) - below - columns.read(line.down + 1 + beside);
+            leg.straight = dx * leg.leanX - dy * leg.leanY;
+            leg.aside = dx * leg.leanY + dy * leg.leanX;
             leg.near =
-                (absOf(leg.aside) < F(state.near)) & (absOf(leg.straight) < F(state.reach + state.near));
+                (absOf(leg.aside) < F(state.near)) & (absOf(leg.straight) < reach + F(state.near)) & there;
             if (hn::AllFalse(FloatTag(), leg.near.m))
                 return;
             leg.value = columns.read(line.value + 1 + beside);
             leg.side = side;
             for (int i = 0; i < 4; ++i) {
-                const F straight =
-                    leg.straight + side * F(samples.x[i] * state.leanX) - F(samples.y[i] * state.leanY);
-                const F aside =
-                    leg.aside + side * F(samples.x[i] * state.leanY) + F(samples.y[i] * state.leanX);
-                addLeg(state, leg, straight, aside, tops[i]);
+                const F along = turn * F(samples.x[i]), lower(samples.y[i]);
+                addLeg<purls>(state, leg, leg.straight + along * leg.leanX - lower * leg.leanY,
+                              leg.aside + along * leg.leanY + lower * leg.leanX, tops[i]);
             }
         };
         look(0, ownX, right);
@@ -280,14 +376,14 @@ HWY_INLINE F knitAt(const KnitState& state, const LegRows& rows, F u, float y, c
     return sum * F(0.25f);
 }
 
-template<class Columns>
+template<class Columns, bool purls>
 void knitPixels(const KnitState& state, const RowJob& job, int x, int count, float* result)
 {
     const LegRows rows(state, job, x, count);
     const KnitSamples samples(state, job);
     const float y = centreOf(job.y, job.height) * state.rows - rows.row() - 0.5f;
     for (int i = 0; i < count; i += kLanes)
-        store(knitAt<Columns>(state, rows, centresFrom(x + i, job.width), y, samples), result + i);
+        store(knitAt<Columns, purls>(state, rows, centresFrom(x + i, job.width), y, samples), result + i);
 }
 
 void knitRow(const RowJob& job)
@@ -295,10 +391,11 @@ void knitRow(const RowJob& job)
     const auto& state = static_cast<const KnitState&>(*job.state);
     for (int done = 0; done < job.count; done += kKnitChunk) {
         const int count = std::min(kKnitChunk, job.count - done);
-        if (4.0f * state.columns <= static_cast<float>(job.width))
-            knitPixels<NearColumns>(state, job, job.x + done, count, job.result[0] + done);
-        else
-            knitPixels<FarColumns>(state, job, job.x + done, count, job.result[0] + done);
+        const bool near = 4.0f * state.columns <= static_cast<float>(job.width);
+        const bool purls = state.stitch != KnitStitch::Stockinette;
+        const auto draw = near ? (purls ? knitPixels<NearColumns, true> : knitPixels<NearColumns, false>)
+                               : (purls ? knitPixels<FarColumns, true> : knitPixels<FarColumns, false>);
+        draw(state, job, job.x + done, count, job.result[0] + done);
     }
 }
 
@@ -311,16 +408,62 @@ namespace vellor::nodes {
 
 NODES_ROW_KERNEL(knitRow)
 
+/// `count` or the next number that whole repeats of a pattern take.
+static float repeated(float count, int repeat)
+{
+    const auto whole = static_cast<float>(repeat);
+    return scalar::floorOf((count + whole - 1.0f) / whole) * whole;
+}
+
+/// How purl stitches lie among the others.
+static void setPurls(KnitState& state, float relief)
+{
+    switch (state.stitch) {
+    case KnitStitch::Rib1: // heads alone, drawn back
+        state.headDown = 0.0f;
+        state.fullness = 1.25f;
+        state.purlHeight = 1.0f - 0.55f * relief;
+        break;
+    case KnitStitch::Rib2:
+        state.purlHeight = 1.0f - 0.55f * relief;
+        break;
+    case KnitStitch::Garter: // ridges, which push rows apart
+        state.headDown = -0.36f;
+        state.hangingDown = 0.36f;
+        state.knitHeight = 1.0f - 0.35f * relief;
+        break;
+    case KnitStitch::Seed: // heads alone
+        state.headDown = 0.1f;
+        state.fullness = 1.1f;
+        state.knitHeight = 1.0f - 0.35f * relief;
+        break;
+    default:
+        break;
+    }
+    state.purlReach = std::max(0.47f * state.aspect - 0.6f * state.radius, 0.05f);
+    state.arch = (0.08f + 0.3f * state.bend) * state.radius / 0.3f;
+}
+
 static std::unique_ptr<State> prepareKnit(const Setup& setup)
 {
     auto state = std::make_unique<KnitState>();
     const ParameterValue* p = setup.parameters;
-    state->columns = static_cast<float>(held(p[0].i[0], 1, 2048));
-    // Stitches of plain knitting are wider than high, about 5 to 4.
+    state->stitch = static_cast<KnitStitch>(held(p[8].i[0], 0, 5));
+    const bool across = state->stitch == KnitStitch::Rib1 || state->stitch == KnitStitch::Seed;
+    const bool down = state->stitch == KnitStitch::Garter || state->stitch == KnitStitch::Seed;
+    state->columns =
+        repeated(static_cast<float>(held(p[0].i[0], 1, 2048)), across                              ? 2
+                                                               : state->stitch == KnitStitch::Rib2 ? 4
+                                                                                                   : 1);
+    // Stitches of plain knitting are wider than high, about 5 to 4; ridges and bumps pull rows together.
+    const float shape = state->stitch == KnitStitch::Garter ? 1.9f
+                        : state->stitch == KnitStitch::Seed ? 1.6f
+                                                            : 1.25f;
     const float usual =
-        state->columns * 1.25f * static_cast<float>(setup.height) / static_cast<float>(setup.width);
+        state->columns * shape * static_cast<float>(setup.height) / static_cast<float>(setup.width);
     state->rows = p[0].i[1] > 0 ? static_cast<float>(held(p[0].i[1], 1, 4096))
                                 : held(scalar::roundOf(usual), 1.0f, 4096.0f);
+    state->rows = repeated(state->rows, down ? 2 : 1);
     state->aspect = held((static_cast<float>(setup.width) / state->columns) /
                              (static_cast<float>(setup.height) / state->rows),
                          0.05f, 20.0f);
@@ -336,6 +479,10 @@ static std::unique_ptr<State> prepareKnit(const Setup& setup)
     // Yarn at its thickest and as far as it bends, a pixel, and what chance adds at most.
     state->near = state->radius * (1.1f + 0.4f * state->bend) +
                   std::max(state->pixel, state->columns * state->aspect / static_cast<float>(setup.width));
+    if (state->stitch != KnitStitch::Stockinette) {
+        setPurls(*state, held(p[9].f[0], 0.0f, 1.0f));
+        state->near = state->near * state->fullness + state->arch;
+    }
     state->above = state->reach * state->leanY + state->near + 0.06f;
     state->depth = held(p[3].f[0], 0.0f, 1.0f);
     state->plies = static_cast<float>(held(p[4].i[0], 1, 16));
@@ -352,8 +499,9 @@ const NodeDeclaration knitNode{
     "knit",
     "Knit",
     "Patterns",
-    "Knitted stitches, the V shapes of stocking stitch, of round yarn that dives under the stitch below. The "
-    "same "
+    "Knitted stitches of round yarn: the V shapes of knit stitches, that dive under the stitch below, and "
+    "the "
+    "arcs of purl stitches. The same "
     "parameters with another output give the matching masks, directions and positions along the yarn.",
     ResultChannels::Grey,
     Chance::Seeded,
@@ -391,7 +539,24 @@ const NodeDeclaration knitNode{
       "range "
       "for half a turn; column and row are the place of the stitch that shows, 0 to 1 from the left and from "
       "the top, unmixed at borders: read a chart of colours or stitches there.",
-      {"height", "mask", "value", "u", "v", "direction", "column", "row"}}},
+      {"height", "mask", "value", "u", "v", "direction", "column", "row"}},
+     {"stitch",
+      ParameterType::Choice,
+      {0},
+      0,
+      5,
+      "Which stitches are purled: none in stockinette, all in reverse, every second column in rib1 and two "
+      "of "
+      "four in rib2, every second row in garter, and every second stitch like a checker in seed. Stitches "
+      "and "
+      "rows are taken to the next whole repeat.",
+      {"stockinette", "reverse", "rib1", "rib2", "garter", "seed"}},
+     {"relief",
+      ParameterType::Float,
+      {0.6},
+      0,
+      1,
+      "How far the purled columns of ribs recede, and purl stitches of garter and seed stand out."}},
     prepareKnit,
     runknitRow};
 

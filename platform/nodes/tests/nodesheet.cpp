@@ -225,6 +225,7 @@ std::vector<Sheet> sheets()
     addChoices("reflectedgradient", "profile", [](Evaluation& run, int) { run.set("repeats", {2, 1}); });
     addChoices("angulargradient", "profile", [](Evaluation& run, int) { run.set("repeats", {2}); });
     addChoices("knit", "output", [](Evaluation& run, int) { run.set("stitches", {6, 0}); });
+    addChoices("knit", "stitch", [](Evaluation& run, int) { run.set("stitches", {8, 0}); });
     addChoices("weave", "pattern", [](Evaluation& run, int) { run.set("threads", {10, 0}); });
     addChoices("weave", "output", [](Evaluation& run, int) {
         run.set("threads", {8, 0}).set("pattern", {4});

@@ -113,6 +113,10 @@ const PatternCase kPatterns[] = {
      [](Evaluation& run) {
          run.set("stitches", {5, 0}).set("variation", {1});
      }},
+    {"knit",
+     [](Evaluation& run) {
+         run.set("stitches", {5, 0}).set("variation", {1}).set("stitch", {5});
+     }},
     {"stripes",
      [](Evaluation& run) {
          run.set("repeats", {3, 2}).set("softness", {0.5});
@@ -219,6 +223,41 @@ TEST(Knit, TellsTheStitchThatShows)
     for (const auto& counts : met)
         for (const int count : counts)
             EXPECT_GT(count, 160 * 120 / 20 / 2);
+}
+
+TEST(Knit, PurlsWhereThePatternSaysSo)
+{
+    // By stitch, row and column: stockinette, reverse, rib1, rib2, garter, seed. Eight columns hold whole
+    // repeats.
+    const std::function<bool(int, int)> purled[] = {
+        [](int, int) { return false; },        [](int, int) { return true; },
+        [](int, int x) { return x % 2 == 1; }, [](int, int x) { return x / 2 % 2 == 1; },
+        [](int y, int) { return y % 2 == 1; }, [](int y, int x) { return (x + y) % 2 == 1; }};
+    for (int stitch = 0; stitch < 6; ++stitch) {
+        const auto drawnAs = [&](double output) {
+            return Evaluation("knit", 256, 256)
+                .set("stitches", {8, 8})
+                .set("variation", {0})
+                .set("stitch", {double(stitch)})
+                .set("output", {output})();
+        };
+        const Picture mask = drawnAs(1), direction = drawnAs(5), column = drawnAs(6), row = drawnAs(7);
+        int lying[8][8] = {}, met[8][8] = {};
+        for (int y = 0; y < 256; ++y)
+            for (int x = 0; x < 256; ++x) {
+                if (mask.at(x, y) < 0.99f)
+                    continue;
+                const int r = std::lround(row.at(x, y) * 8 - 0.5), c = std::lround(column.at(x, y) * 8 - 0.5);
+                lying[r][c] += std::fabs(direction.at(x, y) - 0.5f) > 0.3f;
+                ++met[r][c];
+            }
+        for (int r = 0; r < 8; ++r)
+            for (int c = 0; c < 8; ++c) {
+                ASSERT_GT(met[r][c], 32 * 32 / 4) << stitch;
+                EXPECT_NEAR(double(lying[r][c]) / met[r][c], purled[stitch](r, c) ? 1 : 0, 0.12)
+                    << stitch << ' ' << r << ' ' << c;
+            }
+    }
 }
 
 TEST(Perlin, IsHalfOnLatticePointsAndLoops)
