@@ -116,6 +116,8 @@ void TweakImage::optionsSlot()
 {
     const QPointer<TweakImage> alive(this);
     const QPointer<ImageRescale> dialog(new ImageRescale(m_options, window()));
+    if (m_server)
+        dialog->setPicture(m_server->surface());
     if (QWidget* panel = m_server ? m_server->createPanel(dialog) : nullptr)
         dialog->setPanel(panel);
     const bool isAccepted = dialog->exec() == QDialog::Accepted;

@@ -1,5 +1,6 @@
 #include "applications/player/images/widgets/imagerescale.h"
 
+#include "applications/player/images/widgets/croppreview.h"
 #include "applications/player/images/widgets/imageserverbase.h"
 #include "orncommon/gui/color/checkerboard.h"
 
@@ -42,7 +43,8 @@ QPixmap swatch(const QColor& color, const QSize& size)
 ImageRescale::ImageRescale(const ImageOptions& options, QWidget* parent)
     : QDialog(parent), m_initial(options), m_paddingColor(options.paddingColor),
       m_layout(new QVBoxLayout(this)), m_modeCombo(new QComboBox(this)),
-      m_mosaicCheck(new QCheckBox(tr(" Mosaic filling"), this)), m_colorButton(new QPushButton(this))
+      m_mosaicCheck(new QCheckBox(tr(" Mosaic filling"), this)), m_colorButton(new QPushButton(this)),
+      m_keptSize(new QLabel(this))
 {
     setWindowTitle(tr("Image rescale options"));
     m_modeCombo->addItem(tr("Rescale (ignore aspect ratio)"), ImageOptions::Stretch);
@@ -68,7 +70,10 @@ ImageRescale::ImageRescale(const ImageOptions& options, QWidget* parent)
     m_layout->setSpacing(margin);
     m_layout->setSizeConstraint(QLayout::SetFixedSize);
     m_layout->addLayout(form);
-    m_layout->addWidget(new QLabel(tr("Source image cropping:"), this));
+    auto* head = new QHBoxLayout;
+    head->addWidget(new QLabel(tr("Source image cropping:"), this), 1);
+    head->addWidget(m_keptSize);
+    m_layout->addLayout(head);
     m_layout->addWidget(makeCropping());
     m_buttonsPlace = m_layout->count();
     auto* buttons = new QDialogButtonBox(this);
@@ -83,6 +88,7 @@ ImageRescale::ImageRescale(const ImageOptions& options, QWidget* parent)
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     updateColorIcon();
     updateEnabled();
+    setPicture({});
 }
 
 QSpinBox* ImageRescale::makeSpinBox(int value, const QString& name)
@@ -93,6 +99,7 @@ QSpinBox* ImageRescale::makeSpinBox(int value, const QString& name)
     box->setSuffix(tr(" px"));
     box->setAccessibleName(name);
     box->setToolTip(name);
+    connect(box, qOverload<int>(&QSpinBox::valueChanged), this, &ImageRescale::updatePreview);
     return box;
 }
 
@@ -104,19 +111,33 @@ QWidget* ImageRescale::makeCropping()
     m_cropLeft = makeSpinBox(m_initial.cropLeft, tr("Pixels cut off at the left"));
     m_cropRight = makeSpinBox(m_initial.cropRight, tr("Pixels cut off at the right"));
     m_cropBottom = makeSpinBox(m_initial.cropBottom, tr("Pixels cut off at the bottom"));
-    auto* picture = new QLabel(tr("Cropping"), cropping);
-    picture->setObjectName(QStringLiteral("croppedPicture"));
-    picture->setAlignment(Qt::AlignCenter);
-    picture->setMinimumSize(96, 64);
+    m_preview = new CropPreview(tr("Cropping"), cropping);
+    m_preview->setObjectName(QStringLiteral("croppedPicture"));
     auto* grid = new QGridLayout(cropping);
     grid->setContentsMargins(0, 0, 0, 0);
     grid->addWidget(m_cropTop, 0, 1, Qt::AlignHCenter);
     grid->addWidget(m_cropLeft, 1, 0, Qt::AlignVCenter);
-    grid->addWidget(picture, 1, 1);
+    grid->addWidget(m_preview, 1, 1);
     grid->addWidget(m_cropRight, 1, 2, Qt::AlignVCenter);
     grid->addWidget(m_cropBottom, 2, 1, Qt::AlignHCenter);
     grid->setColumnStretch(1, 1);
     return cropping;
+}
+
+void ImageRescale::setPicture(const QSharedPointer<Orn::Surfaces::Surface>& picture)
+{
+    m_preview->setPicture(picture);
+    m_keptSize->setVisible(picture != nullptr);
+    updatePreview();
+}
+
+void ImageRescale::updatePreview()
+{
+    m_preview->setCropping(
+        {m_cropLeft->value(), m_cropTop->value(), m_cropRight->value(), m_cropBottom->value()});
+    const QSize kept = m_preview->kept().size();
+    m_keptSize->setText(kept.isEmpty() ? tr("nothing is left")
+                                       : tr("%1x%2 px").arg(kept.width()).arg(kept.height()));
 }
 
 void ImageRescale::setPanel(QWidget* panel)

@@ -1,5 +1,7 @@
 #include "applications/player/images/widgets/imagerescale.h"
+#include "applications/player/images/widgets/croppreview.h"
 #include "applications/player/images/widgets/imageserverseq.h"
+#include "orncommon/image/surfaceoperations.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -59,6 +61,40 @@ TEST(ImageRescale, OffersWhatTheModeUses)
     EXPECT_EQ(dialog.options().flags, quint32(ImageOptions::Exact | ImageOptions::Mosaic));
     choose(0);
     EXPECT_FALSE(mosaic->isEnabled());
+}
+
+TEST(ImageRescale, ShowsWhatACroppingLeaves)
+{
+    using namespace Orn::Surfaces;
+    ImageOptions options;
+    options.cropLeft = options.cropTop = 4, options.cropRight = options.cropBottom = 0;
+    ImageRescale dialog(options);
+    auto* preview = dialog.findChild<CropPreview*>();
+    const auto says = [&](const QString& text) {
+        for (const auto* label : dialog.findChildren<QLabel*>())
+            if (label->text() == text && !label->isHidden())
+                return true;
+        return false;
+    };
+    EXPECT_TRUE(says("Cropping"));
+    EXPECT_FALSE(says("nothing is left")) << "no picture";
+    const auto picture = QSharedPointer<Surface>::create(SurfaceDescription(60, 40, RGBA8));
+    Orn::Image::Core::clear(*picture, 1, 0, 0, 1);
+    dialog.setPicture(picture);
+    EXPECT_EQ(preview->kept(), QRect(4, 4, 56, 36));
+    EXPECT_TRUE(says("56x36 px"));
+    dialog.show();
+    const auto redAt = [&](double x, double y) {
+        const QImage image = preview->grab().toImage();
+        return image.pixelColor(int(image.width() * x), int(image.height() * y)).red();
+    };
+    const auto spinBoxes = dialog.findChildren<QSpinBox*>();
+    spinBoxes[2]->setValue(28); // the right: half is left
+    EXPECT_TRUE(QTest::qWaitFor([&] { return redAt(0.4, 0.5) > 250; }));
+    EXPECT_LT(redAt(0.7, 0.5), 128) << "cut off";
+    spinBoxes[2]->setValue(56);
+    EXPECT_TRUE(says("nothing is left"));
+    EXPECT_LT(redAt(0.4, 0.5), 128);
 }
 
 TEST(ImageRescale, IsReachedByKeysInTheOrderOfItsRows)
