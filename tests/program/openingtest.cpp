@@ -3,6 +3,8 @@
 #include "applications/player/session/engine.h"
 #include "applications/player/session/static.h"
 #include "applications/player/shell/mainactions.h"
+#include "applications/player/timeline/timeline.h"
+#include "applications/player/tweaks/tweakbase.h"
 #include "applications/player/tweaks/tweakslist.h"
 #include "tests/program/programfixture.h"
 
@@ -18,6 +20,7 @@
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPushButton>
+#include <QSlider>
 
 namespace Zph::Applications::Player::Tests {
 
@@ -291,16 +294,15 @@ TEST_F(Opening, DroppedFiles)
     }
 }
 
+// Shows the picture of its one input.
+const char framedPackage[] =
+    "<package formatversion='1'><graph identifier='framed'><inputs><input identifier='photo' type='image'/>"
+    "</inputs><nodes><node id='shown' type='imageinput' channels='colour'><param name='image' input='photo'/>"
+    "</node></nodes><outputs><output identifier='shown' from='shown'/></outputs></graph></package>";
+
 TEST_F(Opening, DroppedPicturesGoToAnImageInput)
 {
-    QFile file(installation.path("framed.vlr"));
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("<package formatversion='1'><graph identifier='framed'><inputs><input identifier='photo' "
-               "type='image'/></inputs><nodes><node id='shown' type='imageinput' channels='colour'><param "
-               "name='image' input='photo'/></node></nodes><outputs><output identifier='shown' from='shown'/>"
-               "</outputs></graph></package>");
-    file.close();
-    ASSERT_TRUE(window->loadFile(file.fileName())) << consoleText().toStdString();
+    ASSERT_TRUE(window->loadFile(put("framed.vlr", framedPackage))) << consoleText().toStdString();
     const QString path = installation.path("dropped.png");
     QImage image(2, 2, QImage::Format_RGB32);
     image.fill(QColor(200, 100, 50));
@@ -318,6 +320,53 @@ TEST_F(Opening, DroppedPicturesGoToAnImageInput)
     image.fill(QColor(10, 20, 30));
     ASSERT_TRUE(image.save(path)); // and is followed on the disk
     EXPECT_TRUE(waitFor([&] { return picture(*views().first()).pixelColor(0, 0) == QColor(10, 20, 30); }));
+}
+
+TEST_F(Opening, AFolderOfFramesFollowsTheTimeline)
+{
+    ASSERT_TRUE(window->loadFile(put("framed.vlr", framedPackage))) << consoleText().toStdString();
+    const QDir folder(installation.path("frames"));
+    ASSERT_TRUE(folder.mkpath("."));
+    const QColor colours[] = {Qt::red, Qt::green, Qt::blue};
+    for (int i = 0; i < 3; ++i) {
+        QImage image(2, 2, QImage::Format_RGB32);
+        image.fill(colours[i]);
+        ASSERT_TRUE(image.save(folder.filePath(QString("f%1.png").arg(i + 9))));
+    }
+    const auto shows = [&](const QColor& colour) {
+        return waitFor([&] { return picture(*views().first()).pixelColor(0, 0) == colour; });
+    };
+    auto* timeline = window->findChild<Timeline*>();
+    EXPECT_FALSE(timeline->isEnabled());
+    timeline->setCurrentTime(0);
+
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(folder.path())});
+    TweakBase* row = tweak("photo");
+    QDragEnterEvent enter(row->rect().center(), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(row, &enter);
+    QDropEvent drop(row->rect().center(), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(row, &drop);
+    answerDialog([](QDialog& dialog) {
+        EXPECT_EQ(dynamic_cast<QInputDialog&>(dialog).intValue(), 3);
+        dialog.accept();
+    });
+    EXPECT_TRUE(shows(Qt::red));
+    EXPECT_TRUE(timeline->isEnabled());
+
+    auto* time = timeline->findChild<QSlider*>();
+    const auto goTo = [&](int frame) { time->setValue(frame); };
+    goTo(2);
+    EXPECT_TRUE(shows(Qt::blue));
+    ASSERT_TRUE(QFile::remove(folder.filePath("f10.png")) && QFile::resize(folder.filePath("f11.png"), 40));
+    const QColor grey(0xa8, 0xa8, 0xa8);
+    goTo(1);
+    EXPECT_TRUE(shows(grey)) << "gone";
+    goTo(0);
+    EXPECT_TRUE(shows(Qt::red)) << "and on";
+    goTo(2);
+    EXPECT_TRUE(shows(grey)) << "cut off";
+    goTo(0);
 }
 
 TEST_F(Opening, RemotePackagesHaveNoFile)

@@ -12,9 +12,6 @@ namespace Zph::Applications::Player {
 
 namespace {
 
-// What a byte array holds at most, less what reading needs beside it.
-constexpr qint64 largestRecord = 1 << 30;
-
 QString translated(const char* text)
 {
     return QCoreApplication::translate("MetadataLoader", text);
@@ -76,7 +73,7 @@ std::optional<MetadataRecord> MetadataLoader::read(const QString& path)
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return fail(cannotOpen(path));
-    if (isOnItsOwn && file.size() > largestRecord)
+    if (isOnItsOwn && file.size() > largestMetadata)
         return fail(noMetadata());
     const auto document = isOnItsOwn ? std::optional(file.readAll()) : readMetadataTrailer(file);
     const auto record = document ? parseMetadata(*document, info.absoluteDir()) : std::nullopt;

@@ -30,7 +30,7 @@ std::optional<QByteArray> readMetadataTrailer(QIODevice& file)
     if (tail.size() != tailSize || !tail.endsWith(magic))
         return {};
     const qint64 length = qFromLittleEndian<quint32>(tail.constData());
-    if (length + tailSize > size || !file.seek(size - tailSize - length))
+    if (length > largestMetadata || length + tailSize > size || !file.seek(size - tailSize - length))
         return {};
     QByteArray document = file.read(length);
     return document.size() == length ? std::optional(document) : std::nullopt;

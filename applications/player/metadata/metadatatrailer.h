@@ -14,6 +14,10 @@ namespace Zph::Applications::Player {
 // The bytes to append to a file of `size` bytes.
 QByteArray metadataTrailer(const QByteArray& document, qint64 size);
 
+// The bytes of the longest text that is read, here or from a file of its own: what a byte array holds at
+// most, less what reading needs beside it.
+constexpr qint64 largestMetadata = 1 << 30;
+
 // The text at the end of a readable file, or nothing. No more is read than the file holds.
 std::optional<QByteArray> readMetadataTrailer(QIODevice& file);
 

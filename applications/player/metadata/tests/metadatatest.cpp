@@ -8,6 +8,7 @@
 #include <QFile>
 #include <QSet>
 #include <QTemporaryDir>
+#include <QTemporaryFile>
 #include <QtEndian>
 
 namespace {
@@ -71,6 +72,14 @@ TEST(MetadataTrailer, DamageIsFoundOut)
         EXPECT_FALSE(trailerOf("bits1234" + number(length) + "TMLV")) << length;
     EXPECT_FALSE(trailerOf("bits1234" + number(4) + "TMLX"));
     EXPECT_EQ(trailerOf(number(0) + "TMLV"), QByteArray());
+}
+
+TEST(MetadataTrailer, NoneIsBeyondAllMeasure)
+{
+    QTemporaryFile file; // sparse
+    ASSERT_TRUE(file.open() && file.resize(largestMetadata + 8) && file.seek(largestMetadata + 8));
+    file.write(number(quint32(largestMetadata + 4)) + "TMLV");
+    EXPECT_FALSE(readMetadataTrailer(file));
 }
 
 TEST(MetadataRecord, LineByLineAndBack)
