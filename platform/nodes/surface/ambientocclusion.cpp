@@ -186,13 +186,11 @@ struct Rays
 class LineRow
 {
 public:
-    explicit LineRow(int width)
-        : m_pitch((width + kStrip + 2 * kLineMargin + 15) / 16 * 16), m_width(width),
-          m_floats(std::size_t(m_pitch) * kLines)
-    {
-    }
+    /// `floats` has room for sizeOf(width), and stays the caller's.
+    LineRow(int width, float* floats) : m_pitch(pitchOf(width)), m_width(width), m_floats(floats) {}
+    static std::size_t sizeOf(int width) { return std::size_t(pitchOf(width)) * kLines; }
     /// Pixel 0 of a line: number 2 d is k s, 2 d + 1 is k of direction d.
-    float* line(int number) { return m_floats.data() + std::size_t(number) * m_pitch + kLineMargin; }
+    float* line(int number) { return m_floats + std::size_t(number) * m_pitch + kLineMargin; }
     void wrap()
     {
         for (int i = 0; i < kLines; ++i) {
@@ -202,8 +200,10 @@ public:
     }
 
 private:
+    static int pitchOf(int width) { return (width + kStrip + 2 * kLineMargin + 15) / 16 * 16; }
+
     int m_pitch, m_width;
-    RowBuffer m_floats;
+    float* m_floats;
 };
 
 /// The lines of a copy between whose pixels those of the next larger one lie.
@@ -211,8 +211,11 @@ class Lines
 {
 public:
     Lines(const OcclusionState& state, const AreaJob& job, int pass)
-        : m_level(pass == kHalf ? state.half : state.quarter),
-          m_here(copyOf(state, job, pass)), m_rows{LineRow(m_level.width), LineRow(m_level.width)},
+        : m_level(pass == kHalf ? state.half : state.quarter), m_here(copyOf(state, job, pass)),
+          m_floats(2 * LineRow::sizeOf(m_level.width)), m_rows{LineRow(m_level.width, m_floats.data()),
+                                                               LineRow(m_level.width,
+                                                                       m_floats.data() +
+                                                                           LineRow::sizeOf(m_level.width))},
           m_strip(std::size_t(kLines) * kStripPitch)
     {
         for (int d = 0; d < kDirections; ++d) {
@@ -353,6 +356,9 @@ private:
 
     const OcclusionLevel& m_level;
     Copy m_here;
+    // Of both rows: the C library keeps one large block for the next band, but gives several back to the
+    // system, whose fresh pages then cost a quarter of the time.
+    RowBuffer m_floats;
     std::array<LineRow, 2> m_rows; // of even and odd rows
     std::array<int, 2> m_at{};
     std::array<bool, 2> m_filled{};
