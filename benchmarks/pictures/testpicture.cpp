@@ -28,7 +28,8 @@ QSharedPointer<Surface> testPicture(PixelFormat format)
     return converted;
 }
 
-void registerPair(const std::string& name, const std::string& rival, double aim, std::function<Pair()> make)
+void registerPair(const std::string& name, const std::string& rival, std::optional<double> aim,
+                  std::function<Pair()> make)
 {
     const auto measure = [=](benchmark::State& state) {
         const Pair pair = make();
@@ -42,7 +43,8 @@ void registerPair(const std::string& name, const std::string& rival, double aim,
                 const Span beside = Comparison::time(pair.theirs);
                 comparison.add(Comparison::time(pair.ours), beside);
             }
-        state.counters["aim"] = -aim;
+        if (aim)
+            state.counters["aim"] = -*aim;
     };
     benchmark::RegisterBenchmark(name.c_str(), measure)->Iterations(1)->UseManualTime();
 }

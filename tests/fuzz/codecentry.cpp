@@ -95,9 +95,9 @@ void dds(const std::uint8_t* data, std::size_t size)
 
 void imagefile(const std::uint8_t* data, std::size_t size)
 {
-    static const char* const formats[] = {"",    "bmp", "dds",  "exr",  "gif", "hdr", "iff", "j2k",
-                                          "jp2", "jpg", "pcx",  "pfm",  "png", "ppm", "psd", "sgi",
-                                          "tga", "tif", "wbmp", "webp", "xbm", "xpm"};
+    static const char* const formats[] = {
+        "",    "bmp", "dds", "exr", "gif",  "hdr",  "iff", "j2k", "jp2",  "jpg", "pcx", "pfm", "png", "ppm",
+        "psd", "sgi", "tga", "tif", "wbmp", "webp", "xbm", "xpm", "pict", "ras", "ico", "cut", "mng", "jng"};
     if (size == 0)
         return;
     const SurfaceCodecManager& manager =

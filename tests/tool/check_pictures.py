@@ -72,7 +72,7 @@ READ = [
     ("flat.psd", ["-alpha", "off", "-depth", "8", "-compress", "RLE"], 0), ("deep.psd", ["-alpha", "off", "-depth", "16"], 0),
     ("lossless.jp2", ["-alpha", "off", "-quality", "0"], 0), ("grey.j2k", [*GREY, "-quality", "0"], 0),
     ("colour.gif", ["-alpha", "off"], 0), ("colour.ppm", ["-alpha", "off", "-depth", "8"], 0), ("deep.ppm", ["-alpha", "off", "-depth", "16"], 0),
-    ("colour.pcx", ["-alpha", "off"], 0), ("colour.sgi", ["-alpha", "off", "-depth", "8"], 0), ("colour.xpm", ["-alpha", "off", "-colors", "16"], 257),
+    ("colour.pct", ["-alpha", "off"], 0), ("palette.pct", ["-alpha", "off", "-colors", "20", "-type", "Palette"], 257), ("colour.pcx", ["-alpha", "off"], 0), ("colour.sgi", ["-alpha", "off", "-depth", "8"], 0), ("colour.xpm", ["-alpha", "off", "-colors", "16"], 257),
 ]
 
 failures = []

@@ -1,7 +1,9 @@
 #include "orncommon/image/surfaceoperations.h"
 
 #include "orncommon/surfaces/half.h"
+#include "orncommon/surfaces/rowbands.h"
 
+#include <atomic>
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -36,15 +38,19 @@ SharedSurface makeLike(Surface const& source)
 /// Row by row, without a way out within one: so the rows are read as fast as memory gives them.
 template<typename T, typename IsOpaque> bool hasOtherAlpha(Surface const& surface, IsOpaque isOpaque)
 {
-    for (unsigned int y = 0; y < surface.height(); ++y) {
-        auto const* pixels = reinterpret_cast<T const*>(surface.row(y));
-        unsigned int others = 0;
-        for (unsigned int x = 0; x < surface.width(); ++x)
-            others += isOpaque(pixels[std::size_t(x) * 4 + 3]) ? 0 : 1;
-        if (others != 0)
-            return true;
-    }
-    return false;
+    std::atomic<bool> isFound{false};
+    auto const search = [&](unsigned int first, unsigned int end) {
+        for (unsigned int y = first; y < end && !isFound; ++y) {
+            auto const* pixels = reinterpret_cast<T const*>(surface.row(y));
+            unsigned int others = 0;
+            for (unsigned int x = 0; x < surface.width(); ++x)
+                others += isOpaque(pixels[std::size_t(x) * 4 + 3]) ? 0 : 1;
+            if (others != 0)
+                isFound = true;
+        }
+    };
+    Surfaces::forRowBands(surface.height(), surface.lineSize() * surface.height(), search);
+    return isFound;
 }
 
 float encodeSRGB(float value)

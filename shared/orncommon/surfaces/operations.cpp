@@ -1,6 +1,7 @@
 #include "orncommon/surfaces/operations.h"
 
 #include "orncommon/surfaces/pixelrows.h"
+#include "orncommon/surfaces/rowbands.h"
 
 #include <algorithm>
 #include <cmath>
@@ -53,12 +54,17 @@ bool prepare(Surface const& source, Surface& target, PixelFormat format)
 }
 
 /// Calls `convert(source row, target row)` for all rows, those of the target in the opposite order if
-/// `isMirrored`.
+/// `isMirrored`. Every band of rows that is worked on at once has a copy of `convert`.
 template<typename Convert>
-void forRows(Surface const& source, Surface& target, bool isMirrored, Convert convert)
+void forRows(Surface const& source, Surface& target, bool isMirrored, Convert const& convert)
 {
-    for (unsigned int y = 0; y < source.height(); ++y)
-        convert(source.row(y), target.row(isMirrored ? source.height() - 1 - y : y));
+    unsigned int const height = source.height();
+    auto const convertBand = [&](unsigned int first, unsigned int end) {
+        Convert own = convert;
+        for (unsigned int y = first; y < end; ++y)
+            own(source.row(y), target.row(isMirrored ? height - 1 - y : y));
+    };
+    forRowBands(height, (source.lineSize() + target.lineSize()) * height, convertBand);
 }
 
 void convertOverFloats(Surface const& source, Surface& target, float alpha, bool isMirrored)
@@ -68,18 +74,20 @@ void convertOverFloats(Surface const& source, Surface& target, float alpha, bool
     unsigned int const to = getChannelsCount(target.format());
     std::vector<float> loaded(width * from);
     std::vector<float> reshaped(from == to ? 0 : width * to);
-    forRows(source, target, isMirrored, [&](std::uint8_t const* in, std::uint8_t* out) {
-        loadRow(source.format(), in, width, loaded.data(), isSigned(source));
-        if (from != to)
-            reshapeRow(loaded.data(), from, reshaped.data(), to, width, alpha);
-        storeRow(target.format(), from == to ? loaded.data() : reshaped.data(), width, out, isSigned(target));
-    });
+    forRows(source, target, isMirrored,
+            [=, &source, &target](std::uint8_t const* in, std::uint8_t* out) mutable {
+                loadRow(source.format(), in, width, loaded.data(), isSigned(source));
+                if (from != to)
+                    reshapeRow(loaded.data(), from, reshaped.data(), to, width, alpha);
+                storeRow(target.format(), from == to ? loaded.data() : reshaped.data(), width, out,
+                         isSigned(target));
+            });
 }
 
-void copyMirrored(Surface const& source, Surface& target)
+void copyRows(Surface const& source, Surface& target, bool isMirrored)
 {
     std::size_t const bytes = source.lineSize();
-    forRows(source, target, true,
+    forRows(source, target, isMirrored,
             [bytes](std::uint8_t const* in, std::uint8_t* out) { std::memcpy(out, in, bytes); });
 }
 
@@ -89,9 +97,7 @@ bool convertInto(Surface const& source, Surface& target, std::uint8_t alpha, boo
         return false;
     bool const isAnySigned = isSigned(source) || isSigned(target);
     if (source.format() == target.format() && isSigned(source) == isSigned(target)) {
-        if (!isMirrored)
-            return deepCopy(source, target);
-        copyMirrored(source, target);
+        copyRows(source, target, isMirrored);
     } else if (DirectRow const direct = isAnySigned ? nullptr : directRow(source.format(), target.format())) {
         std::size_t const width = source.width();
         forRows(source, target, isMirrored,
@@ -218,13 +224,7 @@ bool deepCopy(Surface const& source, Surface& target)
 {
     if (!prepare(source, target, source.format()))
         return false;
-    std::size_t const bytes = source.lineSize();
-    if (source.pitch() == bytes && target.pitch() == bytes) {
-        std::memcpy(target.data(), source.data(), bytes * source.height());
-        return true;
-    }
-    for (unsigned int y = 0; y < source.height(); ++y)
-        std::memcpy(target.row(y), source.row(y), bytes);
+    copyRows(source, target, false);
     return true;
 }
 

@@ -1,6 +1,7 @@
 #include "orncommon/surfaces/pixelrows.h"
 
 #include "orncommon/surfaces/half.h"
+#include "orncommon/surfaces/widerows.h"
 
 #include <algorithm>
 #include <array>
@@ -341,6 +342,8 @@ void reshapeRow(float const* in, unsigned int from, float* out, unsigned int to,
 
 DirectRow directRow(PixelFormat from, PixelFormat to)
 {
+    if (DirectRow const wide = wideRow(from, to))
+        return wide;
     for (DirectWay const& way : reorderings)
         if (way.from == from && way.to == to)
             return way.row;

@@ -1,8 +1,8 @@
 #include "orncommon/surfaces/surface.h"
 
+#include "orncommon/surfaces/rowbands.h"
+
 #include <algorithm>
-#include <array>
-#include <cstring>
 #include <limits>
 #include <new>
 #include <utility>
@@ -86,15 +86,12 @@ void Surface::mirror()
 {
     if (isEmpty() || height() == 0)
         return;
-    std::array<std::uint8_t, 4096> piece;
     std::uint64_t const bytes = lineSize();
-    for (unsigned int top = 0, bottom = height() - 1; top < bottom; ++top, --bottom)
-        for (std::uint64_t at = 0; at < bytes; at += piece.size()) {
-            std::size_t const size = std::size_t(std::min<std::uint64_t>(piece.size(), bytes - at));
-            std::memcpy(piece.data(), row(top) + at, size);
-            std::memcpy(row(top) + at, row(bottom) + at, size);
-            std::memcpy(row(bottom) + at, piece.data(), size);
-        }
+    auto const swapRows = [=](unsigned int first, unsigned int end) {
+        for (unsigned int top = first; top < end; ++top)
+            std::swap_ranges(row(top), row(top) + bytes, row(height() - 1 - top));
+    };
+    forRowBands(height() / 2, bytes * height() * 2, swapRows);
 }
 
 void Surface::swap(Surface& other) noexcept

@@ -181,6 +181,23 @@ TEST_F(Codecs, OpaqueBitmapsHaveNoAlpha)
     EXPECT_FALSE(manager.loadFile(path("alpha.jpg")).isNull());
 }
 
+TEST_F(Codecs, RunLengthBitmapsStateTheirSizes)
+{
+    SurfaceCodecOptions options;
+    options.setValue("bmp_compression", "rle");
+    auto const picture = pictureOf<std::uint8_t>(L8, 8, 2, std::vector<std::uint8_t>(16, 5));
+    ASSERT_TRUE(manager.saveFile(picture, path("runs.bmp"), &options));
+    // Headers of 14 and 40 bytes and a palette, then two rows of a run and an end, and the end of the
+    // picture.
+    QByteArray const file = contents("runs.bmp");
+    EXPECT_EQ(file.mid(1078).toHex(), "08050000"
+                                      "08050000"
+                                      "0001");
+    EXPECT_EQ(qFromLittleEndian<quint32>(file.constData() + 2), 1088u);
+    EXPECT_EQ(qFromLittleEndian<quint32>(file.constData() + 34), 10u);
+    EXPECT_EQ(pixelsOf(*manager.loadFile(path("runs.bmp"))), pixelsOf(*picture));
+}
+
 QByteArray const tgaFooter = QByteArray(8, '\0') + "TRUEVISION-XFILE.";
 
 TEST_F(Codecs, GreyTargaByteByByte)
@@ -360,6 +377,16 @@ TEST_F(Codecs, DamagedFilesGiveNothingOrAPicture)
         read("#define x_width 16\n#define x_height 16\nstatic char x_bits[] = { 0x0f, ", "xbm").isNull());
 }
 
+/// A PICT file up to the rows of a 32-bit picture within `bounds`: top, left, bottom and right in
+/// hexadecimal.
+QByteArray pict(char const* bounds)
+{
+    return QByteArray(522, '\0') + QByteArray::fromHex("001102ff0c00") + QByteArray(24, '\0') +
+           QByteArray::fromHex("009a000000ff0000") + QByteArray::fromHex(bounds) +
+           QByteArray::fromHex("00000004000000000048000000480000001000200004000800000000")
+               .leftJustified(36 + 18, '\0');
+}
+
 TEST_F(Codecs, HugeSizesInATinyFileAreRefused)
 {
     auto const picture = rampOf(RGBA8, 4, 4);
@@ -396,6 +423,15 @@ TEST_F(Codecs, HugeSizesInATinyFileAreRefused)
                     QByteArray::fromHex("20000000400000000000000018000000ff00000000ff00000000ff00")
                         .leftJustified(52, '\0')},
         {"png", QByteArray::fromHex("89504e470d0a1a0a0000000d494844520000ffff0000ffff0806000000be1c9d62")},
+        // Lossless, 16383 x 16383 pixels.
+        {"webp", "RIFF" + QByteArray::fromHex("16000000") + "WEBPVP8L" +
+                     QByteArray::fromHex("0a0000002ffebfff0f0000000000")},
+        // Direct pixels, 60000 x 60000 and 16 x 16, the rows missing.
+        {"pict", pict("0000000060ea60ea")},
+        {"pict", pict("0000000000100010")},
+        {"ico", QByteArray::fromHex("00000100010010100000010018006803000016000000"
+                                    "28000000f0ffffff20000000010018")
+                    .leftJustified(1024, '\0')},
     };
     for (auto const& row : rows)
         EXPECT_TRUE(read(row.file, row.format).isNull()) << row.format;

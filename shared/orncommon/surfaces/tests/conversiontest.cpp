@@ -170,10 +170,13 @@ TEST(Conversion, DirectWaysGiveWhatTheWayOverFloatsGives)
             loadRow(a, noise.data(), width, loaded.data());
             reshapeRow(loaded.data(), getChannelsCount(a), reshaped.data(), getChannelsCount(b), width,
                        200 / 255.0f);
-            Bytes expected(width * getPixelSize(b)), got(width * getPixelSize(b));
-            storeRow(b, reshaped.data(), width, expected.data());
-            direct(noise.data(), width, got.data(), 200);
-            EXPECT_EQ(got, expected) << from << " to " << to;
+            for (std::size_t pixels : {1u, 2u, 3u, 4u, 5u, 6u, 7u, 11u, width}) {
+                std::size_t const bytes = pixels * getPixelSize(b);
+                Bytes expected(bytes + 16, 0xA5), got = expected; // and nothing beyond the last pixel
+                storeRow(b, reshaped.data(), pixels, expected.data());
+                direct(noise.data(), pixels, got.data(), 200);
+                EXPECT_EQ(got, expected) << from << " to " << to << ", " << pixels;
+            }
         }
     }
     EXPECT_GT(directWays, 40u);

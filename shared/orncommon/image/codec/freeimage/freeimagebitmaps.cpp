@@ -135,11 +135,12 @@ Allocation allocationOf(PixelFormat format)
     }
 }
 
+constexpr unsigned int limitOfLibrary = unsigned(std::numeric_limits<int>::max());
+
 /// Sizes that its interface can state.
 bool isWithinLibrary(Surface const& surface)
 {
-    unsigned int const limit = unsigned(std::numeric_limits<int>::max());
-    return surface.width() <= limit && surface.height() <= limit;
+    return surface.width() <= limitOfLibrary && surface.height() <= limitOfLibrary;
 }
 
 /// The bitmap's pixels, whose rows run from the bottom up.
@@ -239,17 +240,22 @@ QSharedPointer<Surface> surfaceFromBitmap(Bitmap bitmap)
                                        : widened(loaded.bitmap, loaded.has, description);
 }
 
-Bitmap bitmapFromSurface(Surface const& surface, PixelFormat format)
+BitmapToSave bitmapFromSurface(Surface const& surface, PixelFormat format)
 {
+    constexpr std::uint64_t rowAlignment = 4;
     Allocation const allocation = allocationOf(format);
     if (allocation.type == FIT_UNKNOWN || !isWithinLibrary(surface))
-        return nullptr;
-    Bitmap bitmap(
-        FreeImage_AllocateT(allocation.type, int(surface.width()), int(surface.height()), allocation.depth));
-    if (!bitmap)
-        return nullptr;
-    Surface pixels(FreeImage_GetBits(bitmap.get()), descriptionOf(bitmap.get(), format));
-    return convertMirrored(surface, pixels, ConversionParameters{255}) ? std::move(bitmap) : nullptr;
+        return {};
+    SurfaceDescription description(surface.width(), surface.height(), format);
+    description.pitch = (description.lineSize() + rowAlignment - 1) / rowAlignment * rowAlignment;
+    Surface pixels(description);
+    if (description.pitch > limitOfLibrary || !convertMirrored(surface, pixels, ConversionParameters{255}))
+        return {};
+    // A bitmap of the library's own would be filled with zeros first, page by small page.
+    Bitmap bitmap(FreeImage_ConvertFromRawBitsEx(FALSE, pixels.data(), allocation.type, int(surface.width()),
+                                                 int(surface.height()), int(description.pitch),
+                                                 unsigned(allocation.depth), 0, 0, 0, FALSE));
+    return {std::move(pixels), std::move(bitmap)};
 }
 
 PixelFormat savedFormat(PixelFormat format, FreeImageType type, FreeImageFormat plugin)

@@ -19,8 +19,15 @@ using Bitmap = std::unique_ptr<FIBITMAP, BitmapUnloader>;
 /// Null for the types that have no pixel format.
 QSharedPointer<Surfaces::Surface> surfaceFromBitmap(Bitmap bitmap);
 
-/// A surface as a bitmap to save, in `format`: of 8-bit colour formats, one with blue first. Null on failure.
-Bitmap bitmapFromSurface(Surfaces::Surface const& surface, Surfaces::PixelFormat format);
+/// A bitmap over pixels that are not the library's.
+struct BitmapToSave
+{
+    Surfaces::Surface pixels;
+    Bitmap bitmap; ///< null on failure
+};
+
+/// A surface as a bitmap to save, in `format`: of 8-bit colour formats, one with blue first.
+BitmapToSave bitmapFromSurface(Surfaces::Surface const& surface, Surfaces::PixelFormat format);
 
 /// The format in which pixels of `format` reach the plug-in: without the alpha that `type`, the bitmap type
 /// chosen for it, or a file of the plug-in can't hold.

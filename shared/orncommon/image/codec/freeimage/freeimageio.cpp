@@ -11,7 +11,9 @@ namespace Orn::Image::Codec {
 namespace {
 
 /// Far more than any sound file makes a plug-in ask.
-constexpr int mostEmptyReads = 1 << 16;
+constexpr double soundEmptyReads = 1 << 16;
+/// No plug-in asks more often for a byte of the picture.
+constexpr double readsOfAByte = 4;
 
 FreeImageDevice& deviceOf(fi_handle handle)
 {
@@ -23,10 +25,7 @@ FreeImageDevice& deviceOf(fi_handle handle)
 unsigned readItems(void* buffer, unsigned size, unsigned count, fi_handle handle)
 {
     qint64 const wanted = qint64(size) * count;
-    qint64 const bytes =
-        std::max<qint64>(0, deviceOf(handle).device().read(static_cast<char*>(buffer), wanted));
-    if (bytes != wanted)
-        deviceOf(handle).noteEnd(bytes == 0);
+    qint64 const bytes = deviceOf(handle).read(static_cast<char*>(buffer), wanted);
     std::memset(static_cast<char*>(buffer) + bytes, 0, std::size_t(wanted - bytes));
     return size == 0 ? 0 : unsigned(bytes / size);
 }
@@ -51,7 +50,7 @@ int seekTo(fi_handle handle, long offset, int origin)
         base = device.device().size();
     qint64 const position = base + offset;
     bool const isWithin = device.device().isWritable() || position <= device.device().size();
-    return position >= device.start() && isWithin && device.device().seek(position) ? 0 : -1;
+    return position >= device.start() && isWithin && device.seek(position) ? 0 : -1;
 }
 
 long tell(fi_handle handle)
@@ -62,18 +61,39 @@ long tell(fi_handle handle)
 } // namespace
 
 FreeImageDevice::FreeImageDevice(QIODevice& device, Writer writer)
-    : m_device(device), m_start(device.pos()), m_writer(writer),
+    : m_device(device), m_start(device.pos()), m_writer(writer), m_mostEmptyReads(soundEmptyReads),
       m_io(new FreeImageIO{readItems, writeItems, seekTo, tell})
 {
 }
 
 FreeImageDevice::~FreeImageDevice() = default;
 
-void FreeImageDevice::noteEnd(bool isNothingThere)
+qint64 FreeImageDevice::read(char* buffer, qint64 bytes)
 {
-    m_emptyReads += isNothingThere;
-    if (m_reader == Reader::EndsByException || m_emptyReads > mostEmptyReads)
+    qint64 const got = m_isAtEnd ? 0 : std::max<qint64>(0, m_device.read(buffer, bytes));
+    if (got == bytes)
+        return got;
+    m_isAtEnd = true;
+    m_emptyReads += got == 0;
+    if (m_reader == Reader::EndsByException || double(m_emptyReads) > m_mostEmptyReads)
         throw "the file ends too early";
+    return got;
+}
+
+bool FreeImageDevice::seek(qint64 position)
+{
+    m_isAtEnd = false;
+    return m_device.seek(position);
+}
+
+void FreeImageDevice::expectPicture(double bytes)
+{
+    m_mostEmptyReads = soundEmptyReads + bytes * readsOfAByte;
+}
+
+bool FreeImageDevice::isCutShort() const
+{
+    return double(m_emptyReads) > soundEmptyReads;
 }
 
 char const* FreeImageDevice::refusal()

@@ -14,9 +14,10 @@ namespace Orn::Image::Codec {
 /// The plug-in for PNG does not look at whether its bytes were taken, but ends for an exception of the type
 /// that its own errors have: `writer` says so, and a refused write then throws refusal().
 ///
-/// Plug-ins read on behind the end of a damaged file, some of them for ever: what goes on for long ends by an
-/// exception of that type as well. The one for PSD writes beyond its memory there, so `reader` ends it at
-/// once.
+/// Plug-ins read on behind the end of a damaged file, where all bytes are 0. An exception loses the bitmap of
+/// many of them, so they are left to it for as long as a picture of the stated size may last, and
+/// isCutShort() tells afterwards; those that would go on for ever end by an exception of that type as well.
+/// The one for PSD writes beyond its memory there, so `reader` ends it at once.
 class FreeImageDevice
 {
 public:
@@ -39,17 +40,24 @@ public:
     qint64 start() const { return m_start; }
     Writer writer() const { return m_writer; }
     void setReader(Reader reader) { m_reader = reader; }
-    /// Of the bytes that the library asked for, some are not there: may throw.
-    void noteEnd(bool isNothingThere);
+    /// What the pixels to be read take in memory.
+    void expectPicture(double bytes);
+    /// Whether so much was read behind the end that the picture can't be meant.
+    bool isCutShort() const;
     static char const* refusal();
-    bool rewind() { return m_device.seek(m_start); }
+    /// How many bytes were there; may throw where some were not.
+    qint64 read(char* buffer, qint64 bytes);
+    bool seek(qint64 position);
+    bool rewind() { return seek(m_start); }
 
 private:
     QIODevice& m_device;
     qint64 m_start;
     Writer m_writer;
     Reader m_reader = Reader::LooksAtCounts;
-    int m_emptyReads = 0; ///< behind the end
+    bool m_isAtEnd = false;
+    qint64 m_emptyReads = 0; ///< behind the end
+    double m_mostEmptyReads;
     std::unique_ptr<FreeImageIO> m_io;
 };
 

@@ -1,15 +1,12 @@
 #include "orncommon/image/codec/freeimage/freeimagesurfacecodec.h"
 
-#include "orncommon/image/codec/freeimage/exrheader.h"
+#include "orncommon/image/codec/freeimage/crediblesize.h"
 #include "orncommon/image/codec/freeimage/freeimagebitmaps.h"
 #include "orncommon/image/codec/freeimage/freeimageio.h"
 #include "orncommon/image/codec/freeimage/freeimagemetadata.h"
 #include "orncommon/image/codec/freeimage/freeimagemgr.h"
 #include "orncommon/image/codec/freeimage/freeimagesaveflags.h"
-#include "orncommon/image/codec/freeimage/jpeg2000header.h"
 #include "orncommon/image/codec/freeimage/plainbmp.h"
-#include "orncommon/image/codec/freeimage/psdcheck.h"
-#include "orncommon/image/codec/freeimage/statedsize.h"
 #include "orncommon/image/codec/freeimage/tgagrayscalecodec.h"
 #include "orncommon/image/codec/surfacecodecoptions.h"
 #include "orncommon/image/surfaceoperations.h"
@@ -38,70 +35,6 @@ void reportMessage(FREE_IMAGE_FORMAT plugin, char const* message)
                                 .arg(QString::fromUtf8(message), QString::fromUtf8(name));
 }
 
-/// No compression that the library's plug-ins know packs tighter than this, with three kinds of exceptions.
-/// So a header that promises more than the file can hold is found out before any pixel is allocated.
-constexpr double tightestPacking = 4096.0;
-constexpr double alwaysAccepted = 16.0 * 1024 * 1024;
-constexpr double neverAccepted = 16.0 * 1024 * 1024 * 1024;
-/// Of those that pack without bound, where the header's word is all there is: a colour picture of 16384 x
-/// 16384 pixels goes through.
-constexpr double neverAcceptedUnbounded = 1024.0 * 1024 * 1024;
-
-bool packsWithoutBound(FREE_IMAGE_FORMAT plugin, unsigned int bitsPerPixel)
-{
-    bool const isBilevelTiff = plugin == FIF_TIFF && bitsPerPixel == 1;
-    return plugin == FIF_WEBP || plugin == FIF_J2K || plugin == FIF_JP2 || plugin == FIF_JXR ||
-           plugin == FIF_FAXG3 || isBilevelTiff;
-}
-
-bool isCredibleSize(FREE_IMAGE_FORMAT plugin, double pixels, unsigned int bitsPerPixel, FreeImageDevice& file)
-{
-    double const bytes = pixels * bitsPerPixel / 8.0;
-    double const packed = double(file.device().size() - file.start());
-    if (packsWithoutBound(plugin, bitsPerPixel))
-        return bytes <= neverAcceptedUnbounded;
-    return bytes <= alwaysAccepted || (bytes <= neverAccepted && bytes <= packed * tightestPacking);
-}
-
-/// Before the library reads an EXR header: it has at least one half per pixel.
-bool isCredibleExr(FreeImageDevice& file)
-{
-    auto const pixels = exrPixelCount(file.device());
-    return pixels && file.rewind() && isCredibleSize(FIF_EXR, *pixels, 16, file);
-}
-
-/// Before the library reads a JPEG 2000 header, for which it makes the whole picture.
-bool isCredibleJpeg2000(FREE_IMAGE_FORMAT plugin, FreeImageDevice& file)
-{
-    auto const size = jpeg2000Size(file.device());
-    return size && file.rewind() && isCredibleSize(plugin, size->pixels, size->bitsPerPixel, file);
-}
-
-/// The same for the other plug-ins that can't read a header alone.
-bool isCredibleHeader(FREE_IMAGE_FORMAT plugin, FreeImageDevice& file)
-{
-    auto const stated = statedSize(plugin, file.device());
-    return file.rewind() && (!stated || isCredibleSize(plugin, stated->pixels, stated->bitsPerPixel, file));
-}
-
-/// Whether the size that the header states can be true for a file of this length.
-bool isCredible(FREE_IMAGE_FORMAT plugin, FreeImageDevice& file)
-{
-    if (plugin == FIF_EXR && !isCredibleExr(file))
-        return false;
-    if (plugin == FIF_PSD && (!arePsdRowsSound(file.device()) || !file.rewind()))
-        return false;
-    if ((plugin == FIF_J2K || plugin == FIF_JP2) && !isCredibleJpeg2000(plugin, file))
-        return false;
-    if (!FreeImage_FIFSupportsNoPixels(plugin))
-        return isCredibleHeader(plugin, file);
-    Bitmap const header(FreeImage_LoadFromHandle(plugin, file.io(), file.handle(), FIF_LOAD_NOPIXELS));
-    if (!header || !file.rewind())
-        return false;
-    double const pixels = double(FreeImage_GetWidth(header.get())) * FreeImage_GetHeight(header.get());
-    return isCredibleSize(plugin, pixels, FreeImage_GetBPP(header.get()), file);
-}
-
 /// Null when the file can't be read.
 Bitmap loadBitmap(FREE_IMAGE_FORMAT plugin, QIODevice& device)
 {
@@ -109,9 +42,10 @@ Bitmap loadBitmap(FREE_IMAGE_FORMAT plugin, QIODevice& device)
     if (plugin == FIF_PSD)
         file.setReader(FreeImageDevice::Reader::EndsByException);
     try {
-        if (!isCredible(plugin, file))
+        if (!hasCredibleSize(plugin, file))
             return {};
-        return Bitmap(FreeImage_LoadFromHandle(plugin, file.io(), file.handle(), 0));
+        Bitmap bitmap(FreeImage_LoadFromHandle(plugin, file.io(), file.handle(), 0));
+        return file.isCutShort() ? nullptr : std::move(bitmap);
     } catch (char const* message) {
         reportMessage(plugin, message);
         return {};
@@ -211,7 +145,8 @@ bool FreeimageSurfaceCodec::doWrite(QSharedPointer<Surface> const& surface,
     if (!mgr || plugin == FIF_UNKNOWN || !chooseTarget(*mgr, plugin, surface, target))
         return false;
     FreeImage_SetOutputMessage(reportMessage);
-    Bitmap bitmap = bitmapFromSurface(*surface, target.format);
+    BitmapToSave made = bitmapFromSurface(*surface, target.format);
+    Bitmap& bitmap = made.bitmap;
     if (bitmap && !target.custom)
         bitmap = settleDepth(std::move(bitmap), plugin);
     if (!bitmap)
@@ -224,8 +159,11 @@ bool FreeimageSurfaceCodec::doWrite(QSharedPointer<Surface> const& surface,
     auto const locker = mgr->getLocker(plugin);
     if (target.custom)
         return target.custom->save(file.io(), bitmap.get(), file.handle(), 0, flags, nullptr);
+    bool const isRunLengthBmp =
+        plugin == FIF_BMP && (flags & BMP_SAVE_RLE) != 0 && FreeImage_GetBPP(bitmap.get()) == 8;
     try {
-        return FreeImage_SaveToHandle(plugin, bitmap.get(), file.io(), file.handle(), flags) != FALSE;
+        return FreeImage_SaveToHandle(plugin, bitmap.get(), file.io(), file.handle(), flags) != FALSE &&
+               (!isRunLengthBmp || stateRunLengthSizes(m_device, file.start()));
     } catch (char const*) {
         return false;
     }

@@ -2,12 +2,15 @@
 
 #include <QtEndian>
 
+#include <cmath>
+
 namespace Orn::Image::Codec {
 
 namespace {
 
 constexpr int sizBytes = 43; ///< SOC, SIZ and its fields up to the depth of the first channel
 constexpr int mostBoxes = 1000;
+constexpr double tilePartBytes = 14; ///< SOT with its fields, and SOD
 
 quint32 number32(QByteArray const& bytes, int at)
 {
@@ -37,7 +40,7 @@ bool seekCodestream(QIODevice& device)
     return false;
 }
 
-std::optional<Jpeg2000Size> sizeFromCodestream(QByteArray const& bytes)
+std::optional<StatedSize> sizeFromCodestream(QByteArray const& bytes)
 {
     if (bytes.size() != sizBytes || !bytes.startsWith(QByteArray::fromHex("ff4fff51")))
         return {};
@@ -48,14 +51,16 @@ std::optional<Jpeg2000Size> sizeFromCodestream(QByteArray const& bytes)
     double const height = side(12, 20);
     unsigned int const channels = qFromBigEndian<quint16>(bytes.constData() + 40);
     unsigned int const depth = (quint8(bytes[42]) & 0x7fu) + 1;
-    if (width <= 0 || height <= 0)
+    double const tileWidth = number32(bytes, 24), tileHeight = number32(bytes, 28);
+    if (width <= 0 || height <= 0 || tileWidth == 0 || tileHeight == 0)
         return {};
-    return Jpeg2000Size{width * height, channels * (depth > 8 ? 16u : 8u)};
+    double const tiles = std::floor(width / tileWidth) * std::floor(height / tileHeight);
+    return StatedSize{width * height, channels * (depth > 8 ? 16u : 8u), tiles * tilePartBytes};
 }
 
 } // namespace
 
-std::optional<Jpeg2000Size> jpeg2000Size(QIODevice& device)
+std::optional<StatedSize> jpeg2000Size(QIODevice& device)
 {
     if (device.peek(2) != QByteArray::fromHex("ff4f") && !seekCodestream(device))
         return {};

@@ -9,7 +9,8 @@ namespace {
 constexpr int fileHeader = 14;
 constexpr int shortHeader = 40;
 constexpr int masks = 12; // red, green and blue, behind either header's first 40 bytes
-constexpr int pixelsAt = 10, headerSizeAt = 14, compressionAt = 30;
+constexpr int fileSizeAt = 2, pixelsAt = 10, headerSizeAt = 14, compressionAt = 30, pixelSizeAt = 34;
+constexpr int palette = 256 * 4;
 enum Compression : quint32
 {
     RunLength8 = 1,
@@ -55,7 +56,22 @@ void dropLastRowEnd(QByteArray& bytes, bool isFourBits)
     }
 }
 
+bool writeNumber(QIODevice& device, qint64 at, qint64 value)
+{
+    quint32 const number = qToLittleEndian(quint32(value));
+    return device.seek(at) &&
+           device.write(reinterpret_cast<char const*>(&number), sizeof number) == sizeof number;
+}
+
 } // namespace
+
+bool stateRunLengthSizes(QIODevice& device, qint64 start)
+{
+    qint64 const end = device.pos();
+    return writeNumber(device, start + fileSizeAt, end - start) &&
+           writeNumber(device, start + pixelSizeAt, end - start - fileHeader - shortHeader - palette) &&
+           device.seek(end);
+}
 
 QByteArray plainBmp(QIODevice& device)
 {

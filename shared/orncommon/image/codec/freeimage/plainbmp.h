@@ -13,4 +13,9 @@ namespace Orn::Image::Codec {
 /// picture follows.
 QByteArray plainBmp(QIODevice& device);
 
+/// States the sizes of a run-length coded 8-bit BMP file that was written from `start` up to the device's
+/// position. The library leaves those of plain pixels there, and other programs refuse the file. False where
+/// the device can't be written so.
+bool stateRunLengthSizes(QIODevice& device, qint64 start);
+
 } // namespace Orn::Image::Codec

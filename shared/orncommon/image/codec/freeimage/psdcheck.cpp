@@ -2,6 +2,7 @@
 
 #include <QtEndian>
 
+#include <algorithm>
 #include <optional>
 
 namespace Orn::Image::Codec {
@@ -10,6 +11,7 @@ namespace {
 
 constexpr int headerBytes = 26;
 constexpr quint64 mostRows = quint64(56) * 300000; // channels and rows that the format allows
+constexpr quint64 mostChannelsRead = 4;            // the library leaves the others
 
 template<class Number> std::optional<Number> readNumber(QIODevice& device)
 {
@@ -77,7 +79,11 @@ bool arePsdRowsSound(QIODevice& device)
     auto const packing = hasSections ? readNumber<quint16>(device) : std::nullopt;
     if (!packing)
         return false;
-    return packing != quint16(1) || areRowsSound(device, channels * height, (width * depth + 7) / 8, isLong);
+    quint64 const rowBytes = (width * depth + 7) / 8;
+    if (packing == quint16(1))
+        return areRowsSound(device, channels * height, rowBytes, isLong);
+    double const bytes = double(rowBytes) * double(height) * double(std::min(channels, mostChannelsRead));
+    return bytes <= double(device.size() - device.pos());
 }
 
 } // namespace Orn::Image::Codec

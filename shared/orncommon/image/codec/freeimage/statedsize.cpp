@@ -6,6 +6,8 @@
 #include <QtEndian>
 
 #include <algorithm>
+#include <cmath>
+#include <limits>
 
 namespace Orn::Image::Codec {
 
@@ -52,8 +54,11 @@ Size sizeOfGif(Header const& header)
     return StatedSize{std::max(screen, header.little16(at + 5) * header.little16(at + 7)), 8};
 }
 
+/// Rows of whole bytes, one bit a pixel. Nobody writes the form with more headers.
 Size sizeOfWbmp(Header const& header)
 {
+    if ((header.byte(1) & 0x80) != 0)
+        return StatedSize{std::numeric_limits<double>::infinity(), 1};
     int at = 2;
     auto const number = [&] {
         double value = 0;
@@ -64,8 +69,8 @@ Size sizeOfWbmp(Header const& header)
         } while ((byte & 0x80) != 0);
         return value;
     };
-    double const width = number();
-    return StatedSize{width * number(), 1};
+    double const width = number(), height = number();
+    return StatedSize{width * height, 1, at + std::ceil(width / 8) * height};
 }
 
 Size sizeOfXbm(Header const& header)
@@ -74,7 +79,16 @@ Size sizeOfXbm(Header const& header)
     double pixels = 1;
     for (auto match = side.globalMatch(header.text()); match.hasNext();)
         pixels *= match.next().captured(1).toDouble();
-    return StatedSize{pixels, 8};
+    constexpr double charactersOfAByte = 3; // 0x1234 is two
+    return StatedSize{pixels, 8, pixels / 8 * charactersOfAByte};
+}
+
+/// Blocks of 4 x 4 pixels in at least 8 bytes, or pixels of as many bits as are stated.
+Size sizeOfDds(Header const& header)
+{
+    double const pixels = header.little32(12) * header.little32(16);
+    bool const isInBlocks = (header.byte(80) & 4) != 0;
+    return StatedSize{pixels, 32, pixels * (isInBlocks ? 4 : header.little32(88)) / 8};
 }
 
 /// The first image within.
@@ -94,7 +108,7 @@ Size statedSize(FreeImageFormat plugin, QIODevice& device)
     Header const header(device.read(headerBytes));
     switch (plugin) {
     case FIF_DDS:
-        return StatedSize{header.little32(12) * header.little32(16), 32};
+        return sizeOfDds(header);
     case FIF_GIF:
         return sizeOfGif(header);
     case FIF_IFF:
