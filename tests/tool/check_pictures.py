@@ -16,6 +16,13 @@ import sys
 import tempfile
 
 SKIPPED = 77
+DEBIANS_PYTHON = "/usr/bin/python3"  # has the modules of Debian's packages; the one that runs this need not
+os.environ["OPENCV_IO_ENABLE_OPENEXR"] = "1"
+try:
+    import cv2
+    import numpy
+except ImportError:
+    cv2 = None
 PROGRAMS = ("convert", "identify", "exiftool", "exrheader", "tiffinfo")
 WIDTH, HEIGHT = 16, 8
 PACKAGE = """<package formatversion="1"><graph identifier="g"><inputs>
@@ -75,6 +82,19 @@ READ = [
     ("colour.pct", ["-alpha", "off"], 0), ("palette.pct", ["-alpha", "off", "-colors", "20", "-type", "Palette"], 257), ("colour.pcx", ["-alpha", "off"], 0), ("colour.sgi", ["-alpha", "off", "-depth", "8"], 0), ("colour.xpm", ["-alpha", "off", "-colors", "16"], 257),
 ]
 
+# Files that OpenCV writes: a name, channels, the type of a sample and the tolerance in 65535ths, beside what is meant by a sample of the type.
+WHOLE = {"uint8": lambda v: v * 257.0, "uint16": lambda v: v, "float32": lambda v: v * 65535.0,
+         "int16": lambda v: v.clip(0) / 32767.0 * 65535.0,  # signed numbers begin at 0
+         "int32": lambda v: (v > 0) * 65535.0}              # whole numbers become floats as they are
+BY_OPENCV = [
+    *[(f"{channels}{kind}.{extension}", channels, kind, tolerance) for extension, kind, tolerance in
+      [("png", "uint8", 0), ("png", "uint16", 0), ("tif", "uint8", 0), ("tif", "uint16", 0), ("tif", "float32", 1), ("exr", "float32", 1)]
+      for channels in (1, 3, 4)],
+    ("signed.tif", 1, "int16", 1), ("whole.tif", 1, "int32", 0), ("light.hdr", 3, "float32", 600), ("colour.pfm", 3, "float32", 1),
+    ("grey.bmp", 1, "uint8", 0), ("rgb.bmp", 3, "uint8", 0), ("rgba.bmp", 4, "uint8", 0), ("grey.pgm", 1, "uint8", 0), ("deep.pgm", 1, "uint16", 0),
+    ("rgb.ppm", 3, "uint8", 0), ("deep.ppm", 3, "uint16", 0), ("rgb.ras", 3, "uint8", 0), ("lossless.webp", 3, "uint8", 0),
+]
+
 failures = []
 
 
@@ -96,6 +116,28 @@ def samples(path, layout, deep=True):
 
 def greatest_difference(a, b):
     return max(map(lambda x, y: abs(x - y), a, b)) if a and len(a) == len(b) else f"{len(a)} and {len(b)} samples"
+
+
+def by_opencv(path, deep):
+    """What OpenCV reads: rows from the top, red first, in 65535ths (or 255ths), floats clamped. Height x width x channels."""
+    read = cv2.imread(str(path), cv2.IMREAD_UNCHANGED)
+    if read is None:
+        return numpy.zeros((0, 0, 0))
+    read = read.reshape(*read.shape[:2], -1)
+    read = read[..., [2, 1, 0, 3][:read.shape[2]]] if read.shape[2] > 1 else read
+    scale = 1 if read.dtype != "float32" else 65535 if deep else 255
+    return numpy.rint(read.clip(0, 1) * float(scale)) if scale > 1 else read.astype(float)
+
+
+def check_by_opencv(name, path, got, tolerance, deep):
+    """That OpenCV reads what ImageMagick read; it leaves the alpha of BMP files."""
+    read = by_opencv(path, deep)
+    told = numpy.array(got, float).reshape(HEIGHT, WIDTH, -1)[..., :max(1, read.shape[2])]
+    if "rgba8 at 8 in tif" in name:  # here it hands out what libtiff makes of alpha that stands for itself: colours multiplied by it
+        told[..., :3] = numpy.rint(told[..., :3] * told[..., 3:] / 255)
+        tolerance = 257
+    difference = abs(read - told).max() * (1 if deep else 257) if read.shape == told.shape else read.shape
+    check(f"{name}, by OpenCV", read.shape == told.shape and difference <= tolerance, difference)
 
 
 def run_length_bitmap():
@@ -140,6 +182,8 @@ def check_written(place):
                             output.rstrip("168").replace("grey", "gray"), deep)
             difference = greatest_difference(got, meant)
             check(f"{name}, pixels", not isinstance(difference, str) and difference * (1 if deep else 257) <= tolerance, difference)
+        if extension not in ("tga", "psd"):
+            check_by_opencv(name, path, got, tolerance, deep)
         check_kept(name, path, extension, depth, output)
     for depth, output in DDS:
         told = place.render("--image", "photo=noise.png", "--output", output, "--format", "dds", "--depth", depth, "-o", "dds")
@@ -188,8 +232,37 @@ def check_read(place):
             check(f"{name}, pixels", not isinstance(difference, str) and difference <= tolerance, difference)
 
 
+def check_read_from_opencv(place):
+    random_numbers = numpy.random.default_rng(1)
+    for name, channels, kind, tolerance in BY_OPENCV:
+        shape = (HEIGHT, WIDTH, channels) if channels > 1 else (HEIGHT, WIDTH)
+        if kind == "float32":
+            pixels = random_numbers.random(shape, dtype=kind)
+        else:
+            limits = numpy.iinfo(kind)
+            pixels = random_numbers.integers(limits.min, limits.max, shape, kind, endpoint=True)
+        # Floats of three channels would become logarithms otherwise. Above 100, WebP loses nothing.
+        options = {"tif": [cv2.IMWRITE_TIFF_COMPRESSION, 1], "webp": [cv2.IMWRITE_WEBP_QUALITY, 101]}.get(name.split(".")[1], [])
+        check(f"{name} is written by OpenCV", cv2.imwrite(str(place.folder / name), pixels, options))
+        meant = WHOLE[kind](pixels.reshape(HEIGHT, WIDTH, -1).astype(float))
+        meant = meant[..., [2, 1, 0, 3][:channels]] if channels > 1 else meant.repeat(3, 2)
+        if channels != 4:
+            meant = numpy.concatenate([meant, numpy.full((HEIGHT, WIDTH, 1), 65535.0)], 2)
+        told = place.render("--image", f"photo={name}", "--output", "rgba16", "-o", "opencv")
+        check(f"{name} of OpenCV is read", isinstance(told, list), told)
+        if isinstance(told, list):
+            difference = abs(by_opencv(place.folder / told[0]["file"], True) - meant).max()
+            check(f"{name} of OpenCV, pixels", difference <= tolerance, difference)
+    cv2.imwrite(str(place.folder / "double.tif"), numpy.ones((HEIGHT, WIDTH)))
+    check("doubles are refused", isinstance(place.render("--image", "photo=double.tif", "--output", "rgba16", "-o", "double"), str))
+
+
 def main():
+    if cv2 is None and os.path.exists(DEBIANS_PYTHON) and not os.path.samefile(sys.executable, DEBIANS_PYTHON):
+        os.execv(DEBIANS_PYTHON, [DEBIANS_PYTHON, *sys.argv])
     missing = [program for program in PROGRAMS if not shutil.which(program)]
+    if cv2 is None:
+        missing.append("OpenCV for Python")
     if missing:
         print("Skipped, for these programs are missing:", *missing)
         return SKIPPED
@@ -197,6 +270,7 @@ def main():
         place = Place(os.path.abspath(sys.argv[1]), name)
         check_written(place)
         check_read(place)
+        check_read_from_opencv(place)
     return 1 if failures else 0
 
 

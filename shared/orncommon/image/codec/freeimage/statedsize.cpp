@@ -15,6 +15,9 @@ namespace {
 
 /// Enough for the header of any of these formats, comments and palettes included.
 constexpr qint64 headerBytes = 64 * 1024;
+/// Of a GIF file the image comes behind all that programs may have to say about it.
+constexpr qint64 gifHeaderBytes = 16 * 1024 * 1024;
+StatedSize const notToBeTrusted = {std::numeric_limits<double>::infinity(), 8};
 
 using Size = std::optional<StatedSize>;
 
@@ -50,6 +53,8 @@ Size sizeOfGif(Header const& header)
             at += int(header.byte(at)) + 1;
         ++at;
     }
+    if (header.byte(at) != 0x2C)
+        return notToBeTrusted;
     double const screen = header.little16(6) * header.little16(8);
     return StatedSize{std::max(screen, header.little16(at + 5) * header.little16(at + 7)), 8};
 }
@@ -58,7 +63,7 @@ Size sizeOfGif(Header const& header)
 Size sizeOfWbmp(Header const& header)
 {
     if ((header.byte(1) & 0x80) != 0)
-        return StatedSize{std::numeric_limits<double>::infinity(), 1};
+        return notToBeTrusted;
     int at = 2;
     auto const number = [&] {
         double value = 0;
@@ -105,7 +110,7 @@ Size sizeOfMng(Header const& header)
 
 Size statedSize(FreeImageFormat plugin, QIODevice& device)
 {
-    Header const header(device.read(headerBytes));
+    Header const header(device.read(plugin == FIF_GIF ? gifHeaderBytes : headerBytes));
     switch (plugin) {
     case FIF_DDS:
         return sizeOfDds(header);
