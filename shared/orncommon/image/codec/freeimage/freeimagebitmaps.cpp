@@ -30,19 +30,39 @@ FREE_IMAGE_TYPE typeOf(Bitmap const& bitmap)
     return FreeImage_GetImageType(bitmap.get());
 }
 
+/// The bitmap's pixels, whose rows run from the bottom up.
+SurfaceDescription descriptionOf(FIBITMAP* bitmap, PixelFormat format)
+{
+    SurfaceDescription description(FreeImage_GetWidth(bitmap), FreeImage_GetHeight(bitmap), format);
+    description.pitch = FreeImage_GetPitch(bitmap);
+    return description;
+}
+
+/// Whether the colour type of a 32-bit bitmap is FIC_RGBALPHA, for which the library asks every pixel by
+/// several calls.
+bool hasAlpha(FIBITMAP* bitmap)
+{
+    bool const isCmyk = (FreeImage_GetICCProfile(bitmap)->flags & FIICC_COLOR_IS_CMYK) != 0;
+    return !isCmyk &&
+           Core::hasPixelWithAlpha(Surface(FreeImage_GetBits(bitmap), descriptionOf(bitmap, BGRA8)));
+}
+
 Loaded loadedBitmap(Bitmap bitmap)
 {
-    FREE_IMAGE_COLOR_TYPE const colours = FreeImage_GetColorType(bitmap.get());
     unsigned int const depth = FreeImage_GetBPP(bitmap.get());
+    if (depth == 32) {
+        auto const alphaUse =
+            hasAlpha(bitmap.get()) ? SurfaceDescription::AlphaCarried : SurfaceDescription::AlphaAbsent;
+        return {std::move(bitmap), BGRA8, alphaUse};
+    }
+    FREE_IMAGE_COLOR_TYPE const colours = FreeImage_GetColorType(bitmap.get());
     if (colours == FIC_MINISBLACK) {
         Bitmap grey = depth == 8 ? std::move(bitmap) : Bitmap(FreeImage_ConvertTo8Bits(bitmap.get()));
         return {std::move(grey), L8};
     }
     if (depth == 24)
         return {std::move(bitmap), BGRA8, SurfaceDescription::AlphaAbsent, 0, BGR8};
-    Bitmap full = depth == 32 ? std::move(bitmap) : Bitmap(FreeImage_ConvertTo32Bits(bitmap.get()));
-    return {std::move(full), BGRA8,
-            colours == FIC_RGBALPHA ? SurfaceDescription::AlphaCarried : SurfaceDescription::AlphaAbsent};
+    return {Bitmap(FreeImage_ConvertTo32Bits(bitmap.get())), BGRA8};
 }
 
 Loaded loadedOf(Bitmap bitmap)
@@ -141,14 +161,6 @@ constexpr unsigned int limitOfLibrary = unsigned(std::numeric_limits<int>::max()
 bool isWithinLibrary(Surface const& surface)
 {
     return surface.width() <= limitOfLibrary && surface.height() <= limitOfLibrary;
-}
-
-/// The bitmap's pixels, whose rows run from the bottom up.
-SurfaceDescription descriptionOf(FIBITMAP* bitmap, PixelFormat format)
-{
-    SurfaceDescription description(FreeImage_GetWidth(bitmap), FreeImage_GetHeight(bitmap), format);
-    description.pitch = FreeImage_GetPitch(bitmap);
-    return description;
 }
 
 /// The bitmap itself becomes the surface's pixels.
