@@ -81,7 +81,7 @@ template<int depth, std::uint8_t format> void packedGaussian(benchmark::State& s
         state, "OpenCV blur, three boxes", Aim::AtLeast, 1.2,
         [&] {
             graph.run(node);
-            graph.pack(format, packed.data);
+            graph.fetch(format, packed.data);
         },
         [&] { threeBoxes(source, result, between, kSigma); });
     cv::Mat difference;

@@ -67,7 +67,7 @@ int OperationGraph::addPacked(std::uint8_t format, const void* pixels)
     texture.pixelFormat = format;
     texture.channelOrder = VELLOR_ORDER_RGBA;
     PlanNode node;
-    node.kind = &pictureKind();
+    node.kind = &pictureRowKind();
     node.source = HostImage::copy(texture);
     if (!node.source)
         fail("The picture's format can't be read");
@@ -77,6 +77,22 @@ int OperationGraph::addPacked(std::uint8_t format, const void* pixels)
     node.key = {1, m_plan.nodes.size()};
     node.compute = true;
     m_plan.nodes.push_back(std::move(node));
+    m_pictures.push_back(nullptr);
+    return static_cast<int>(m_plan.nodes.size()) - 1;
+}
+
+int OperationGraph::addOutput(std::uint8_t format, int node)
+{
+    PlanNode output;
+    output.kind = &packKind();
+    output.packs = true;
+    output.format = format;
+    output.width = m_width;
+    output.height = m_height;
+    output.channels = m_plan.nodes[std::size_t(node)].channels;
+    output.operands = {node};
+    output.key = {1, m_plan.nodes.size()};
+    m_plan.nodes.push_back(std::move(output));
     m_pictures.push_back(nullptr);
     return static_cast<int>(m_plan.nodes.size()) - 1;
 }
@@ -154,9 +170,14 @@ bool OperationGraph::tryRun(int node)
     return true;
 }
 
-void OperationGraph::pack(std::uint8_t format, void* pixels)
+void OperationGraph::fetch(std::uint8_t format, void* pixels)
 {
     Monitor monitor(m_stop, [](std::uint32_t, std::uint32_t) {});
     const RowLoop loop{m_threads, monitor, m_resources, m_height, m_width, 0};
-    loop.run([&](int y0, int y1, int) { convertRows(m_result->view(), format, y0, y1, pixels); });
+    loop.run([&](int y0, int y1, int) {
+        if (m_result->shape().packed)
+            copyPixels(*m_result, y0, y1, pixels);
+        else
+            convertRows(m_result->view(), format, y0, y1, pixels);
+    });
 }

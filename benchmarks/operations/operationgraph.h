@@ -39,6 +39,8 @@ public:
     int addPicture(int channels, const Fill& fill);
     /// A raw picture of the graph's size in a host's format, which is unpacked anew in each run. A copy.
     int addPacked(std::uint8_t format, const void* pixels);
+    /// What an output in a host's raw format shows: the pixels of a node. Nothing but the end of runs.
+    int addOutput(std::uint8_t format, int node);
     /// A node of a kind with operands in the order of its declaration; -1 leaves one out. Unknown names end
     /// the program.
     int addNode(const char* kind, int channels, const std::vector<int>& operands,
@@ -50,8 +52,8 @@ public:
     /// Computes a node with nothing kept from before but the pictures, in memory that an earlier run has
     /// touched.
     void run(int node);
-    /// Writes the result of the last run in a host's raw format, as an output of the engine is written.
-    void pack(std::uint8_t format, void* pixels);
+    /// Writes the result of the last run, planes or an output in this raw format, to where a host wants it.
+    void fetch(std::uint8_t format, void* pixels);
     /// The same, as long as nobody calls stop; whether it came to its end.
     bool tryRun(int node);
     /// Any thread. Counts from the start of a run on.

@@ -280,12 +280,13 @@ template<int mode, VipsBlendMode vipsMode> void blendPacked(benchmark::State& st
     cv::Mat(testPicture(4).t()).convertTo(background, CV_8U, 255);
     const int over = point.graph.addPacked(VELLOR_FORMAT_RGBA, source.data),
               under = point.graph.addPacked(VELLOR_FORMAT_RGBA, background.data);
-    const int node = point.graph.addNode("blend", 4, {over, under}, {{"mode", double(mode)}});
+    const int node = point.graph.addOutput(
+        VELLOR_FORMAT_RGBA, point.graph.addNode("blend", 4, {over, under}, {{"mode", double(mode)}}));
     const VipsComposite composite(source, background, vipsMode, point.threads);
     std::vector<std::uint8_t> result(std::size_t(4) * kSide * kSide);
     const auto ours = [&] {
         point.graph.run(node);
-        point.graph.pack(VELLOR_FORMAT_RGBA, result.data());
+        point.graph.fetch(VELLOR_FORMAT_RGBA, result.data());
     };
     compare(state, "libvips composite", Aim::AtLeast, 20.0, ours, [&] { g_object_unref(composite.run()); });
     VipsImage* theirs = composite.run();

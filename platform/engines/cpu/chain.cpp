@@ -11,9 +11,10 @@ namespace {
 
 /// Bytes of slots that are sure to stay in the second cache of a core, beside the rows of whole pictures.
 constexpr int kSlotBytes = 256 << 10;
-/// Pixels; multiples of 16. A handful of rows of the longest tile, which is what a grey kernel touches, stays
-/// in the first cache; shorter ones spend their time on calls.
+/// Pixels; multiples of 16. Shorter ones spend their time on calls.
 constexpr int kMinTile = 256, kMaxTile = 1024;
+/// Bytes of a tile's rows that one kernel touches. They are sure to stay in the first cache.
+constexpr int kKernelBytes = 24 << 10;
 /// Bytes of a tile's rows that are fetched ahead and of those that are written past the caches. All of them
 /// lie in the first cache at once, beside what the kernels need.
 constexpr int kStreamedBytes = 12 << 10;
@@ -25,7 +26,7 @@ class Chain::Compiler
 {
 public:
     Compiler(Chain& chain, const StageContext& context, const Stage& stage, const Pictures& read,
-             const std::unordered_map<int, nodes::MutableImage>& written)
+             const Results& written)
         : chain_(chain), context_(context), plan_(context.plan), stage_(stage), read_(read),
           written_(written), streams_(tooLargeForCaches())
     {
@@ -39,8 +40,8 @@ public:
         if (streams_)
             shareAhead();
         const int row = (chain_.width_ + 15) / 16 * 16;
-        chain_.tileWidth_ = std::min(
-            {std::clamp(fitting(kSlotBytes, chain_.slotCount_), kMinTile, kMaxTile), streamedTile(), row});
+        const int fit = std::min(fitting(kSlotBytes, chain_.slotCount_), fitting(kKernelBytes, mostRows()));
+        chain_.tileWidth_ = std::min({std::clamp(fit, kMinTile, kMaxTile), streamedTile(), row});
     }
 
 private:
@@ -52,10 +53,25 @@ private:
         return bytes / (std::max(1, rows) * static_cast<int>(sizeof(float))) / 16 * 16;
     }
 
+    /// How many rows the kernel touches that touches most.
+    int mostRows() const
+    {
+        int most = 0;
+        for (const Call& call : chain_.calls_) {
+            int rows = call.pack ? 0 : call.channels;
+            for (std::size_t i = 0; i < call.operandPlanes; ++i) {
+                const Place& place = chain_.operands_[call.firstOperand + i];
+                rows += place.base || place.slot >= 0;
+            }
+            most = std::max(most, rows);
+        }
+        return most;
+    }
+
     int streamedTile() const
     {
         const int ahead = static_cast<int>(chain_.ahead_.size());
-        return ahead ? std::max(kMinTile, fitting(kStreamedBytes, ahead + streamedPlanes())) : kMaxTile;
+        return ahead ? std::max(kMinTile, fitting(kStreamedBytes, ahead + streamedRows())) : kMaxTile;
     }
 
     void findLastReaders()
@@ -83,11 +99,16 @@ private:
             if (node.operands[i] != kNoNode)
                 views[i] = shapeOf(node.operands[i]);
         }
-        const auto picture = read_.find(node.picture);
-        const nodes::Setup setup =
-            setupOf(context_, node, views, picture == read_.end() ? nodes::ImageView() : picture->second);
-        call.state = prepareNode(node, setup);
-        call.result = addResult(stage_.nodes[at], node, call.whole);
+        if (node.packs) {
+            const Image& pixels = *written_.at(stage_.nodes[at]);
+            call.pack.emplace(node.format, node.width, node.height, pixels.bytes());
+        } else {
+            const auto picture = read_.find(node.picture);
+            const nodes::Setup setup =
+                setupOf(context_, node, views, picture == read_.end() ? nodes::ImageView() : picture->second);
+            call.state = prepareNode(node, setup);
+            call.result = addResult(stage_.nodes[at], node, call.whole);
+        }
         chain_.calls_.push_back(std::move(call));
         releaseSlots(at, node);
     }
@@ -116,17 +137,20 @@ private:
     {
         Places& places = places_[index];
         Places& target = streams_ ? whole : places;
-        if (const auto written = written_.find(index); written != written_.end())
+        const auto written = written_.find(index);
+        const nodes::MutableImage planes =
+            written == written_.end() ? nodes::MutableImage() : written->second->mutableView();
+        if (written != written_.end())
             for (int c = 0; c < node.channels; ++c)
-                target[c] = {written->second.planes[c], written->second.stride, -1};
+                target[c] = {planes.planes[c], planes.stride, -1};
         for (int c = 0; c < node.channels; ++c)
             if (!places[c].base)
                 places[c].slot = takeSlot();
         return places;
     }
 
-    /// The planes of whole pictures that kernels read, each once, are fetched ahead, an even part of them
-    /// with each plane that is streamed.
+    /// What is read from whole pictures, each plane once, is fetched ahead, an even part with each row that
+    /// is streamed.
     void shareAhead()
     {
         for (const Call& call : chain_.calls_)
@@ -135,12 +159,12 @@ private:
                 if (place.base && !fetched(place) && reads(call, static_cast<int>(i)))
                     chain_.ahead_.push_back(place);
             }
-        const int ahead = static_cast<int>(chain_.ahead_.size()), streamed = streamedPlanes();
-        int plane = 0;
+        const int ahead = static_cast<int>(chain_.ahead_.size()), streamed = streamedRows();
+        int row = 0;
         for (Call& call : chain_.calls_)
-            for (int c = 0; call.whole[0].base && c < call.channels; ++c) {
-                call.ahead[c] = plane++ * ahead / streamed;
-                call.ahead[c + 1] = plane * ahead / streamed;
+            for (int c = 0; c < rowsStreamedBy(call); ++c) {
+                call.ahead[c] = row++ * ahead / streamed;
+                call.ahead[c + 1] = row * ahead / streamed;
             }
     }
 
@@ -156,12 +180,17 @@ private:
                            [&](const Place& other) { return other.base == place.base; });
     }
 
-    int streamedPlanes() const
+    static int rowsStreamedBy(const Call& call)
     {
-        int planes = 0;
+        return call.pack ? 1 : call.whole[0].base ? call.channels : 0;
+    }
+
+    int streamedRows() const
+    {
+        int rows = 0;
         for (const Call& call : chain_.calls_)
-            planes += call.whole[0].base ? call.channels : 0;
-        return planes;
+            rows += rowsStreamedBy(call);
+        return rows;
     }
 
     /// Whether what the stage writes is too much to be still in a cache when it is read.
@@ -169,7 +198,7 @@ private:
     {
         std::size_t bytes = 0;
         for (const auto& [node, image] : written_)
-            bytes += Image::byteSize(image.width, image.height, image.channels);
+            bytes += image->byteSize();
         return worthStreaming(bytes);
     }
 
@@ -204,15 +233,14 @@ private:
     const Plan& plan_;
     const Stage& stage_;
     const Pictures& read_;
-    const std::unordered_map<int, nodes::MutableImage>& written_;
+    const Results& written_;
     const bool streams_;
     std::unordered_map<int, int> lastReader_; // by node of the stage: position in it
     std::unordered_map<int, Places> places_;  // by node of the stage
     std::vector<int> free_;
 };
 
-Chain::Chain(const StageContext& context, const Stage& stage, const Pictures& read,
-             const std::unordered_map<int, nodes::MutableImage>& written)
+Chain::Chain(const StageContext& context, const Stage& stage, const Pictures& read, const Results& written)
     : monitor_(context.monitor), width_(context.plan.nodes[stage.nodes.front()].width),
       height_(context.plan.nodes[stage.nodes.front()].height)
 {
@@ -264,9 +292,13 @@ void Chain::runTile(int x, int count, int y, float* slots, Pointers& pointers, s
         job.operands = pointers.operands.data() + call.firstOperand;
         for (int c = 0; c < nodes::kMaxChannels; ++c)
             job.result[c] = address(call.result[c], x, y, slots);
-        call.row(job);
-        if (call.whole[0].base)
-            streamResult(call, job, pointers);
+        if (call.pack) {
+            call.pack->write(x, y, count, job.operands, call.channels, aheadOf(call, 0, count, pointers));
+        } else {
+            call.row(job);
+            if (call.whole[0].base)
+                streamResult(call, job, pointers);
+        }
         if (ticks) {
             const std::uint64_t now = ticksNow();
             *ticks++ += now - before;
@@ -277,10 +309,17 @@ void Chain::runTile(int x, int count, int y, float* slots, Pointers& pointers, s
 
 void Chain::streamResult(const Call& call, const nodes::RowJob& job, const Pointers& pointers) const
 {
-    const std::size_t bytes = sizeof(float) * static_cast<std::size_t>(job.count);
     for (int c = 0; c < call.channels; ++c)
-        streamBytes(call.whole[c].base + job.y * call.whole[c].stride + job.x, job.result[c], bytes,
-                    {pointers.ahead.data() + call.ahead[c], call.ahead[c + 1] - call.ahead[c], bytes});
+        streamBytes(call.whole[c].base + job.y * call.whole[c].stride + job.x, job.result[c],
+                    sizeof(float) * static_cast<std::size_t>(job.count),
+                    aheadOf(call, c, job.count, pointers));
+}
+
+/// What is fetched while channel c of the call's result is streamed.
+Ahead Chain::aheadOf(const Call& call, int c, int count, const Pointers& pointers) const
+{
+    return {pointers.ahead.data() + call.ahead[c], call.ahead[c + 1] - call.ahead[c],
+            sizeof(float) * static_cast<std::size_t>(count)};
 }
 
 float* Chain::address(const Place& place, int x, int y, float* slots) const

@@ -8,10 +8,15 @@
 // large ones lie in slots, too, and are copied from there past the caches, which saves the reading of what is
 // overwritten. The same copying fetches what the next tile reads, line by line, so that memory is read and
 // written at the same time: a tile's kernels only read, and its copying would only write.
+//
+// At both ends pictures may be packed: a host's pixels are unpacked to slots, and a result that only an
+// output reads is packed from slots, tile by tile, so that none of their planes goes through memory.
 
+#include "platform/engines/cpu/outputconverter.h"
 #include "platform/engines/cpu/stagerunner.h"
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace vellor::cpu {
@@ -20,8 +25,7 @@ class Chain
 {
 public:
     /// `read` has the pictures that the stage reads, `written` those it writes.
-    Chain(const StageContext& context, const Stage& stage, const Pictures& read,
-          const std::unordered_map<int, nodes::MutableImage>& written);
+    Chain(const StageContext& context, const Stage& stage, const Pictures& read, const Results& written);
 
     /// Floats of slots that each thread brings.
     std::size_t slotFloats() const { return static_cast<std::size_t>(slotCount_) * slotStride(); }
@@ -41,12 +45,13 @@ private:
     struct Call
     {
         void (*row)(const nodes::RowJob&) = nullptr;
+        std::optional<PixelWriter> pack; // instead of row
         std::unique_ptr<nodes::State> state;
         int channels = 1;
         std::size_t firstOperand = 0, operandPlanes = 0; // in operands_
         std::array<Place, nodes::kMaxChannels> result;
         std::array<Place, nodes::kMaxChannels> whole; // where results in slots go past the caches
-        // Channel c of whole brings along ahead_ from ahead[c] up to ahead[c + 1].
+        // Channel c of whole brings along ahead_ from ahead[c] up to ahead[c + 1]; packing, as channel 0.
         std::array<int, nodes::kMaxChannels + 1> ahead{};
     };
     class Compiler;
@@ -56,6 +61,7 @@ private:
 
     void runTile(int x, int count, int y, float* slots, Pointers& pointers, std::uint64_t* ticks) const;
     void pointAhead(int x, int y, Pointers& pointers) const;
+    Ahead aheadOf(const Call& call, int c, int count, const Pointers& pointers) const;
     void streamResult(const Call& call, const nodes::RowJob& job, const Pointers& pointers) const;
     float* address(const Place& place, int x, int y, float* slots) const;
 

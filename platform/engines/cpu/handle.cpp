@@ -358,10 +358,12 @@ bool Handle::writeLevels(const program::Output& output, std::shared_ptr<const Im
     const auto overRows = [&](const Image& rowsOf, const RowBody& body) {
         return RowLoop{context_->threads, silent, resources, rowsOf.height(), rowsOf.width(), 0}.run(body);
     };
+    if (image->shape().packed)
+        return overRows(*image, [&](int y0, int y1, int) { copyPixels(*image, y0, y1, out); });
     for (int level = 0; level < levels; ++level) {
         if (level > 0) {
-            const auto half = store_.make(std::max(1, image->width() / 2), std::max(1, image->height() / 2),
-                                          image->channels());
+            const auto half = store_.make(
+                {std::max(1, image->width() / 2), std::max(1, image->height() / 2), image->channels()});
             scratchBytes += half->byteSize();
             if (!overRows(*half, [&](int y0, int y1, int) {
                     halveRows(image->view(), y0, y1, half->mutableView());

@@ -20,6 +20,13 @@ std::size_t textureBytes(const VellorTexture& texture)
                : 0;
 }
 
+int channelsOf(std::uint8_t format)
+{
+    if (blockBytes(format))
+        return blockChannels(format);
+    return RawFormat::of(format).channels == 1 ? 1 : 4;
+}
+
 /// Bytes of a picture between two looks at the stop.
 constexpr std::size_t kPart = std::size_t(256) << 10;
 
@@ -33,6 +40,20 @@ void runPicture(const nodes::AreaJob& job)
     static_cast<const PictureState*>(job.state)->image->unpack(job.y0, job.y1, job.result);
 }
 
+void runPictureRow(const nodes::RowJob& job)
+{
+    static_cast<const PictureState*>(job.state)->image->unpackRow(job.x, job.y, job.count, job.channels,
+                                                                  job.result);
+}
+
+nodes::NodeDeclaration makeKind(const char* name)
+{
+    nodes::NodeDeclaration kind{};
+    kind.name = name;
+    kind.label = kind.category = kind.text = "";
+    return kind;
+}
+
 } // namespace
 
 std::shared_ptr<const HostImage> HostImage::copy(const VellorTexture& texture, const std::atomic<bool>* stop)
@@ -44,6 +65,7 @@ std::shared_ptr<const HostImage> HostImage::copy(const VellorTexture& texture, c
     image->width_ = texture.width;
     image->height_ = texture.height;
     image->format_ = texture.pixelFormat;
+    image->channels_ = channelsOf(texture.pixelFormat);
     image->order_ = texture.channelOrder;
     const auto* bytes = static_cast<const std::uint8_t*>(texture.buffer);
     image->data_.reserve(size + kPixelSlack);
@@ -62,11 +84,9 @@ std::shared_ptr<const HostImage> HostImage::copy(const VellorTexture& texture, c
     return image;
 }
 
-int HostImage::channels() const
+bool HostImage::isRaw() const
 {
-    if (blockBytes(format_))
-        return blockChannels(format_);
-    return RawFormat::of(format_).channels == 1 ? 1 : 4;
+    return blockBytes(format_) == 0;
 }
 
 void HostImage::unpack(int y0, int y1, const nodes::MutableImage& into) const
@@ -123,6 +143,28 @@ const std::uint8_t* HostImage::pixelsAt(int x, int y) const
     return data_.data() + pixel * RawFormat::of(format_).pixelBytes();
 }
 
+void HostImage::unpackRow(int x, int y, int count, int channels,
+                          const std::array<float*, nodes::kMaxChannels>& to) const
+{
+    const RawFormat raw = RawFormat::of(format_);
+    if (channels == this->channels())
+        return unpackBlock(raw, x, y, count, to);
+    if (channels > 1) {
+        unpackBlock(raw, x, y, count, {to[0]});
+        std::copy_n(to[0], count, to[1]);
+        std::copy_n(to[0], count, to[2]);
+        std::fill_n(to[3], count, 1.0f);
+        return;
+    }
+    alignas(64) float planes[nodes::kMaxChannels][kPixelBlock];
+    for (int done = 0; done < count; done += kPixelBlock) {
+        const int part = std::min(kPixelBlock, count - done);
+        unpackBlock(raw, x + done, y, part, {planes[0], planes[1], planes[2], planes[3]});
+        const float* const colour[] = {planes[0], planes[1], planes[2]};
+        luminance(colour, part, to[0] + done);
+    }
+}
+
 void HostImage::unpackBlock(const RawFormat& raw, int x, int y, int count,
                             const std::array<float*, nodes::kMaxChannels>& to) const
 {
@@ -144,10 +186,18 @@ void HostImage::unpackBlock(const RawFormat& raw, int x, int y, int count,
 const nodes::NodeDeclaration& pictureKind()
 {
     static const nodes::NodeDeclaration kind = [] {
-        nodes::NodeDeclaration picture{};
-        picture.name = "engine.picture";
-        picture.label = picture.category = picture.text = "";
+        nodes::NodeDeclaration picture = makeKind("engine.picture");
         picture.area = runPicture;
+        return picture;
+    }();
+    return kind;
+}
+
+const nodes::NodeDeclaration& pictureRowKind()
+{
+    static const nodes::NodeDeclaration kind = [] {
+        nodes::NodeDeclaration picture = makeKind("engine.picturerow");
+        picture.row = runPictureRow;
         return picture;
     }();
     return kind;

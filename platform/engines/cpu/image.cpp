@@ -1,5 +1,7 @@
 #include "platform/engines/cpu/image.h"
 
+#include "platform/engines/cpu/pixelformat.h"
+
 #include <utility>
 
 namespace vellor::cpu {
@@ -28,9 +30,20 @@ std::size_t Image::byteSize(int width, int height, int channels)
            sizeof(float);
 }
 
+std::size_t ImageShape::byteSize() const
+{
+    return packed ? static_cast<std::size_t>(width) * static_cast<std::size_t>(height) *
+                        RawFormat::of(format).pixelBytes()
+                  : Image::byteSize(width, height, channels);
+}
+
 Image::Image(BufferPool& pool, int width, int height, int channels)
-    : width_(width), height_(height), channels_(channels),
-      buffer_(pool.acquire(byteSize(width, height, channels)))
+    : Image(pool, ImageShape{width, height, channels})
+{
+}
+
+Image::Image(BufferPool& pool, const ImageShape& shape)
+    : shape_(shape), buffer_(pool.acquire(shape.byteSize()))
 {
 }
 
@@ -50,30 +63,33 @@ void Image::charge(Account account) const
 
 float* Image::plane(int channel) const
 {
-    return buffer_.floats() + planeStride(width_, height_) * channel;
+    return buffer_.floats() + planeStride(shape_.width, shape_.height) * channel;
 }
 
 nodes::ImageView Image::view() const
 {
+    const nodes::MutableImage planes = mutableView();
     nodes::ImageView view;
-    for (int channel = 0; channel < channels_; ++channel)
-        view.planes[channel] = plane(channel);
-    view.stride = rowStride(width_);
-    view.width = width_;
-    view.height = height_;
-    view.channels = channels_;
+    for (int channel = 0; channel < planes.channels; ++channel)
+        view.planes[channel] = planes.planes[channel];
+    view.stride = planes.stride;
+    view.width = planes.width;
+    view.height = planes.height;
+    view.channels = planes.channels;
     return view;
 }
 
 nodes::MutableImage Image::mutableView() const
 {
     nodes::MutableImage view;
-    for (int channel = 0; channel < channels_; ++channel)
+    if (shape_.packed)
+        return view;
+    for (int channel = 0; channel < shape_.channels; ++channel)
         view.planes[channel] = plane(channel);
-    view.stride = rowStride(width_);
-    view.width = width_;
-    view.height = height_;
-    view.channels = channels_;
+    view.stride = rowStride(shape_.width);
+    view.width = shape_.width;
+    view.height = shape_.height;
+    view.channels = shape_.channels;
     return view;
 }
 

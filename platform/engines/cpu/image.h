@@ -17,15 +17,27 @@ std::ptrdiff_t rowStride(int width);
 /// Bytes that somebody's pictures take. Any thread.
 using Account = std::shared_ptr<std::atomic<std::uint64_t>>;
 
-/// A whole picture: 1 or 4 planes of floats in one block, channel after channel. Not cleared.
+/// What a picture is: planes of floats, or the pixels of a host's raw format in rows without padding.
+struct ImageShape
+{
+    int width = 0, height = 0;
+    int channels = 1;        // 1 or 4; of packed pixels, those of the planes that they were made from
+    bool packed = false;     // pixels, not planes
+    std::uint8_t format = 0; // of the pixels
+
+    std::size_t byteSize() const;
+};
+
+/// A whole picture in one block, planes one after the other. Not cleared.
 class Image
 {
 public:
-    /// Bytes that a picture of this shape takes.
+    /// Bytes that planes of this shape take.
     static std::size_t byteSize(int width, int height, int channels);
 
     /// Throws std::bad_alloc.
     Image(BufferPool& pool, int width, int height, int channels);
+    Image(BufferPool& pool, const ImageShape& shape);
     Image(Image&&) noexcept = default;
     Image& operator=(Image&&) = delete;
     ~Image();
@@ -33,19 +45,21 @@ public:
     /// Counts the picture's bytes in this account from now on, and in no other. Null: in none.
     void charge(Account account) const;
 
-    int width() const { return width_; }
-    int height() const { return height_; }
-    int channels() const { return channels_; }
-    std::size_t byteSize() const { return byteSize(width_, height_, channels_); }
+    const ImageShape& shape() const { return shape_; }
+    int width() const { return shape_.width; }
+    int height() const { return shape_.height; }
+    int channels() const { return shape_.channels; }
+    std::size_t byteSize() const { return shape_.byteSize(); }
     std::byte* bytes() const { return buffer_.bytes(); }
 
+    /// The planes; without any for packed pixels.
     nodes::ImageView view() const;
     nodes::MutableImage mutableView() const;
 
 private:
     float* plane(int channel) const;
 
-    int width_, height_, channels_;
+    ImageShape shape_;
     Buffer buffer_;
     mutable Account account_;
 };

@@ -47,10 +47,10 @@ std::shared_ptr<const Image> ImageStore::get(const Key& key)
     return found->second.image;
 }
 
-std::shared_ptr<Image> ImageStore::make(int width, int height, int channels)
+std::shared_ptr<Image> ImageStore::make(const ImageShape& shape)
 {
-    makeRoom(Image::byteSize(width, height, channels));
-    auto image = std::make_shared<Image>(*pool_, width, height, channels);
+    makeRoom(shape.byteSize());
+    auto image = std::make_shared<Image>(*pool_, shape);
     image->charge(live_);
     return image;
 }
@@ -59,9 +59,7 @@ void ImageStore::put(const Key& key, std::shared_ptr<const Image> image, int ori
 {
     Entry& entry = entries_[key];
     entry.origin = origin;
-    entry.width = image->width();
-    entry.height = image->height();
-    entry.channels = image->channels();
+    entry.shape = image->shape();
     entry.image = std::move(image);
     entry.lastUse = ++clock_;
 }
@@ -87,7 +85,7 @@ void ImageStore::forgetSuperseded()
     std::uint64_t bytes = 0;
     for (const auto& candidate : superseded) {
         const auto found = entries_.find(candidate.second);
-        bytes += Image::byteSize(found->second.width, found->second.height, found->second.channels);
+        bytes += found->second.shape.byteSize();
         if (bytes > budget_ / kSupersededPart)
             drop(found);
     }
@@ -188,7 +186,7 @@ bool ImageStore::readBack(Entry& entry)
 {
     if (stopped())
         return false;
-    std::shared_ptr<Image> image = make(entry.width, entry.height, entry.channels);
+    std::shared_ptr<Image> image = make(entry.shape);
     cacheStore_.read(entry.parked, image->bytes(), image->byteSize());
     if (contentOf(*image) != entry.content)
         return false;
@@ -200,7 +198,7 @@ void ImageStore::drop(Entries::iterator entry)
 {
     if (entry->second.parked) {
         cacheStore_.remove(entry->second.parked);
-        parkedBytes_ -= Image::byteSize(entry->second.width, entry->second.height, entry->second.channels);
+        parkedBytes_ -= entry->second.shape.byteSize();
     }
     entries_.erase(entry);
 }

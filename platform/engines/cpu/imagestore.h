@@ -46,7 +46,7 @@ public:
     /// whole. In the latter case nothing is parked any more from then on, but for a stop.
     std::shared_ptr<const Image> get(const Key& key);
     /// A picture to write to, after making room for it. Throws std::bad_alloc.
-    std::shared_ptr<Image> make(int width, int height, int channels);
+    std::shared_ptr<Image> make(const ImageShape& shape);
     /// `origin` is the number of the node that made it; negative: of none that could make another.
     void put(const Key& key, std::shared_ptr<const Image> image, int origin = -1);
 
@@ -69,7 +69,7 @@ private:
     struct Entry
     {
         std::shared_ptr<const Image> image; // null: parked only
-        int width = 0, height = 0, channels = 0;
+        ImageShape shape;
         int origin = -1;
         std::uint64_t lastUse = 0;
         std::uint64_t neededIn = 0, hintedIn = 0; // generations

@@ -1,41 +1,18 @@
 #include "platform/engines/cpu/outputconverter.h"
 
-#include "platform/engines/cpu/pixelkernels.h"
-
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 namespace vellor::cpu {
 namespace {
 
-/// The planes that a format is written from, for the pixels of one block.
-class Block
-{
-public:
-    explicit Block(const RawFormat& raw) : raw_(raw) { std::fill_n(ones_, kPixelBlock, 1.0f); }
-
-    const float* const* planes(const nodes::ImageView& image, int x, int y, int count)
-    {
-        const float* row[4] = {};
-        for (int c = 0; c < image.channels; ++c)
-            row[c] = image.planes[c] + y * image.stride + x;
-        const bool grey = image.channels == 1;
-        for (int c = 0; c < 3; ++c)
-            planes_[c] = row[grey ? 0 : c];
-        planes_[3] = grey || !raw_.hasAlpha ? ones_ : row[3];
-        if (raw_.channels == 1 && !grey) {
-            luminance(row, count, luminance_);
-            planes_[0] = luminance_;
-        }
-        return planes_;
-    }
-
-private:
-    RawFormat raw_;
-    const float* planes_[4] = {};
-    alignas(64) float ones_[kPixelBlock];
-    alignas(64) float luminance_[kPixelBlock];
-};
+alignas(64) constexpr auto kOnes = [] {
+    std::array<float, kPixelBlock> ones{};
+    for (float& one : ones)
+        one = 1.0f;
+    return ones;
+}();
 
 int smaller(int size)
 {
@@ -60,27 +37,69 @@ std::size_t outputBytes(std::uint8_t format, int width, int height, int levels)
     return pixels * RawFormat::of(format).pixelBytes();
 }
 
+PixelWriter::PixelWriter(std::uint8_t format, int width, int height, void* out)
+    : raw_(RawFormat::of(format)), width_(static_cast<std::size_t>(width)),
+      streams_(worthStreaming(outputBytes(format, width, height, 1))), out_(static_cast<std::uint8_t*>(out))
+{
+}
+
+void PixelWriter::write(int x, int y, int count, const float* const* planes, int channels,
+                        const Ahead& ahead) const
+{
+    alignas(64) float grey[kPixelBlock];
+    alignas(64) std::uint8_t packed[kPixelBlock * 16 + kPixelSlack];
+    const float* stored[4] = {planes[0], planes[0], planes[0], kOnes.data()};
+    if (channels > 1) {
+        std::copy_n(planes, raw_.hasAlpha ? 4 : 3, stored);
+        if (raw_.channels == 1) {
+            luminance(planes, count, grey);
+            stored[0] = grey;
+        }
+    }
+    packPixels(raw_, stored, count, packed);
+    const std::size_t pixel = raw_.pixelBytes(), size = static_cast<std::size_t>(count) * pixel;
+    std::uint8_t* to = out_ + (static_cast<std::size_t>(y) * width_ + static_cast<std::size_t>(x)) * pixel;
+    if (streams_)
+        streamBytes(to, packed, size, ahead);
+    else
+        std::memcpy(to, packed, size);
+}
+
 void convertRows(const nodes::ImageView& image, std::uint8_t format, int y0, int y1, void* out)
 {
-    const RawFormat raw = RawFormat::of(format);
-    const std::size_t width = static_cast<std::size_t>(image.width);
-    const bool streams = worthStreaming(width * static_cast<std::size_t>(image.height) * raw.pixelBytes());
-    Block block(raw);
-    alignas(64) std::uint8_t packed[kPixelBlock * 16 + kPixelSlack];
-    auto* bytes = static_cast<std::uint8_t*>(out);
+    const PixelWriter writer(format, image.width, image.height, out);
     for (int y = y0; y < y1; ++y) {
         for (int x = 0; x < image.width; x += kPixelBlock) {
-            const int count = std::min(kPixelBlock, image.width - x);
-            packPixels(raw, block.planes(image, x, y, count), count, packed);
-            std::uint8_t* to = bytes + (static_cast<std::size_t>(y) * width + x) * raw.pixelBytes();
-            const std::size_t size = static_cast<std::size_t>(count) * raw.pixelBytes();
-            if (streams)
-                streamBytes(to, packed, size);
-            else
-                std::memcpy(to, packed, size);
+            const float* planes[nodes::kMaxChannels] = {};
+            for (int c = 0; c < image.channels; ++c)
+                planes[c] = image.planes[c] + y * image.stride + x;
+            writer.write(x, y, std::min(kPixelBlock, image.width - x), planes, image.channels);
         }
     }
     endStreaming();
+}
+
+void copyPixels(const Image& image, int y0, int y1, void* out)
+{
+    const std::size_t row = image.byteSize() / static_cast<std::size_t>(image.height());
+    const std::size_t at = row * static_cast<std::size_t>(y0), size = row * static_cast<std::size_t>(y1 - y0);
+    auto* to = static_cast<std::uint8_t*>(out) + at;
+    if (worthStreaming(image.byteSize()))
+        streamBytes(to, image.bytes() + at, size);
+    else
+        std::memcpy(to, image.bytes() + at, size);
+    endStreaming();
+}
+
+const nodes::NodeDeclaration& packKind()
+{
+    static const nodes::NodeDeclaration kind = [] {
+        nodes::NodeDeclaration pack{};
+        pack.name = "engine.pack";
+        pack.label = pack.category = pack.text = "";
+        return pack;
+    }();
+    return kind;
 }
 
 void halveRows(const nodes::ImageView& image, int y0, int y1, const nodes::MutableImage& half)

@@ -24,9 +24,14 @@ using U = hn::Vec<WordTag>;
 using I = hn::Vec<IntegerTag>;
 
 constexpr int kLanes = static_cast<int>(hn::MaxLanes(FloatTag()));
-/// Floats that a plane is read ahead, two pages, where processors start anew by themselves. Into the second
-/// cache, which waits for more lines at once than the first.
-constexpr int kAhead = 2048;
+/// Bytes that planes and pixels are read ahead, two pages, where processors start anew by themselves. Into
+/// the second cache, which waits for more lines at once than the first.
+constexpr int kAhead = 8192;
+
+HWY_INLINE void fetchAhead(const void* at)
+{
+    __builtin_prefetch(static_cast<const std::uint8_t*>(at) + kAhead, 0, 2);
+}
 
 HWY_INLINE F number(float value)
 {
@@ -35,11 +40,23 @@ HWY_INLINE F number(float value)
 
 HWY_INLINE F read(const float* plane, int x)
 {
-    __builtin_prefetch(plane + x + kAhead, 0, 2);
+    fetchAhead(plane + x);
     return hn::Load(FloatTag(), plane + x);
 }
 
 // ---- Depths: one channel as a word in the low bits of a lane, and back. ----
+
+/// The integer part of numbers from 0 to 2^31 - 1, without what hn::ConvertTo does for others.
+HWY_INLINE U truncated(F v)
+{
+#if HWY_TARGET == HWY_AVX3
+    return U{_mm512_cvttps_epi32(v.raw)};
+#elif HWY_TARGET == HWY_AVX2
+    return U{_mm256_cvttps_epi32(v.raw)};
+#else
+    return hn::BitCast(WordTag(), hn::ConvertTo(IntegerTag(), v));
+#endif
+}
 
 template<int greatest> struct Integer
 {
@@ -47,15 +64,16 @@ template<int greatest> struct Integer
     {
         v = hn::Min(hn::Max(v, hn::Zero(FloatTag())), number(1.0f)); // NaN gives the second
         v = hn::Add(hn::Mul(v, number(static_cast<float>(greatest))), number(0.5f));
-        return hn::BitCast(WordTag(), hn::ConvertTo(IntegerTag(), v));
+        return truncated(v);
     }
-    /// v / greatest, correctly rounded: the product with 2^-8 or 2^-16 is exact, the other is small.
+    /// v / greatest, correctly rounded: the product with 2^-8 or 2^-16 is exact, the other is small. With the
+    /// second one's rounding or without, all words come to the same.
     static HWY_INLINE F unpack(U word)
     {
         constexpr double kShare = 1.0 / greatest, kExact = 1.0 / (greatest + 1);
         const F v = hn::ConvertTo(FloatTag(), hn::BitCast(IntegerTag(), word));
-        return hn::Add(hn::Mul(v, number(static_cast<float>(kExact))),
-                       hn::Mul(v, number(static_cast<float>(kShare - kExact))));
+        return hn::MulAdd(v, number(static_cast<float>(kShare - kExact)),
+                          hn::Mul(v, number(static_cast<float>(kExact))));
     }
 };
 
@@ -199,8 +217,10 @@ template<class Depth> void unpackGrey(const std::uint8_t* in, int count, float* 
 {
     const auto* from = reinterpret_cast<const typename Depth::Word*>(in);
     const hn::Rebind<typename Depth::Word, IntegerTag> tag;
-    for (int x = 0; x < count; x += kLanes)
+    for (int x = 0; x < count; x += kLanes) {
+        fetchAhead(from + x);
         put(Depth::unpack(widen(hn::LoadU(tag, from + x))), to[0], x);
+    }
 }
 
 template<class Depth> void unpackRgb(const std::uint8_t* in, int count, float* const* to)
@@ -208,6 +228,7 @@ template<class Depth> void unpackRgb(const std::uint8_t* in, int count, float* c
     const auto* from = reinterpret_cast<const typename Depth::Word*>(in);
     const hn::Rebind<typename Depth::Word, IntegerTag> tag;
     for (int x = 0; x < count; x += kLanes) {
+        fetchAhead(from + 3 * x);
         hn::Vec<decltype(tag)> r, g, b;
         hn::LoadInterleaved3(tag, from + 3 * x, r, g, b);
         put(Depth::unpack(widen(r)), to[0], x);
@@ -219,12 +240,14 @@ template<class Depth> void unpackRgb(const std::uint8_t* in, int count, float* c
 void unpackRgba8(const std::uint8_t* in, int count, float* const* to)
 {
     const U byte = hn::Set(WordTag(), 255u);
+    float *const r = to[0], *const g = to[1], *const b = to[2], *const a = to[3];
     for (int x = 0; x < count; x += kLanes) {
+        fetchAhead(in + 4 * x);
         const U pixels = hn::LoadU(WordTag(), reinterpret_cast<const std::uint32_t*>(in) + x);
-        put(U8::unpack(hn::And(pixels, byte)), to[0], x);
-        put(U8::unpack(hn::And(hn::ShiftRight<8>(pixels), byte)), to[1], x);
-        put(U8::unpack(hn::And(hn::ShiftRight<16>(pixels), byte)), to[2], x);
-        put(U8::unpack(hn::ShiftRight<24>(pixels)), to[3], x);
+        put(U8::unpack(hn::And(pixels, byte)), r, x);
+        put(U8::unpack(hn::And(hn::ShiftRight<8>(pixels), byte)), g, x);
+        put(U8::unpack(hn::And(hn::ShiftRight<16>(pixels), byte)), b, x);
+        put(U8::unpack(hn::ShiftRight<24>(pixels)), a, x);
     }
 }
 
@@ -232,6 +255,7 @@ template<class Depth> void unpackRgba16(const std::uint8_t* in, int count, float
 {
     const U word = hn::Set(WordTag(), 65535u);
     for (int x = 0; x < count; x += kLanes) {
+        fetchAhead(in + 8 * x);
         U low, high;
         hn::LoadInterleaved2(WordTag(), reinterpret_cast<const std::uint32_t*>(in) + 2 * x, low, high);
         put(Depth::unpack(hn::And(low, word)), to[0], x);

@@ -1,7 +1,9 @@
 #include "platform/engines/cpu/planner.h"
 
+#include "platform/engines/cpu/outputconverter.h"
 #include "platform/engines/cpu/resample.h"
 #include "platform/nodes/form.h"
+#include "platform/nodes/kinds.h"
 
 #include <algorithm>
 #include <cstring>
@@ -87,13 +89,19 @@ Plan Planner::make(const PlanRequest& request, const PictureSource& pictures)
     plan_.inputWords = inputs_.words();
     const std::vector<bool> needed = neededBy(request.outputs);
     settleSizes(needed);
-    addPictures(needed, pictures);
+    askForPictures(needed, pictures);
     planned_.assign(needed.size(), kNoNode);
     for (std::size_t node = 0; node < needed.size(); ++node)
         if (needed[node])
             addNode(static_cast<int>(node));
-    for (const int output : request.outputs)
-        plan_.roots.push_back(planned_[package_.program().outputs[output].node]);
+    const std::vector<int> readers = readersOf();
+    std::map<int, int> roots; // by output, which may be asked for twice
+    for (const int output : request.outputs) {
+        const auto [root, isNew] = roots.try_emplace(output, kNoNode);
+        if (isNew)
+            root->second = rootOf(output, readers[package_.program().outputs[output].node]);
+        plan_.roots.push_back(root->second);
+    }
     markCompute();
     markKept(request);
     return std::move(plan_);
@@ -167,8 +175,8 @@ int Planner::imageInputOf(int node) const
     return program::kNone;
 }
 
-/// One node for each image input that is read: the host is asked once, for the largest size.
-void Planner::addPictures(const std::vector<bool>& needed, const PictureSource& pictures)
+/// The host is asked once for each image input that is read, for the largest size.
+void Planner::askForPictures(const std::vector<bool>& needed, const PictureSource& pictures)
 {
     std::map<std::uint32_t, Size> wanted;
     for (std::size_t node = 0; node < needed.size(); ++node) {
@@ -179,22 +187,49 @@ void Planner::addPictures(const std::vector<bool>& needed, const PictureSource& 
         size = {std::max(size.width, sizes_[node].width), std::max(size.height, sizes_[node].height)};
     }
     pictures_.clear();
-    for (const auto& [input, size] : wanted) {
-        std::shared_ptr<const HostImage> image = pictures(input, size.width, size.height);
-        if (!image)
-            continue;
-        PlanNode planned;
-        planned.kind = &pictureKind();
-        planned.width = image->width();
-        planned.height = image->height();
-        planned.channels = image->channels();
-        Hasher hasher(0x756e7061636bull);
-        hasher.add(image->key());
-        planned.key = hasher.key();
-        planned.source = std::move(image);
-        pictures_[input] = static_cast<int>(plan_.nodes.size());
-        plan_.nodes.push_back(std::move(planned));
-    }
+    unpacked_.clear();
+    for (const auto& [input, size] : wanted)
+        pictures_[input] = pictures(input, size.width, size.height);
+}
+
+/// The node with the planes of an image input, at the size of its picture, for all who sample it; kNoNode
+/// where there is no picture.
+int Planner::unpacked(std::uint32_t input)
+{
+    const std::shared_ptr<const HostImage>& image = pictures_.at(input);
+    if (!image)
+        return kNoNode;
+    const auto [found, isNew] = unpacked_.try_emplace(input, static_cast<int>(plan_.nodes.size()));
+    if (!isNew)
+        return found->second;
+    PlanNode planned;
+    planned.kind = &pictureKind();
+    planned.width = image->width();
+    planned.height = image->height();
+    planned.channels = image->channels();
+    Hasher hasher(0x756e7061636bull);
+    hasher.add(image->key());
+    planned.key = hasher.key();
+    planned.source = image;
+    plan_.nodes.push_back(std::move(planned));
+    return found->second;
+}
+
+/// A node that shows a picture of its own size has the picture's pixels: they are unpacked where they are
+/// read, and nothing is sampled.
+bool Planner::showPicture(PlanNode& planned, std::uint32_t input) const
+{
+    const std::shared_ptr<const HostImage>& image = pictures_.at(input);
+    if (planned.kind != &nodes::imageinputNode || !image || !image->isRaw() ||
+        image->width() != planned.width || image->height() != planned.height)
+        return false;
+    planned.kind = &pictureRowKind();
+    planned.source = image;
+    Hasher hasher(0x70696374757265ull);
+    hasher.add(image->key());
+    hasher.add(static_cast<std::uint64_t>(planned.channels));
+    planned.key = hasher.key();
+    return true;
 }
 
 void Planner::addNode(int node)
@@ -213,8 +248,13 @@ void Planner::addNode(int node)
         if (source.operands[i] != program::kNone)
             planned.operands[i] = resampled(planned_[source.operands[i]], planned.width, planned.height);
     addParameters(node, planned);
-    planned.kind = &nodes::formFor(*planned.kind, planned.parameters.data());
-    planned.key = keyOf(node, planned);
+    const int input = imageInputOf(node);
+    if (input == program::kNone || !showPicture(planned, static_cast<std::uint32_t>(input))) {
+        if (input != program::kNone)
+            planned.picture = unpacked(static_cast<std::uint32_t>(input));
+        planned.kind = &nodes::formFor(*planned.kind, planned.parameters.data());
+        planned.key = keyOf(node, planned);
+    }
     planned_[node] = static_cast<int>(plan_.nodes.size());
     plan_.nodes.push_back(std::move(planned));
 }
@@ -231,11 +271,6 @@ void Planner::addParameters(int node, PlanNode& planned)
             if (parameter.id == id)
                 setParameter(parameter, declared.type, planned.parameters[i]);
     }
-    const int input = imageInputOf(node);
-    const auto picture =
-        input == program::kNone ? pictures_.end() : pictures_.find(static_cast<std::uint32_t>(input));
-    if (picture != pictures_.end())
-        planned.picture = picture->second;
 }
 
 void Planner::setParameter(const program::Parameter& parameter, ParameterType type, ParameterValue& value)
@@ -324,6 +359,49 @@ Key Planner::keyOf(int node, const PlanNode& planned) const
     return hasher.key();
 }
 
+/// By node of the package: how many nodes and image outputs read it.
+std::vector<int> Planner::readersOf() const
+{
+    const program::Program& program = package_.program();
+    std::vector<int> readers(program.nodes.size(), 0);
+    for (const program::Node& node : program.nodes)
+        for (const int operand : node.operands)
+            if (operand != program::kNone)
+                ++readers[operand];
+    for (const program::Output& output : program.outputs)
+        if (output.type == program::ValueType::Image)
+            ++readers[output.node];
+    return readers;
+}
+
+/// What an output is delivered from. The end of a chain that nothing else in the package reads is packed
+/// where it is computed, if pixels are smaller than planes: nobody will miss the planes. Mipmaps are made
+/// from planes.
+int Planner::rootOf(int output, int readers)
+{
+    const program::Output& described = package_.program().outputs[output];
+    const int node = planned_[described.node];
+    const PlanNode& from = plan_.nodes[node];
+    PlanNode planned;
+    planned.kind = &packKind();
+    planned.origin = from.origin;
+    planned.width = from.width;
+    planned.height = from.height;
+    planned.channels = from.channels;
+    planned.operands = {node};
+    planned.packs = true;
+    planned.format = described.pixelFormat;
+    if (readers > 1 || described.mipmaps > 1 || !from.isPoint() || store_.holds(from.key) ||
+        !RawFormat::isRaw(described.pixelFormat) || planned.shape().byteSize() >= from.shape().byteSize())
+        return node;
+    Hasher hasher(0x7061636bull);
+    hasher.add(from.key);
+    hasher.add(static_cast<std::uint64_t>(planned.format));
+    planned.key = hasher.key();
+    plan_.nodes.push_back(std::move(planned));
+    return static_cast<int>(plan_.nodes.size()) - 1;
+}
+
 void Planner::markCompute()
 {
     std::vector<bool> wanted(plan_.nodes.size(), false);
@@ -363,7 +441,9 @@ void Planner::markKept(const PlanRequest& request)
         for (const int operand : node.operands)
             touched[i] = touched[i] || (operand != kNoNode && touched[operand]);
         for (const int operand : node.operands)
-            if (touched[i] && counts[i] && operand != kNoNode && !touched[operand])
+            // Unpacking a picture again takes no longer than reading its planes.
+            if (touched[i] && counts[i] && operand != kNoNode && !touched[operand] &&
+                plan_.nodes[operand].kind != &pictureRowKind())
                 plan_.nodes[operand].keep = true;
     }
 }

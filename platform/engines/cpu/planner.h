@@ -50,10 +50,14 @@ private:
     std::vector<bool> neededBy(const std::vector<int>& outputs) const;
     void settleSizes(const std::vector<bool>& needed);
     Size sizeOf(int node) const;
-    void addPictures(const std::vector<bool>& needed, const PictureSource& pictures);
+    void askForPictures(const std::vector<bool>& needed, const PictureSource& pictures);
+    int unpacked(std::uint32_t input);
     int imageInputOf(int node) const;
     void addNode(int node);
     void addParameters(int node, PlanNode& planned);
+    bool showPicture(PlanNode& planned, std::uint32_t input) const;
+    std::vector<int> readersOf() const;
+    int rootOf(int output, int readers);
     void setParameter(const program::Parameter& parameter, nodes::ParameterType type,
                       nodes::ParameterValue& value);
     int resampled(int planNode, int width, int height);
@@ -68,10 +72,11 @@ private:
     const ImageStore& store_;
 
     Plan plan_;
-    std::vector<Size> sizes_;                     // by node of the package
-    std::vector<int> planned_;                    // by node of the package: node of the plan
-    std::map<std::uint32_t, int> pictures_;       // by input: node of the plan
-    std::map<std::array<int, 3>, int> resampled_; // by node of the plan and size
+    std::vector<Size> sizes_;  // by node of the package
+    std::vector<int> planned_; // by node of the package: node of the plan
+    std::map<std::uint32_t, std::shared_ptr<const HostImage>> pictures_; // by input; null: none
+    std::map<std::uint32_t, int> unpacked_;                              // by input: node of the plan
+    std::map<std::array<int, 3>, int> resampled_;                        // by node of the plan and size
 };
 
 } // namespace vellor::cpu

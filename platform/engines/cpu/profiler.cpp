@@ -9,16 +9,19 @@
 namespace vellor::cpu {
 namespace {
 
-const char* kindName(const PlanNode& node)
+/// The node of the package, or kNoNode for a step of the engine's own.
+int packageNode(const PlanNode& node)
 {
-    if (node.origin != kNoNode)
-        return node.kind->name;
-    return node.source ? "image" : "resample";
+    return node.packs ? kNoNode : node.origin;
 }
 
-std::uint64_t bytesOf(const PlanNode& node)
+const char* kindName(const PlanNode& node, const Package& package)
 {
-    return Image::byteSize(node.width, node.height, node.channels);
+    if (node.packs)
+        return "pack";
+    if (node.origin != kNoNode)
+        return package.kind(node.origin).name;
+    return node.source ? "image" : "resample";
 }
 
 } // namespace
@@ -27,11 +30,11 @@ VellorProfileStep Profiler::stepOf(const Plan& plan, const Package& package, int
 {
     const PlanNode& planned = plan.nodes[node];
     VellorProfileStep step{};
-    step.node =
-        planned.origin == kNoNode ? VELLOR_PROFILE_NO_NODE : static_cast<std::uint32_t>(planned.origin);
+    const int source = packageNode(planned);
+    step.node = source == kNoNode ? VELLOR_PROFILE_NO_NODE : static_cast<std::uint32_t>(source);
     step.outputUid = outputUid_;
-    step.name = planned.origin == kNoNode ? "" : package.program().nodes[planned.origin].name.c_str();
-    step.kind = kindName(planned);
+    step.name = source == kNoNode ? "" : package.program().nodes[source].name.c_str();
+    step.kind = kindName(planned, package);
     step.stage = stage_;
     step.width = static_cast<std::uint32_t>(planned.width);
     step.height = static_cast<std::uint32_t>(planned.height);
@@ -52,7 +55,7 @@ void Profiler::stage(const Plan& plan, const Package& package, const Stage& stag
         step.seconds = seconds * share;
         step.processorSeconds = processorSeconds * share;
         const bool whole = std::find(stage.writes.begin(), stage.writes.end(), node) != stage.writes.end();
-        step.resultBytes = whole ? bytesOf(plan.nodes[node]) : 0;
+        step.resultBytes = whole ? plan.nodes[node].shape().byteSize() : 0;
         step.scratchBytes = cost.scratchBytes / stage.nodes.size();
         step.liveBytes = liveBytes;
         report(step);
@@ -64,7 +67,7 @@ void Profiler::cached(const Plan& plan, const Package& package, int node, std::u
 {
     VellorProfileStep step = stepOf(plan, package, node);
     step.cached = 1;
-    step.resultBytes = bytesOf(plan.nodes[node]);
+    step.resultBytes = plan.nodes[node].shape().byteSize();
     step.liveBytes = liveBytes;
     report(step);
     ++stage_;

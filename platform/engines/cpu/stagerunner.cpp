@@ -25,11 +25,8 @@ public:
             views_[node] = image->view();
             held_.push_back(std::move(image));
         }
-        for (const int node : stage_.writes) {
-            const PlanNode& planned = context_.plan.nodes[node];
-            results_[node] = context_.store.make(planned.width, planned.height, planned.channels);
-            targets_[node] = results_[node]->mutableView();
-        }
+        for (const int node : stage_.writes)
+            results_[node] = context_.store.make(context_.plan.nodes[node].shape());
         const PlanNode& first = context_.plan.nodes[stage_.nodes.front()];
         if (!(first.isPoint() ? runChain(first) : runArea(first)))
             return StageResult::Stopped;
@@ -53,7 +50,7 @@ private:
 
     bool runChain(const PlanNode& first)
     {
-        const Chain chain(context_, stage_, views_, targets_);
+        const Chain chain(context_, stage_, views_, results_);
         if (context_.monitor.stopped())
             return false;
         const std::size_t each = (chain.slotFloats() + 15) / 16 * 16;
@@ -99,7 +96,8 @@ private:
             const bool last = job.pass + 1 == passes;
             if (!last)
                 scratch.push_back(makeScratch(shapes[job.pass]));
-            job.result = last ? targets_.at(stage_.nodes.front()) : scratch.back()->mutableView();
+            job.result =
+                last ? results_.at(stage_.nodes.front())->mutableView() : scratch.back()->mutableView();
             job.scratch = scratchViews.data();
             if (!runPass(job, stage_.work / static_cast<std::uint64_t>(passes)))
                 return false;
@@ -134,8 +132,8 @@ private:
 
     std::shared_ptr<Image> makeScratch(const nodes::ScratchShape& shape) const
     {
-        auto image = context_.store.make(std::max(shape.width, 1), std::max(shape.height, 1),
-                                         std::clamp(shape.channels, 1, nodes::kMaxChannels));
+        auto image = context_.store.make({std::max(shape.width, 1), std::max(shape.height, 1),
+                                          std::clamp(shape.channels, 1, nodes::kMaxChannels)});
         if (context_.cost)
             context_.cost->scratchBytes += image->byteSize();
         return image;
@@ -154,8 +152,7 @@ private:
     const Stage& stage_;
     Pictures views_;
     std::vector<std::shared_ptr<const Image>> held_;
-    std::unordered_map<int, std::shared_ptr<Image>> results_;
-    std::unordered_map<int, nodes::MutableImage> targets_;
+    Results results_;
 };
 
 } // namespace

@@ -23,6 +23,7 @@ enum class StageResult
 
 /// The whole pictures that a stage reads and writes, by node of the plan.
 using Pictures = std::unordered_map<int, nodes::ImageView>;
+using Results = std::unordered_map<int, std::shared_ptr<Image>>;
 
 /// What a stage needed, for profiles.
 struct StageCost

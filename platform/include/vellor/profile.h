@@ -21,7 +21,7 @@ typedef struct VellorProfileStep
     uint32_t node;      /* of the binary image, or VELLOR_PROFILE_NO_NODE */
     uint32_t outputUid; /* the output that this was done for first */
     const char* name;   /* "graph/node" as the author called it, or empty */
-    const char* kind;   /* name of the node's kind; of own steps "image", "resample" or "output" */
+    const char* kind;   /* name of the node's kind; of own steps "image", "resample", "pack" or "output" */
     uint32_t stage;     /* counts from 0; nodes that ran together strip by strip share one */
     uint32_t width, height, channels; /* of the result, in pixels */
     uint32_t cached;                  /* 1: the result was there from before, and nothing was done */

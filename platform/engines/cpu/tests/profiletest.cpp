@@ -47,11 +47,12 @@ TEST(Profile, TellsOfEachNodeOnce)
     ASSERT_EQ(vellorHandleSetProfile(host.handle(), keep, &steps), 0u);
     host.compute({200});
     EXPECT_EQ(kindsOf(steps),
-              (std::vector<std::string>{"ramp", "add", "spread", "resample", "add", "output"}));
-    const std::vector<std::uint32_t> nodes{0, 1, 2, VELLOR_PROFILE_NO_NODE, 3, VELLOR_PROFILE_NO_NODE};
-    const std::vector<std::uint32_t> stages{0, 0, 1, 2, 3, 4};
+              (std::vector<std::string>{"ramp", "add", "spread", "resample", "add", "pack", "output"}));
+    constexpr std::uint32_t kOwn = VELLOR_PROFILE_NO_NODE;
+    const std::vector<std::uint32_t> nodes{0, 1, 2, kOwn, 3, kOwn, kOwn};
+    const std::vector<std::uint32_t> stages{0, 0, 1, 2, 3, 3, 4};
     const std::uint64_t whole = Image::byteSize(64, 32, 1), small = Image::byteSize(32, 16, 1);
-    const std::vector<std::uint64_t> bytes{0, whole, whole, small, small, 32 * 16};
+    const std::vector<std::uint64_t> bytes{0, whole, whole, small, 0, 32 * 16, 32 * 16};
     ASSERT_EQ(steps.size(), nodes.size());
     for (std::size_t i = 0; i < steps.size(); ++i) {
         const VellorProfileStep& step = steps[i].step;
@@ -71,7 +72,7 @@ TEST(Profile, TellsOfEachNodeOnce)
     steps.clear();
     host.setFloat(0, 2.0f);
     host.compute({200});
-    EXPECT_EQ(kindsOf(steps), (std::vector<std::string>{"resample", "add", "output"}));
+    EXPECT_EQ(kindsOf(steps), (std::vector<std::string>{"resample", "add", "pack", "output"}));
     EXPECT_EQ(steps[0].step.cached, 1u);
     EXPECT_EQ(steps[1].step.cached, 0u);
 
