@@ -9,6 +9,7 @@
 #include <vellor/engine.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <thread>
@@ -262,6 +263,36 @@ template<int mode, VipsBlendMode vipsMode> void blendOver(benchmark::State& stat
         [&] { g_object_unref(composite.run()); });
 }
 
+/// What W3C's Compositing and Blending Level 1 makes of opaque background b and source s, for the modes
+/// below.
+double mixed(VipsBlendMode mode, double b, double s)
+{
+    if (mode == VIPS_BLEND_MODE_MULTIPLY)
+        return b * s;
+    if (mode == VIPS_BLEND_MODE_COLOUR_DODGE)
+        return b == 0 ? 0 : s >= 1 ? 1 : std::min(1.0, b / (1 - s));
+    if (mode != VIPS_BLEND_MODE_SOFT_LIGHT)
+        return s;
+    const double bent = b <= 0.25 ? ((16 * b - 12) * b + 4) * b : std::sqrt(b);
+    return s <= 0.5 ? b - (1 - 2 * s) * b * (1 - b) : b + (2 * s - 1) * (bent - b);
+}
+
+/// By how many codes pixels of RGBA8 are farthest from that recommendation's composition.
+double farthestFromDefinition(VipsBlendMode mode, const cv::Mat& source, const cv::Mat& background,
+                              const std::vector<std::uint8_t>& result)
+{
+    double most = 0;
+    for (std::size_t i = 0; i < result.size(); ++i) {
+        const std::size_t alphaAt = i | 3;
+        const double sa = source.data[alphaAt] / 255.0, ba = background.data[alphaAt] / 255.0;
+        const double s = source.data[i] / 255.0, b = background.data[i] / 255.0, alpha = sa + ba - sa * ba;
+        const double colour =
+            alpha > 0 ? ((1 - ba) * sa * s + (1 - sa) * ba * b + sa * ba * mixed(mode, b, s)) / alpha : b;
+        most = std::max(most, std::abs(255 * (i == alphaAt ? alpha : colour) - result[i]));
+    }
+    return most;
+}
+
 /// By how many codes two pictures of bytes differ at most.
 int farthest(const std::vector<std::uint8_t>& a, const std::uint8_t* b)
 {
@@ -271,30 +302,70 @@ int farthest(const std::vector<std::uint8_t>& a, const std::uint8_t* b)
     return most;
 }
 
-/// Bytes in, unpacked as an image input is, and bytes out, as an output is written.
-template<int mode, VipsBlendMode vipsMode> void blendPacked(benchmark::State& state)
+cv::Mat testBytes(const cv::Mat& floats, bool opaque)
 {
-    Point point(state);
-    cv::Mat source, background;
-    testPicture(4).convertTo(source, CV_8U, 255);
-    cv::Mat(testPicture(4).t()).convertTo(background, CV_8U, 255);
-    const int over = point.graph.addPacked(VELLOR_FORMAT_RGBA, source.data),
-              under = point.graph.addPacked(VELLOR_FORMAT_RGBA, background.data);
-    const int node = point.graph.addOutput(
-        VELLOR_FORMAT_RGBA, point.graph.addNode("blend", 4, {over, under}, {{"mode", double(mode)}}));
-    const VipsComposite composite(source, background, vipsMode, point.threads);
-    std::vector<std::uint8_t> result(std::size_t(4) * kSide * kSide);
-    const auto ours = [&] {
+    cv::Mat bytes;
+    floats.convertTo(bytes, CV_8U, 255);
+    if (opaque)
+        cv::bitwise_or(bytes, cv::Scalar(0, 0, 0, 255), bytes);
+    return bytes;
+}
+
+/// Two pictures of bytes, the one over the other, by us and by libvips.
+struct PackedBlend
+{
+    PackedBlend(benchmark::State& state, int mode, VipsBlendMode vipsMode, bool opaque)
+        : point(state), source(testBytes(testPicture(4), opaque)),
+          background(testBytes(testPicture(4).t(), opaque)),
+          composite(source, background, vipsMode, point.threads), result(std::size_t(4) * kSide * kSide)
+    {
+        const int over = point.graph.addPacked(VELLOR_FORMAT_RGBA, source.data),
+                  under = point.graph.addPacked(VELLOR_FORMAT_RGBA, background.data);
+        node = point.graph.addOutput(
+            VELLOR_FORMAT_RGBA, point.graph.addNode("blend", 4, {over, under}, {{"mode", double(mode)}}));
+    }
+
+    void run()
+    {
         point.graph.run(node);
         point.graph.fetch(VELLOR_FORMAT_RGBA, result.data());
-    };
-    compare(state, "libvips composite", Aim::AtLeast, 20.0, ours, [&] { g_object_unref(composite.run()); });
-    VipsImage* theirs = composite.run();
-    if (vips_image_get_format(theirs) != VIPS_FORMAT_UCHAR || VIPS_IMAGE_N_PELS(theirs) * 4 != result.size())
-        state.SkipWithError("libvips has made another kind of picture");
-    else
-        state.counters["codes_apart"] = farthest(result, VIPS_IMAGE_ADDR(theirs, 0, 0));
-    g_object_unref(theirs);
+    }
+
+    /// In codes; negative: libvips has made another kind of picture.
+    int apart()
+    {
+        run();
+        VipsImage* theirs = composite.run();
+        const bool comparable = vips_image_get_format(theirs) == VIPS_FORMAT_UCHAR &&
+                                VIPS_IMAGE_N_PELS(theirs) * 4 == result.size();
+        const int codes = comparable ? farthest(result, VIPS_IMAGE_ADDR(theirs, 0, 0)) : -1;
+        g_object_unref(theirs);
+        return codes;
+    }
+
+    Point point;
+    cv::Mat source, background;
+    VipsComposite composite;
+    std::vector<std::uint8_t> result;
+    int node;
+};
+
+/// Bytes in, as an image input brings them, and bytes out, as an output is fetched.
+///
+/// With straight alpha the two don't mean the same by a mode: libvips applies it to colours that are
+/// multiplied by their alpha, and weighs what comes out by both alphas once more, where the recommendation
+/// applies it to the colours themselves. So ours is held to the recommendation, in codes_off, and to libvips
+/// where all is opaque and both agree, in codes_apart; the time is that of pictures with alpha, which costs
+/// neither of them more or less.
+template<int mode, VipsBlendMode vipsMode> void blendPacked(benchmark::State& state)
+{
+    PackedBlend blend(state, mode, vipsMode, false);
+    compare(
+        state, "libvips composite", Aim::AtLeast, 20.0, [&] { blend.run(); },
+        [&] { g_object_unref(blend.composite.run()); });
+    state.counters["codes_off"] =
+        farthestFromDefinition(vipsMode, blend.source, blend.background, blend.result);
+    state.counters["codes_apart"] = PackedBlend(state, mode, vipsMode, true).apart();
 }
 
 const bool registered = [] {
