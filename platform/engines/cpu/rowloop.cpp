@@ -25,7 +25,7 @@ public:
         const int first = loop.resources.chunkRows
                               ? static_cast<int>(std::min(loop.resources.chunkRows, 1u << 14))
                               : std::max(1, kFirstChunkPixels / std::max(1, loop.width));
-        chunk_ = first;
+        chunk_ = loop.resources.chunkRows ? first : whole(first);
     }
 
     bool finished() const { return next_.load(std::memory_order_relaxed) >= loop_.rows || halted(); }
@@ -85,12 +85,16 @@ private:
     {
         const int size = chunk_.load(std::memory_order_relaxed);
         const int threads = loop_.resources.threadCount();
-        if (loop_.resources.chunkRows || threads == 1)
+        if (loop_.resources.chunkRows)
             return size;
+        if (threads == 1)
+            return whole(size);
         const int left = loop_.rows - next_.load(std::memory_order_relaxed);
         const int fair = left / (2 * threads);
-        return std::clamp(fair, std::min(least_.load(std::memory_order_relaxed), size), size);
+        return whole(std::clamp(fair, std::min(least_.load(std::memory_order_relaxed), size), size));
     }
+
+    int whole(int rows) const { return (rows + loop_.together - 1) / loop_.together * loop_.together; }
 
     void adapt(int rows, double seconds)
     {

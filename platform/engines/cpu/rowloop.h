@@ -28,6 +28,7 @@ struct RowLoop
     int rows = 0;
     int width = 0;                // pixels of a row; sets the size of the first chunk
     std::uint64_t workPerRow = 0; // for the monitor
+    int together = 1;             // chunks have a multiple of this many rows, but for the last one
 
     /// False: stopped before the end. What the body throws first is thrown here, on the caller's thread.
     bool run(const RowBody& body) const;

@@ -109,12 +109,14 @@ private:
 
     bool runPass(const nodes::AreaJob& pass, std::uint64_t work) const
     {
-        const auto kernel = context_.plan.nodes[stage_.nodes.front()].kind->area;
-        return loop(pixelsOfRow(pass), pass.result.height, work).run([&](int y0, int y1, int) {
+        const nodes::NodeDeclaration& kind = *context_.plan.nodes[stage_.nodes.front()].kind;
+        RowLoop rows = loop(pixelsOfRow(pass), pass.result.height, work);
+        rows.together = kind.rowsTogether;
+        return rows.run([&](int y0, int y1, int) {
             nodes::AreaJob job = pass;
             job.y0 = y0;
             job.y1 = y1;
-            kernel(job);
+            kind.area(job);
         });
     }
 

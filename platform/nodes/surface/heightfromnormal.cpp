@@ -22,6 +22,7 @@ namespace vellor::nodes {
 namespace {
 
 constexpr float kSmoothness = 1e-4f;
+constexpr int kRowsTogether = 16; // lines that are transformed at once, with the widest vectors
 
 struct HeightFromNormalState : State
 {
@@ -287,7 +288,8 @@ const NodeDeclaration heightfromnormalNode{
     prepareHeightFromNormal,
     nullptr,
     runheightFromNormalArea,
-    heightFromNormalScratch};
+    heightFromNormalScratch,
+    kRowsTogether};
 
 } // namespace vellor::nodes
 #endif
