@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <numeric>
 
 namespace vellor::fuzz {
 
@@ -43,8 +44,7 @@ unsigned sumOf(const Surface& surface)
 {
     unsigned sum = 0;
     for (unsigned y = 0; y < surface.height(); ++y)
-        for (std::uint64_t i = 0; i < surface.lineSize(); ++i)
-            sum += surface.row(y)[i];
+        sum = std::accumulate(surface.row(y), surface.row(y) + surface.lineSize(), sum);
     return sum;
 }
 

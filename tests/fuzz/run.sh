@@ -21,7 +21,6 @@ for target in "${targets[@]}"; do
     mkdir -p "build-fuzz/corpus/$target" "build-fuzz/crashes/$target"
     options=(-max_total_time="$seconds" -timeout=20 -rss_limit_mb=2048 -max_len=65536 -print_final_stats=1
              -artifact_prefix="build-fuzz/crashes/$target/")
-    [ "$target" != imagefile ] || options+=(-detect_leaks=0) # FreeImage loses some of a file that it gives up
     [ ! -f "tests/fuzz/$target.dict" ] || options+=(-dict="tests/fuzz/$target.dict")
     echo "== $target for $seconds s"
     "build-fuzz/fuzz/fuzz_$target" "${options[@]}" "build-fuzz/corpus/$target" "tests/fuzz/regressions/$target" \
