@@ -78,7 +78,10 @@ public:
         return {};
     }
 
-    QString reason() const { return m_file.errorString(); }
+    QString reason() const
+    {
+        return QFileInfo(m_path).dir().exists() ? m_file.errorString() : translated("there is no such folder");
+    }
 
 private:
     // Encoders don't all look at whether their bytes are taken.
