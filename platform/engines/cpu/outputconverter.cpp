@@ -56,9 +56,11 @@ void PixelWriter::write(int x, int y, int count, const float* const* planes, int
             stored[0] = grey;
         }
     }
-    packPixels(raw_, stored, count, packed);
     const std::size_t pixel = raw_.pixelBytes(), size = static_cast<std::size_t>(count) * pixel;
     std::uint8_t* to = out_ + (static_cast<std::size_t>(y) * width_ + static_cast<std::size_t>(x)) * pixel;
+    if (streams_ && ahead.count == 0 && streamPixels(raw_, stored, count, to))
+        return;
+    packPixels(raw_, stored, count, packed);
     if (streams_)
         streamBytes(to, packed, size, ahead);
     else

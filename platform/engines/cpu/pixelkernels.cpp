@@ -157,14 +157,23 @@ template<class Depth> void packRgb(const float* const* in, int count, std::uint8
                               hn::Rebind<typename Depth::Word, IntegerTag>(), to + 3 * x);
 }
 
+HWY_INLINE U rgba8At(const float* const* in, int x)
+{
+    const U low = hn::Or(U8::pack(read(in[0], x)), hn::ShiftLeft<8>(U8::pack(read(in[1], x))));
+    const U high = hn::Or(U8::pack(read(in[2], x)), hn::ShiftLeft<8>(U8::pack(read(in[3], x))));
+    return hn::Or(low, hn::ShiftLeft<16>(high));
+}
+
 void packRgba8(const float* const* in, int count, std::uint8_t* out)
 {
-    for (int x = 0; x < count; x += kLanes) {
-        const U low = hn::Or(U8::pack(read(in[0], x)), hn::ShiftLeft<8>(U8::pack(read(in[1], x))));
-        const U high = hn::Or(U8::pack(read(in[2], x)), hn::ShiftLeft<8>(U8::pack(read(in[3], x))));
-        hn::StoreU(hn::Or(low, hn::ShiftLeft<16>(high)), WordTag(),
-                   reinterpret_cast<std::uint32_t*>(out) + x);
-    }
+    for (int x = 0; x < count; x += kLanes)
+        hn::StoreU(rgba8At(in, x), WordTag(), reinterpret_cast<std::uint32_t*>(out) + x);
+}
+
+void streamRgba8(const float* const* in, int count, std::uint8_t* out)
+{
+    for (int x = 0; x < count; x += kLanes)
+        hn::Stream(rgba8At(in, x), WordTag(), reinterpret_cast<std::uint32_t*>(out) + x);
 }
 
 template<class Depth> void packRgba16(const float* const* in, int count, std::uint8_t* out)
@@ -359,6 +368,7 @@ HWY_EXPORT(unpack);
 HWY_EXPORT(greyOf);
 HWY_EXPORT(halve);
 HWY_EXPORT(stream);
+HWY_EXPORT(streamRgba8);
 
 void packPixels(const RawFormat& format, const float* const* in, int count, std::uint8_t* out)
 {
@@ -384,6 +394,16 @@ void streamBytes(void* to, const void* from, std::size_t bytes, const Ahead& ahe
 {
     HWY_DYNAMIC_DISPATCH(stream)
     (static_cast<std::uint8_t*>(to), static_cast<const std::uint8_t*>(from), bytes, ahead);
+}
+
+bool streamPixels(const RawFormat& format, const float* const* in, int count, std::uint8_t* out)
+{
+    constexpr int kLine = 64;
+    if (format.depth != RawFormat::Depth::U8 || format.channels != 4 || count * 4 % kLine != 0 ||
+        reinterpret_cast<std::uintptr_t>(out) % kLine != 0)
+        return false;
+    HWY_DYNAMIC_DISPATCH(streamRgba8)(in, count, out);
+    return true;
 }
 
 void endStreaming()

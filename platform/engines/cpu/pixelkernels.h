@@ -48,6 +48,10 @@ struct Ahead
 void streamBytes(void* to, const void* from, std::size_t bytes, const Ahead& ahead = {});
 void endStreaming();
 
+/// packPixels past the caches, with no more than the pixels themselves written, where format and place lend
+/// themselves to it: whole lines of RGBA of 8 bits. False: they don't, and nothing was written.
+bool streamPixels(const RawFormat& format, const float* const* in, int count, std::uint8_t* out);
+
 /// Whether a result of so many bytes had better be written past the caches: plainly so from 64 MiB on, and
 /// no longer worse from about 16.
 constexpr bool worthStreaming(std::size_t bytes)

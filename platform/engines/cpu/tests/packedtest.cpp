@@ -77,17 +77,20 @@ public:
         return {bytes, bytes + result->byteSize()};
     }
 
-    /// By way of whole planes.
+    /// By way of whole planes, packed a row at a time, as a small picture is.
     Bytes expected(int format)
     {
         const PlanNode& shape = plan_.nodes[0];
-        const Image sum(*pool_, shape.width, shape.height, channels_), a = planes(0), b = planes(1);
-        for (int c = 0; c < channels_; ++c)
-            for (int y = 0; y < shape.height; ++y)
+        const Image row(*pool_, shape.width, 1, channels_), a = planes(0), b = planes(1);
+        const std::size_t rowBytes = outputBytes(static_cast<std::uint8_t>(format), shape.width, 1, 1);
+        Bytes bytes(rowBytes * static_cast<std::size_t>(shape.height));
+        for (int y = 0; y < shape.height; ++y) {
+            for (int c = 0; c < channels_; ++c)
                 for (int x = 0; x < shape.width; ++x)
-                    sum.mutableView().planes[c][y * sum.view().stride + x] = at(a, x, y, c) + at(b, x, y, c);
-        Bytes bytes(outputBytes(static_cast<std::uint8_t>(format), shape.width, shape.height, 1));
-        convertRows(sum.view(), static_cast<std::uint8_t>(format), 0, shape.height, bytes.data());
+                    row.mutableView().planes[c][x] = at(a, x, y, c) + at(b, x, y, c);
+            convertRows(row.view(), static_cast<std::uint8_t>(format), 0, 1,
+                        &bytes[rowBytes * static_cast<std::size_t>(y)]);
+        }
         return bytes;
     }
 
