@@ -37,7 +37,7 @@ public:
         findLastReaders();
         for (std::size_t at = 0; at < stage_.nodes.size(); ++at)
             addCall(static_cast<int>(at));
-        if (streams_)
+        if (streams_ || (streamedRows() > 0 && readsPastCaches()))
             shareAhead();
         const int row = (chain_.width_ + 15) / 16 * 16;
         const int fit = std::min(fitting(kSlotBytes, chain_.slotCount_), fitting(kKernelBytes, mostRows()));
@@ -199,6 +199,15 @@ private:
         std::size_t bytes = 0;
         for (const auto& [node, image] : written_)
             bytes += image->byteSize();
+        return worthStreaming(bytes);
+    }
+
+    /// Whether the whole pictures that the stage reads are too much to be in a cache.
+    bool readsPastCaches() const
+    {
+        std::size_t bytes = 0;
+        for (const auto& [node, image] : read_)
+            bytes += Image::byteSize(image.width, image.height, image.channels);
         return worthStreaming(bytes);
     }
 

@@ -68,7 +68,7 @@ private:
     const Monitor& monitor_;
     std::vector<Call> calls_;
     std::vector<Place> operands_; // of all calls, kMaxChannels for each operand
-    std::vector<Place> ahead_;    // planes to fetch a tile ahead; none where nothing is streamed
+    std::vector<Place> ahead_;    // planes to fetch a tile ahead; none where caches hold them
     int width_ = 0, height_ = 0, tileWidth_ = 0, slotCount_ = 0;
 };
 

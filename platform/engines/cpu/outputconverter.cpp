@@ -62,9 +62,9 @@ void PixelWriter::write(int x, int y, int count, const float* const* planes, int
         return;
     packPixels(raw_, stored, count, packed);
     if (streams_)
-        streamBytes(to, packed, size, ahead);
-    else
-        std::memcpy(to, packed, size);
+        return streamBytes(to, packed, size, ahead);
+    fetch(ahead);
+    std::memcpy(to, packed, size);
 }
 
 void convertRows(const nodes::ImageView& image, std::uint8_t format, int y0, int y1, void* out)

@@ -31,8 +31,8 @@ public:
     PixelWriter(std::uint8_t format, int width, int height, void* out);
 
     /// The `count` pixels from (x, y) on, at most kPixelBlock, from 1 or 4 planes, of which each pointer is
-    /// to the first of these pixels, aligned to 64 bytes. Fetches `ahead` while it writes, as streamBytes
-    /// does, where it goes past the caches. Any thread; each with pixels of its own.
+    /// to the first of these pixels, aligned to 64 bytes. Fetches `ahead` while it writes. Any thread; each
+    /// with pixels of its own.
     void write(int x, int y, int count, const float* const* planes, int channels,
                const Ahead& ahead = {}) const;
 

@@ -396,6 +396,13 @@ void streamBytes(void* to, const void* from, std::size_t bytes, const Ahead& ahe
     (static_cast<std::uint8_t*>(to), static_cast<const std::uint8_t*>(from), bytes, ahead);
 }
 
+void fetch(const Ahead& ahead)
+{
+    for (int row = 0; row < ahead.count; ++row)
+        for (std::size_t at = 0; at < ahead.bytes; at += 64)
+            __builtin_prefetch(static_cast<const std::uint8_t*>(ahead.rows[row]) + at, 0, 2);
+}
+
 bool streamPixels(const RawFormat& format, const float* const* in, int count, std::uint8_t* out)
 {
     constexpr int kLine = 64;

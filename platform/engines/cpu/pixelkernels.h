@@ -42,6 +42,9 @@ struct Ahead
     std::size_t bytes = 0;
 };
 
+/// Fetches all of it at once, into the second cache, which waits for more lines than the first.
+void fetch(const Ahead& ahead);
+
 /// Copies past the caches, for results that are not read again soon. Whoever has written like this calls
 /// endStreaming before another thread may read. Memory reads and writes at the same time if it is asked to:
 /// work that only reads, and then only writes, takes as long as both.
