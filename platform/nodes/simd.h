@@ -150,13 +150,24 @@ HWY_INLINE M operator==(U a, U b)
     return {hn::RebindMask(FloatTag(), hn::Eq(a.v, b.v))};
 }
 
+/// A whole number near a, with a's sign where it is 0: instruction sets that must work roundings out lose it.
+HWY_INLINE F signedLike(F whole, F a)
+{
+#if HWY_TARGET == HWY_SSSE3
+    return hn::CopySign(whole.v, a.v);
+#else
+    (void)a;
+    return whole;
+#endif
+}
+
 HWY_INLINE F floorOf(F a)
 {
-    return hn::Floor(a.v);
+    return signedLike(hn::Floor(a.v), a);
 }
 HWY_INLINE F roundOf(F a)
 {
-    return hn::Round(a.v);
+    return signedLike(hn::Round(a.v), a);
 }
 HWY_INLINE F sqrtOf(F a)
 {

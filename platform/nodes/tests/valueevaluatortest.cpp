@@ -1,5 +1,6 @@
 #include "platform/nodes/valueevaluator.h"
 #include "platform/nodes/form.h"
+#include "platform/nodes/instructionset.h"
 #include "platform/nodes/scalar.h"
 #include "platform/nodes/tests/noderunner.h"
 
@@ -122,12 +123,19 @@ TEST(ValueEvaluator, ReadsInputsAndFillsVectors)
 
 TEST(PixelProgram, AgreesWithTheEvaluatorForEveryOperation)
 {
-    const float floats[][3] = {
-        {0.3f, 0.7f, 0.5f}, {-2.25f, 3.0f, 0.25f}, {0.0f, 0.0f, 0.0f}, {17.5f, -4.0f, 2.0f}};
-    const int integers[][3] = {{7, 3, 1}, {-9, 4, 0}, {0, 0, 5}, {1 << 30, 5, -2}};
+    struct NoLimit
+    {
+        ~NoLimit() { limitInstructionSet(InstructionSet::Best); }
+    } const noLimit;
+    const float floats[][3] = {{0.3f, 0.7f, 0.5f},
+                               {-2.25f, 3.0f, 0.25f},
+                               {0.0f, 0.0f, 0.0f},
+                               {17.5f, -4.0f, 2.0f},
+                               {-0.3f, 0.2f, 1.0f}};
+    const int integers[][3] = {{7, 3, 1}, {-9, 4, 0}, {0, 0, 5}, {1 << 30, 5, -2}, {-1, 1, 0}};
     for (int op = int(Op::Copy); op <= int(Op::Random); ++op) {
         const bool isInteger = (op >= int(Op::IAdd)) || op == int(Op::IToF);
-        for (int i = 0; i < 4; ++i) {
+        for (int i = 0; i < 5; ++i) {
             std::uint32_t words[3];
             for (int k = 0; k < 3; ++k)
                 words[k] = isInteger ? u(integers[i][k]) : bitsOf(floats[i][k]);
@@ -135,9 +143,13 @@ TEST(PixelProgram, AgreesWithTheEvaluatorForEveryOperation)
             program::Words expected;
             evaluateValue(program, nullptr, expected);
             program.perPixel = true;
-            const float got =
-                test::Evaluation("pixelprogram", 8, 8).setProgram("program", program)().at(3, 3);
-            EXPECT_EQ(bitsOf(got), expected[0]) << "operation " << op << ", operands " << i;
+            for (const auto set : {InstructionSet::Ssse3, InstructionSet::Avx2, InstructionSet::Best}) {
+                limitInstructionSet(set);
+                const float got =
+                    test::Evaluation("pixelprogram", 8, 8).setProgram("program", program)().at(3, 3);
+                EXPECT_EQ(bitsOf(got), expected[0])
+                    << "operation " << op << ", operands " << i << ", instruction set " << int(set);
+            }
         }
     }
 }
