@@ -263,6 +263,8 @@ def main():
     missing = [program for program in PROGRAMS if not shutil.which(program)]
     if cv2 is None:
         missing.append("OpenCV for Python")
+    if not missing and "EXR" not in subprocess.run(["convert", "-list", "format"], capture_output=True, text=True).stdout:
+        missing.append("ImageMagick's EXR coder")
     if missing:
         print("Skipped, for these programs are missing:", *missing)
         return SKIPPED
