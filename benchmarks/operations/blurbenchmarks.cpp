@@ -132,7 +132,9 @@ const bool registered = [] {
     registerOperation("median, 3 x 3, grey float", median<1>);
     registerOperation("median, 5 x 5, grey float", median<2>);
     registerOperation("median, 7 x 7, grey float", median<3>);
+    registerOperation("median, 9 x 9, grey float", median<4>);
     registerOperation("median, 11 x 11, grey float", median<5>);
+    registerOperation("median, 33 x 33, grey float", median<16>);
     registerOperation("dilate, disc of radius 10, grey float", dilate<cv::MORPH_ELLIPSE>);
     registerOperation("dilate, square of radius 10, grey float", dilate<cv::MORPH_RECT>);
     return true;

@@ -1,32 +1,34 @@
 #include "platform/nodes/dispatch.h"
 #include "platform/nodes/kinds.h"
+#include "platform/nodes/neighbourhood/largemedian.h"
 #include "platform/nodes/parameters.h"
 #include "platform/nodes/rows.h"
-#include "platform/nodes/scalar.h"
 
 #include <algorithm>
-#include <vector>
 
 // Windows of up to 7 x 7 pixels are sorted out vector by vector, and what neighbours share is done once: each
 // column is sorted, and neighbouring columns are merged in pairs (after A. Adams, "Fast median filters using
 // separable sorting networks", 2021). Of what a window's pairs give together only the ranks count that the
-// last column can make the median. Merging is K. Batcher's by odd and even places (1968).
-//
-// Larger windows slide over tiles whose pixels are numbered by their order first. A set of the numbers in the
-// window, counted in words of 64, follows the median as pixels come and go (after T. Huang, 1979).
+// last column can make the median. Merging is K. Batcher's by odd and even places (1968). Of 3 x 3 pixels
+// only the columns need sorting. Larger windows: largemedian.h.
 
 #ifndef VELLOR_MEDIAN_STATE
 #define VELLOR_MEDIAN_STATE
 namespace vellor::nodes {
 namespace {
 
-constexpr int kMostRadius = 16;
-constexpr int kTile = 64; // pixels of a tile across
-
 struct MedianState : State
 {
     int radius = 1;
 };
+
+/// Whether a result is too large for any cache to hold: writing it past them saves reading the lines that are
+/// filled.
+bool goesPastCaches(const MutableImage& result)
+{
+    constexpr std::size_t kCached = std::size_t(8) << 20; // floats
+    return std::size_t(result.stride) * result.height * result.channels >= kCached;
+}
 
 } // namespace
 } // namespace vellor::nodes
@@ -37,6 +39,8 @@ struct MedianState : State
 #include <hwy/foreach_target.h>
 
 #include "platform/nodes/simd.h"
+
+#include <hwy/cache_control.h>
 
 HWY_BEFORE_NAMESPACE();
 namespace vellor::nodes::HWY_NAMESPACE {
@@ -81,39 +85,92 @@ template<int count> HWY_INLINE void sort(F* values)
     }
 }
 
-/// Windows of 3, 5 or 7 pixels square. Arrays begin at the first column that a chunk's windows reach.
+/// A part of a row with the rows around it, as far as windows reach.
+template<int radius> class Surroundings
+{
+public:
+    static constexpr int kSide = 2 * radius + 1;
+
+    void lookAt(const ImageView& source, int channel, int x, int y, int count)
+    {
+        const bool inside =
+            x >= radius && x + count + radius <= source.width && x + count + radius + kLanes <= source.stride;
+        for (int k = 0; k < kSide; ++k) {
+            if (!inside)
+                m_copies[k].fill(source, channel, x, y + k - radius, count);
+            m_rows[k] = inside ? rowOf(source, channel, y + k - radius) + x : m_copies[k].at(0);
+        }
+        m_next = rowOf(source, channel, y + radius + 1) + x;
+    }
+
+    /// Fetches what the next row takes beyond what this one does: where memory is the limit, waiting for it
+    /// was a third of the time.
+    HWY_INLINE void fetchNext(int x) const { __builtin_prefetch(m_next + x); }
+    /// Pixels of the k-th row, from pixel x of the part on.
+    HWY_INLINE F pixels(int k, int x) const { return loadAt(m_rows[k] + x); }
+
+private:
+    const float* m_rows[kSide];
+    const float* m_next;
+    RowWindow<radius> m_copies[kSide]; // where rows end
+};
+
+HWY_INLINE F middleOf(F a, F b, F c)
+{
+    return maxOf(minOf(a, b), minOf(maxOf(a, b), c));
+}
+
+/// Windows of 3 pixels square: the middle of the greatest of the columns' least pixels, the middle of their
+/// middle ones, and the least of their greatest ones.
+class LeastMedian
+{
+public:
+    static constexpr int kRadius = 1;
+
+    template<class Put> HWY_INLINE void run(const Surroundings<1>& source, int count, const Put& put)
+    {
+        for (int x = 0; x < count; x += kLanes) {
+            source.fetchNext(x);
+            F low[3], middle[3], high[3];
+            for (int k = 0; k < 3; ++k) {
+                F column[3];
+                for (int row = 0; row < 3; ++row)
+                    column[row] = source.pixels(row, x + k - 1);
+                sort<3>(column);
+                low[k] = column[0];
+                middle[k] = column[1];
+                high[k] = column[2];
+            }
+            put(x, middleOf(maxOf(maxOf(low[0], low[1]), low[2]), middleOf(middle[0], middle[1], middle[2]),
+                            minOf(minOf(high[0], high[1]), high[2])));
+        }
+    }
+};
+
+/// Windows of 5 or 7 pixels square. Arrays begin at the first column that a chunk's windows reach.
 template<int radius> class SmallMedian
 {
 public:
-    SmallMedian(const ImageView& source, int channel) : m_source(source), m_channel(channel) {}
+    static constexpr int kRadius = radius;
 
-    void run(const MutableImage& result, int y0, int y1)
+    template<class Put> HWY_INLINE void run(const Surroundings<radius>& source, int count, const Put& put)
     {
-        for (int x = 0; x < m_source.width; x += kChunk) {
-            const int count = std::min(kChunk, m_source.width - x);
-            for (int y = y0 - radius; y < y0 + radius; ++y)
-                fill(x, y, count);
-            for (int y = y0; y < y1; ++y) {
-                fill(x, y + radius, count);
-                sortColumns(count);
-                mergePairs(count);
-                medians(count, rowOf(result, m_channel, y) + x);
-            }
-        }
+        sortColumns(source, count);
+        mergePairs(count);
+        medians(count, put);
     }
 
 private:
     static constexpr int kSide = 2 * radius + 1, kPair = 2 * kSide;
     using Line = float[kChunk + 3 * 16];
 
-    void fill(int x, int y, int count) { m_rows[wrapped(y, kSide)].fill(m_source, m_channel, x, y, count); }
-
-    void sortColumns(int count)
+    void sortColumns(const Surroundings<radius>& source, int count)
     {
         for (int i = 0; i < count + 2 * radius; i += kLanes) {
+            source.fetchNext(i);
             F values[kSide];
             for (int k = 0; k < kSide; ++k)
-                values[k] = loadAt(m_rows[k].at(i - radius));
+                values[k] = source.pixels(k, i - radius);
             sort<kSide>(values);
             for (int k = 0; k < kSide; ++k)
                 store(values[k], m_columns[k] + i);
@@ -150,7 +207,7 @@ private:
         }
     }
 
-    void medians(int count, float* result) const
+    template<class Put> HWY_INLINE void medians(int count, const Put& put) const
     {
         constexpr int kFirst = kSide * kSide / 2 - kSide; // the least rank that the last column can raise
         for (int i = 0; i < count; i += kLanes) {
@@ -160,26 +217,45 @@ private:
             for (int k = 0; k < kSide; ++k)
                 median = minOf(median,
                                maxOf(values[kFirst + k], loadAt(m_columns[kSide - 1 - k] + i + 2 * radius)));
-            store(median, result + i);
+            put(i, median);
         }
     }
 
-    const ImageView& m_source;
-    int m_channel;
-    RowWindow<radius> m_rows[kSide]; // in any order: they are sorted anyway
     alignas(64) Line m_columns[kSide], m_pairs[kPair];
 };
 
+/// Rows one after the other, so that the processor sees the next pixels coming.
+template<class Median> void runMedian(const AreaJob& job)
+{
+    Median median;
+    Surroundings<Median::kRadius> surroundings;
+    const bool past = goesPastCaches(job.result);
+    for (int c = 0; c < job.result.channels; ++c) {
+        for (int y = job.y0; y < job.y1 && !job.stopped(); ++y) {
+            for (int x = 0; x < job.result.width; x += kChunk) {
+                const int count = std::min(kChunk, job.result.width - x);
+                float* result = rowOf(job.result, c, y) + x;
+                surroundings.lookAt(job.operands[0], c, x, y, count);
+                if (past)
+                    median.run(surroundings, count,
+                               [&](int i, F value) { hn::Stream(value.v, FloatTag(), result + i); });
+                else
+                    median.run(surroundings, count, [&](int i, F value) { store(value, result + i); });
+            }
+        }
+    }
+    if (past)
+        hwy::FlushStream(); // before other threads are told
+}
+
 void smallMedian(const MedianState& state, const AreaJob& job)
 {
-    for (int c = 0; c < job.result.channels; ++c) {
-        if (state.radius == 1)
-            SmallMedian<1>(job.operands[0], c).run(job.result, job.y0, job.y1);
-        else if (state.radius == 2)
-            SmallMedian<2>(job.operands[0], c).run(job.result, job.y0, job.y1);
-        else
-            SmallMedian<3>(job.operands[0], c).run(job.result, job.y0, job.y1);
-    }
+    if (state.radius == 1)
+        runMedian<LeastMedian>(job);
+    else if (state.radius == 2)
+        runMedian<SmallMedian<2>>(job);
+    else
+        runMedian<SmallMedian<3>>(job);
 }
 
 } // namespace
@@ -193,125 +269,11 @@ HWY_EXPORT(smallMedian);
 
 namespace {
 
-/// The order of the bits of floats as unsigned numbers: that of their values.
-std::uint32_t orderedBits(float value)
-{
-    const std::uint32_t bits = scalar::bitsOf(value);
-    return bits & 0x80000000u ? ~bits : bits | 0x80000000u;
-}
-
-/// A set of numbers with a place between its members that can be moved to any of them by order.
-class OrderedSet
-{
-public:
-    explicit OrderedSet(std::size_t size) : m_words((size + 63) / 64, 0) {}
-
-    void clear()
-    {
-        std::fill(m_words.begin(), m_words.end(), 0);
-        m_word = m_below = 0;
-    }
-    void insert(std::uint32_t number) { change(number, 1); }
-    void remove(std::uint32_t number) { change(number, -1); }
-
-    /// The member that has `rank` smaller ones; there must be one.
-    std::uint32_t at(int rank)
-    {
-        while (m_below > rank)
-            m_below -= __builtin_popcountll(m_words[--m_word]);
-        int here;
-        while (m_below + (here = __builtin_popcountll(m_words[m_word])) <= rank) {
-            m_below += here;
-            ++m_word;
-        }
-        std::uint64_t bits = m_words[m_word];
-        for (int left = rank - m_below; left > 0; --left)
-            bits &= bits - 1;
-        return static_cast<std::uint32_t>(64 * m_word + __builtin_ctzll(bits));
-    }
-
-private:
-    void change(std::uint32_t number, int by)
-    {
-        m_words[number / 64] ^= std::uint64_t(1) << number % 64;
-        if (static_cast<int>(number / 64) < m_word)
-            m_below += by;
-    }
-
-    std::vector<std::uint64_t> m_words;
-    int m_word = 0, m_below = 0; // the word of the last answer, and the members before it
-};
-
-/// The pixels of a tile and its surroundings by their order.
-class NumberedTile
-{
-public:
-    void fill(const ImageView& source, int channel, int x, int y, int width, int height)
-    {
-        m_width = width;
-        m_pixels.resize(static_cast<std::size_t>(width) * height);
-        for (int row = 0; row < height; ++row)
-            copyWrapped(rowOf(source, channel, y + row), source.width, x, width,
-                        m_pixels.data() + row * width);
-        m_order.resize(m_pixels.size());
-        m_numbers.resize(m_pixels.size());
-        for (std::size_t i = 0; i < m_pixels.size(); ++i)
-            m_order[i] = std::uint64_t(orderedBits(m_pixels[i])) << 32 | i;
-        std::sort(m_order.begin(), m_order.end());
-        for (std::size_t i = 0; i < m_order.size(); ++i)
-            m_numbers[static_cast<std::uint32_t>(m_order[i])] = static_cast<std::uint32_t>(i);
-    }
-
-    std::size_t size() const { return m_pixels.size(); }
-    std::uint32_t number(int x, int y) const { return m_numbers[y * m_width + x]; }
-    float pixel(std::uint32_t number) const { return m_pixels[static_cast<std::uint32_t>(m_order[number])]; }
-
-private:
-    int m_width = 0;
-    std::vector<float> m_pixels;
-    std::vector<std::uint64_t> m_order; // bits of the value, place in the tile
-    std::vector<std::uint32_t> m_numbers;
-};
-
-void slideRow(const NumberedTile& tile, OrderedSet& set, int radius, int row, int count, float* result)
-{
-    const int side = 2 * radius + 1, rank = side * side / 2;
-    set.clear();
-    for (int x = 0; x < side - 1; ++x)
-        for (int y = 0; y < side; ++y)
-            set.insert(tile.number(x, row + y));
-    for (int x = 0; x < count; ++x) {
-        for (int y = 0; y < side; ++y)
-            set.insert(tile.number(x + side - 1, row + y));
-        result[x] = tile.pixel(set.at(rank));
-        for (int y = 0; y < side; ++y)
-            set.remove(tile.number(x, row + y));
-    }
-}
-
-void largeMedian(const MedianState& state, const AreaJob& job)
-{
-    const int radius = state.radius;
-    NumberedTile tile;
-    for (int c = 0; c < job.result.channels; ++c) {
-        for (int y = job.y0; y < job.y1; y += kTile) {
-            const int rows = std::min(kTile, job.y1 - y);
-            for (int x = 0; x < job.result.width && !job.stopped(); x += kTile) {
-                const int count = std::min(kTile, job.result.width - x);
-                tile.fill(job.operands[0], c, x - radius, y - radius, count + 2 * radius, rows + 2 * radius);
-                OrderedSet set(tile.size());
-                for (int row = 0; row < rows; ++row)
-                    slideRow(tile, set, radius, row, count, rowOf(job.result, c, y + row) + x);
-            }
-        }
-    }
-}
-
 void medianArea(const AreaJob& job)
 {
     const auto& state = static_cast<const MedianState&>(*job.state);
     if (state.radius > 3)
-        return largeMedian(state, job);
+        return largeMedian(state.radius, job);
     if (state.radius > 0)
         return HWY_DYNAMIC_DISPATCH(smallMedian)(state, job);
     for (int c = 0; c < job.result.channels; ++c)
@@ -322,7 +284,7 @@ void medianArea(const AreaJob& job)
 std::unique_ptr<State> prepareMedian(const Setup& setup)
 {
     auto state = std::make_unique<MedianState>();
-    state->radius = held(setup.parameters[0].i[0], 0, kMostRadius);
+    state->radius = held(setup.parameters[0].i[0], 0, kMostMedianRadius);
     return state;
 }
 
@@ -344,7 +306,9 @@ const NodeDeclaration medianNode{"median",
                                    "How far the square reaches beyond the pixel in its middle, in pixels."}},
                                  prepareMedian,
                                  nullptr,
-                                 medianArea};
+                                 medianArea,
+                                 nullptr,
+                                 kLargeMedianRows};
 
 } // namespace vellor::nodes
 #endif

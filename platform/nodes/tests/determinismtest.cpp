@@ -130,6 +130,18 @@ TEST(Determinism, ThinStampsEndAtTheSamePixels)
     }
 }
 
+TEST(Determinism, MediansOfEveryRadius)
+{
+    Picture ties = noise(300, 80);
+    for (int y = 0; y < 80; ++y)
+        for (int x = 0; x < 300; ++x)
+            ties.at(x, y) = ties.at(x, y) < 0.3f ? -0.0f : std::floor(ties.at(x, y) * 4.0f) - 1.0f;
+    for (int radius = 1; radius <= 16; ++radius)
+        for (const Picture& picture : {noise(300, 80), ties})
+            expectSame(Evaluation("median", 300, 80).set("radius", {double(radius)}).operand(picture),
+                       "median, radius " + std::to_string(radius));
+}
+
 TEST(Robustness, ExtremeParametersAreServed)
 {
     for (const NodeDeclaration* node : allNodes()) {
