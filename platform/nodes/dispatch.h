@@ -13,6 +13,12 @@
         HWY_DYNAMIC_DISPATCH(kernel)(job);                                                                   \
     }
 
+/// The same for kernels that put their results.
+#define NODES_PUTTING_ROW_KERNEL(kernel)                                                                     \
+    HWY_EXPORT(kernel);                                                                                      \
+    static constexpr RowKernel run##kernel{                                                                  \
+        [](const RowJob& job) { HWY_DYNAMIC_DISPATCH(kernel)(job); }, true};
+
 #define NODES_AREA_KERNEL(kernel)                                                                            \
     HWY_EXPORT(kernel);                                                                                      \
     static void run##kernel(const AreaJob& job)                                                              \

@@ -158,10 +158,26 @@ struct RowJob
     // operands[operand * kMaxChannels + channel]; null for operands that aren't connected
     const float* const* operands = nullptr;
     std::array<float*, kMaxChannels> result{};
+    bool pastCaches = false; // for kernels that put their results: where these go
     // As in Setup: for kernels that may take milliseconds for a row. The result may be left unfinished.
     const std::atomic<bool>* stop = nullptr;
 
     bool stopped() const { return stop && stop->load(std::memory_order_relaxed); }
+};
+
+/// A point kernel.
+struct RowKernel
+{
+    constexpr RowKernel(void (*row)(const RowJob&) = nullptr, bool putsResults = false)
+        : run(row), puts(putsResults)
+    {
+    }
+    void operator()(const RowJob& job) const { run(job); }
+    explicit operator bool() const { return run != nullptr; }
+
+    void (*run)(const RowJob&);
+    // Pixels of the result are put through ResultRow, once each, and not read: RowJob::pastCaches may be set.
+    bool puts;
 };
 
 /// Rows y0 to y1 - 1 of one pass of an area kernel. For passes before the last, result is scratch[pass].
@@ -206,7 +222,7 @@ struct NodeDeclaration
     // May return null where a kernel needs no state. May throw std::bad_alloc. Runs on any thread.
     std::unique_ptr<State> (*prepare)(const Setup&) = nullptr;
     // Exactly one of the two is set. Either may throw std::bad_alloc.
-    void (*row)(const RowJob&) = nullptr;
+    RowKernel row;
     void (*area)(const AreaJob&) = nullptr;
     // Area kernels of more than one pass: the scratch images, one for each pass but the last. Null: one pass.
     std::vector<ScratchShape> (*scratch)(const State*, const Setup&) = nullptr;

@@ -9,6 +9,7 @@
 #endif
 
 #include "platform/nodes/powertable.h"
+#include "platform/nodes/resultrow-inl.h"
 #include "platform/nodes/simd.h"
 
 #include <algorithm>
@@ -55,14 +56,15 @@ struct Rgb
 template<class Function> HWY_INLINE void mapColours(const RowJob& job, Function function)
 {
     const float *r = job.operands[0], *g = job.operands[1], *b = job.operands[2];
-    float *toR = job.result[0], *toG = job.result[1], *toB = job.result[2];
+    const float* a = job.operands[3];
+    const ResultRow toR(job, 0), toG(job, 1), toB(job, 2), toA(job, 3);
     for (int i = 0; i < job.count; i += kLanes) {
         const Rgb mapped = function(Rgb{load(r + i), load(g + i), load(b + i)});
-        store(mapped.r, toR + i);
-        store(mapped.g, toG + i);
-        store(mapped.b, toB + i);
+        toR.put(i, mapped.r);
+        toG.put(i, mapped.g);
+        toB.put(i, mapped.b);
+        toA.put(i, load(a + i));
     }
-    copyChannel(job, 3);
 }
 
 /// Luminance of linear light by ITU-R BT.709.

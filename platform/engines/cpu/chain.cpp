@@ -37,7 +37,7 @@ public:
         findLastReaders();
         for (std::size_t at = 0; at < stage_.nodes.size(); ++at)
             addCall(static_cast<int>(at));
-        if (streams_ || (streamedRows() > 0 && readsPastCaches()))
+        if (streamedRows() > 0 && (streams_ || readsPastCaches()))
             shareAhead();
         const int row = (chain_.width_ + 15) / 16 * 16;
         const int fit = std::min(fitting(kSlotBytes, chain_.slotCount_), fitting(kKernelBytes, mostRows()));
@@ -107,7 +107,7 @@ private:
             const nodes::Setup setup =
                 setupOf(context_, node, views, picture == read_.end() ? nodes::ImageView() : picture->second);
             call.state = prepareNode(node, setup);
-            call.result = addResult(stage_.nodes[at], node, call.whole);
+            addResult(at, node, call);
         }
         chain_.calls_.push_back(std::move(call));
         releaseSlots(at, node);
@@ -133,11 +133,14 @@ private:
         return places;
     }
 
-    Places addResult(int index, const PlanNode& node, Places& whole)
+    void addResult(int at, const PlanNode& node, Call& call)
     {
-        Places& places = places_[index];
-        Places& target = streams_ ? whole : places;
+        const int index = stage_.nodes[at];
         const auto written = written_.find(index);
+        const bool streamed = streams_ && written != written_.end();
+        call.puts = streamed && node.kind->row.puts && lastReader_.at(index) == at;
+        Places& places = places_[index];
+        Places& target = streamed && !call.puts ? call.whole : places;
         const nodes::MutableImage planes =
             written == written_.end() ? nodes::MutableImage() : written->second->mutableView();
         if (written != written_.end())
@@ -146,7 +149,7 @@ private:
         for (int c = 0; c < node.channels; ++c)
             if (!places[c].base)
                 places[c].slot = takeSlot();
-        return places;
+        call.result = places;
     }
 
     /// What is read from whole pictures, each plane once, is fetched ahead, an even part with each row that
@@ -304,6 +307,7 @@ void Chain::runTile(int x, int count, int y, float* slots, Pointers& pointers, s
         if (call.pack) {
             call.pack->write(x, y, count, job.operands, call.channels, aheadOf(call, 0, count, pointers));
         } else {
+            job.pastCaches = call.puts;
             call.row(job);
             if (call.whole[0].base)
                 streamResult(call, job, pointers);

@@ -5,9 +5,10 @@
 // A row is cut into tiles that are short enough for the results of a whole group to stay in the second cache.
 // Results that are read within the group alone go to slots: rows of one tile that nodes share as soon as the
 // last reader is through. Results that become whole pictures are written, and read again, where they lie;
-// large ones lie in slots, too, and are copied from there past the caches, which saves the reading of what is
-// overwritten. The same copying fetches what the next tile reads, line by line, so that memory is read and
-// written at the same time: a tile's kernels only read, and its copying would only write.
+// large ones go past the caches, which saves the reading of what is overwritten. Some kernels put them there
+// themselves, vector by vector. The results of others, and those that the group reads, lie in slots, too, and
+// are copied from there; the same copying fetches what the next tile reads, line by line, so that memory is
+// read and written at the same time: a tile's kernels only read, and its copying would only write.
 //
 // At both ends pictures may be packed: a host's pixels are unpacked to slots, and a result that only an
 // output reads is packed from slots, tile by tile, so that none of their planes goes through memory.
@@ -44,13 +45,14 @@ private:
     };
     struct Call
     {
-        void (*row)(const nodes::RowJob&) = nullptr;
+        nodes::RowKernel row;
         std::optional<PixelWriter> pack; // instead of row
         std::unique_ptr<nodes::State> state;
         int channels = 1;
         std::size_t firstOperand = 0, operandPlanes = 0; // in operands_
         std::array<Place, nodes::kMaxChannels> result;
         std::array<Place, nodes::kMaxChannels> whole; // where results in slots go past the caches
+        bool puts = false;                            // the kernel itself writes past the caches
         // Channel c of whole brings along ahead_ from ahead[c] up to ahead[c + 1]; packing, as channel 0.
         std::array<int, nodes::kMaxChannels + 1> ahead{};
     };

@@ -35,7 +35,7 @@ struct PlanNode
     bool compute = false; // wanted, and not kept from before
     bool keep = false;    // worth a whole picture of its own, for generations to come
 
-    bool isPoint() const { return kind->row != nullptr || packs; }
+    bool isPoint() const { return kind->row || packs; }
     ImageShape shape() const { return {width, height, channels, packs, format}; }
 };
 

@@ -283,7 +283,7 @@ struct BlendRange
     {
     }
 
-    HWY_INLINE void put(F value, float* to) const { store(clampOf(value, low, high), to); }
+    HWY_INLINE F held(F value) const { return clampOf(value, low, high); }
 
     F low, high;
 };
@@ -291,13 +291,13 @@ struct BlendRange
 template<BlendMode mode> void blendChannel(const RowJob& job, int c)
 {
     const float *source = job.operands[c], *background = job.operands[kMaxChannels + c];
-    float* result = job.result[c];
+    const ResultRow result(job, c);
     const BlendWeight weight(job);
     const BlendRange range(job);
     const int count = job.count;
     for (int i = 0; i < count; i += kLanes) {
         const F b = BlendOperand::at(background, i), s = BlendOperand::at(source, i);
-        range.put(lerpOf(b, mixed<mode>(b, s), weight.at(i)), result + i);
+        result.put(i, range.held(lerpOf(b, mixed<mode>(b, s), weight.at(i))));
     }
 }
 
@@ -305,16 +305,16 @@ template<BlendMode mode> void blendChannel(const RowJob& job, int c)
 template<BlendMode mode> void blendColours(const RowJob& job, bool byAlpha)
 {
     const BlendOperand source(job, 0), background(job, 1);
-    float *toR = job.result[0], *toG = job.result[1], *toB = job.result[2];
+    const ResultRow toR(job, 0), toG(job, 1), toB(job, 2);
     const BlendWeight weight(job);
     const BlendRange range(job);
     const int count = job.count;
     for (int i = 0; i < count; i += kLanes) {
         const Rgb b = background.colour(i), m = mixed<mode>(b, source.colour(i));
         const F w = byAlpha ? weight.at(i) * source.alpha(i) : weight.at(i);
-        range.put(lerpOf(b.r, m.r, w), toR + i);
-        range.put(lerpOf(b.g, m.g, w), toG + i);
-        range.put(lerpOf(b.b, m.b, w), toB + i);
+        toR.put(i, range.held(lerpOf(b.r, m.r, w)));
+        toG.put(i, range.held(lerpOf(b.g, m.g, w)));
+        toB.put(i, range.held(lerpOf(b.b, m.b, w)));
     }
 }
 
@@ -322,7 +322,7 @@ template<BlendMode mode> void blendColours(const RowJob& job, bool byAlpha)
 template<BlendMode mode> void blendOver(const RowJob& job)
 {
     const BlendOperand source(job, 0), background(job, 1);
-    float *toR = job.result[0], *toG = job.result[1], *toB = job.result[2], *toA = job.result[3];
+    const ResultRow toR(job, 0), toG(job, 1), toB(job, 2), toA(job, 3);
     const BlendWeight weight(job);
     const BlendRange range(job);
     const int count = job.count;
@@ -333,10 +333,10 @@ template<BlendMode mode> void blendOver(const RowJob& job)
         const M none = alpha == F(0.0f);
         const F inverse = F(1.0f) / choose(none, F(1.0f), alpha);
         const Rgb b = background.colour(i), s = source.colour(i), m = mixed<mode>(b, s);
-        range.put(choose(none, b.r, (both * m.r + (only * s.r + under * b.r)) * inverse), toR + i);
-        range.put(choose(none, b.g, (both * m.g + (only * s.g + under * b.g)) * inverse), toG + i);
-        range.put(choose(none, b.b, (both * m.b + (only * s.b + under * b.b)) * inverse), toB + i);
-        range.put(alpha, toA + i);
+        toR.put(i, range.held(choose(none, b.r, (both * m.r + (only * s.r + under * b.r)) * inverse)));
+        toG.put(i, range.held(choose(none, b.g, (both * m.g + (only * s.g + under * b.g)) * inverse)));
+        toB.put(i, range.held(choose(none, b.b, (both * m.b + (only * s.b + under * b.b)) * inverse)));
+        toA.put(i, range.held(alpha));
     }
 }
 
@@ -352,8 +352,9 @@ template<BlendMode mode> void blendMode(const RowJob& job)
         return blendChannel<mode>(job, 3);
     const BlendOperand background(job, 1);
     const BlendRange range(job);
+    const ResultRow alpha(job, 3);
     for (int i = 0; i < job.count; i += kLanes)
-        range.put(background.alpha(i), job.result[3] + i);
+        alpha.put(i, range.held(background.alpha(i)));
 }
 
 template<int mode> void dispatchMode(const RowJob& job)
@@ -378,7 +379,7 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace vellor::nodes {
 
-NODES_ROW_KERNEL(blendRow)
+NODES_PUTTING_ROW_KERNEL(blendRow)
 
 static std::unique_ptr<State> prepareBlend(const Setup& setup)
 {

@@ -37,9 +37,9 @@ void crossfadeRow(const RowJob& job)
     for (int c = 0; c < job.channels; ++c) {
         const float* from = job.operands[state.from * kMaxChannels + c];
         const float* to = job.operands[state.to * kMaxChannels + c];
-        float* result = job.result[c];
+        const ResultRow result(job, c);
         for (int i = 0; i < job.count; i += kLanes)
-            store(lerpOf(load(from + i), load(to + i), share), result + i);
+            result.put(i, lerpOf(load(from + i), load(to + i), share));
     }
 }
 
@@ -50,7 +50,7 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace vellor::nodes {
 
-NODES_ROW_KERNEL(crossfadeRow)
+NODES_PUTTING_ROW_KERNEL(crossfadeRow)
 
 static std::unique_ptr<State> prepareCrossfade(const Setup& setup)
 {

@@ -31,7 +31,7 @@ template<bool givesMask> void blendHeights(const RowJob& job, const HeightblendS
 {
     const float *top = job.operands[0], *bottom = job.operands[kMaxChannels],
                 *mask = job.operands[2 * kMaxChannels];
-    float* result = job.result[0];
+    const ResultRow result(job, 0);
     const F offset(state.offset), factor(state.factor);
     const int count = job.count;
     for (int i = 0; i < count; i += kLanes) {
@@ -39,7 +39,7 @@ template<bool givesMask> void blendHeights(const RowJob& job, const HeightblendS
         const F raised = load(top + i) + offset + (mask ? load(mask + i) * F(2.0f) - F(2.0f) : F(0.0f));
         const F t = clampOf((raised - low) * factor + F(0.5f), F(0.0f), F(1.0f));
         const F weight = t * t * (F(3.0f) - F(2.0f) * t);
-        store(givesMask ? weight : low + (raised - low) * weight, result + i);
+        result.put(i, givesMask ? weight : low + (raised - low) * weight);
     }
 }
 
@@ -59,7 +59,7 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace vellor::nodes {
 
-NODES_ROW_KERNEL(heightblendRow)
+NODES_PUTTING_ROW_KERNEL(heightblendRow)
 
 static std::unique_ptr<State> prepareHeightblend(const Setup& setup)
 {

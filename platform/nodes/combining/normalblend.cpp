@@ -91,16 +91,16 @@ template<NormalMethod method> void combineNormals(const RowJob& job, float inten
     const NormalOperand base(job, 0), detail(job, 1);
     const float* mask = job.operands[2 * kMaxChannels];
     const float* alpha = job.operands[3];
-    float *toX = job.result[0], *toY = job.result[1], *toZ = job.result[2], *toA = job.result[3];
+    const ResultRow toX(job, 0), toY(job, 1), toZ(job, 2), toA(job, 3);
     const int count = job.count;
     for (int i = 0; i < count; i += kLanes) {
         const F amount = mask ? load(mask + i) * F(intensity) : F(intensity);
         const Normal n =
             normalised(combined<method>(base.at(i), normalised(flattened(detail.at(i), amount))));
-        store(n.x * F(0.5f) + F(0.5f), toX + i);
-        store(n.y * F(0.5f) + F(0.5f), toY + i);
-        store(n.z * F(0.5f) + F(0.5f), toZ + i);
-        store(load(alpha + i), toA + i);
+        toX.put(i, n.x * F(0.5f) + F(0.5f));
+        toY.put(i, n.y * F(0.5f) + F(0.5f));
+        toZ.put(i, n.z * F(0.5f) + F(0.5f));
+        toA.put(i, load(alpha + i));
     }
 }
 
@@ -124,7 +124,7 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace vellor::nodes {
 
-NODES_ROW_KERNEL(normalblendRow)
+NODES_PUTTING_ROW_KERNEL(normalblendRow)
 
 static std::unique_ptr<State> prepareNormalblend(const Setup& setup)
 {

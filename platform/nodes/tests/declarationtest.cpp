@@ -45,7 +45,7 @@ TEST(Declaration, KindsAreDescribed)
         EXPECT_TRUE(isSentence(node->text)) << node->name;
         EXPECT_FALSE(std::string(node->label).empty()) << node->name;
         EXPECT_EQ(categories.count(node->category), 1u) << node->name;
-        EXPECT_NE(node->row == nullptr, node->area == nullptr) << node->name << " has one kernel";
+        EXPECT_NE(bool(node->row), node->area != nullptr) << node->name << " has one kernel";
         EXPECT_TRUE(node->scratch == nullptr || node->area != nullptr) << node->name;
         std::set<std::string> operands;
         for (const OperandDeclaration& operand : node->operands) {

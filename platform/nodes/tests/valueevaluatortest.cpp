@@ -196,14 +196,14 @@ TEST(PixelProgram, ReadsItsOwnPixelAsAPointKernel)
     ParameterValue parameter;
     parameter.program = &program;
     const NodeDeclaration& kind = *findNode("pixelprogram");
-    EXPECT_NE(formFor(kind, &parameter).row, nullptr);
+    EXPECT_TRUE(formFor(kind, &parameter).row);
     const test::Picture result = run();
     for (int x = 0; x < 300; ++x)
         EXPECT_EQ(result.at(x, 5), 0.5f * colour.at(x, 5) + grey.at(x, 5));
     // Across the other diagonal, it has to read elsewhere.
     program.instructions[2].b = 1;
     program.instructions[2].c = 0;
-    EXPECT_EQ(formFor(kind, &parameter).row, nullptr);
+    EXPECT_FALSE(formFor(kind, &parameter).row);
 }
 
 } // namespace vellor::nodes

@@ -50,7 +50,7 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace vellor::nodes {
 
-NODES_ROW_KERNEL(colourbalanceRow)
+NODES_PUTTING_ROW_KERNEL(colourbalanceRow)
 
 static std::unique_ptr<State> prepareColourbalance(const Setup& setup)
 {

@@ -33,11 +33,11 @@ void colourmatrixRow(const RowJob& job)
     for (int c = 0; c < kMaxChannels; c += 2) {
         const F r0(m[c][0]), g0(m[c][1]), b0(m[c][2]), a0(m[c][3]), offset0(m[4][c]);
         const F r1(m[c + 1][0]), g1(m[c + 1][1]), b1(m[c + 1][2]), a1(m[c + 1][3]), offset1(m[4][c + 1]);
-        float *to0 = job.result[c], *to1 = job.result[c + 1];
+        const ResultRow to0(job, c), to1(job, c + 1);
         for (int i = 0; i < job.count; i += kLanes) {
             const F red = load(r + i), green = load(g + i), blue = load(b + i), alpha = load(a + i);
-            store((red * r0 + green * g0) + (blue * b0 + alpha * a0) + offset0, to0 + i);
-            store((red * r1 + green * g1) + (blue * b1 + alpha * a1) + offset1, to1 + i);
+            to0.put(i, (red * r0 + green * g0) + (blue * b0 + alpha * a0) + offset0);
+            to1.put(i, (red * r1 + green * g1) + (blue * b1 + alpha * a1) + offset1);
         }
     }
 }
@@ -49,7 +49,7 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace vellor::nodes {
 
-NODES_ROW_KERNEL(colourmatrixRow)
+NODES_PUTTING_ROW_KERNEL(colourmatrixRow)
 
 static std::unique_ptr<State> prepareColourmatrix(const Setup& setup)
 {

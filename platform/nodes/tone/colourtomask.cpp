@@ -17,8 +17,9 @@ void colourtomaskRow(const RowJob& job)
     const auto& state = static_cast<const ColourKeyState&>(*job.state);
     const ColourKey key(state.key.data(), state.tolerance, state.softness, state.perceptual);
     const float *r = job.operands[0], *g = job.operands[1], *b = job.operands[2];
+    const ResultRow to(job, 0);
     for (int i = 0; i < job.count; i += kLanes)
-        store(key.maskOf({load(r + i), load(g + i), load(b + i)}), job.result[0] + i);
+        to.put(i, key.maskOf({load(r + i), load(g + i), load(b + i)}));
 }
 
 } // namespace
@@ -28,7 +29,7 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace vellor::nodes {
 
-NODES_ROW_KERNEL(colourtomaskRow)
+NODES_PUTTING_ROW_KERNEL(colourtomaskRow)
 
 static std::unique_ptr<State> prepareColourtomask(const Setup& setup)
 {

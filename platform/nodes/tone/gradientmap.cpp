@@ -22,7 +22,7 @@ struct GradientMapState : State
 #define HWY_TARGET_INCLUDE "platform/nodes/tone/gradientmap.cpp"
 #include <hwy/foreach_target.h>
 
-#include "platform/nodes/simd.h"
+#include "platform/nodes/resultrow-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace vellor::nodes::HWY_NAMESPACE {
@@ -31,6 +31,7 @@ namespace {
 void gradientMapRow(const RowJob& job)
 {
     const auto& state = static_cast<const GradientMapState&>(*job.state);
+    const ResultRow to[kMaxChannels] = {{job, 0}, {job, 1}, {job, 2}, {job, 3}};
     for (int i = 0; i < job.count; i += kLanes) {
         const F x =
             clampOf(load(job.operands[0] + i), F(0.0f), F(1.0f)) * F(static_cast<float>(kGradientSteps));
@@ -38,7 +39,7 @@ void gradientMapRow(const RowJob& job)
         const U index = toInteger(step);
         for (int c = 0; c < kMaxChannels; ++c) {
             const float* table = state.tables[c].data();
-            store(lerpOf(gather(table, index), gather(table + 1, index), t), job.result[c] + i);
+            to[c].put(i, lerpOf(gather(table, index), gather(table + 1, index), t));
         }
     }
 }
@@ -50,7 +51,7 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace vellor::nodes {
 
-NODES_ROW_KERNEL(gradientMapRow)
+NODES_PUTTING_ROW_KERNEL(gradientMapRow)
 
 static std::unique_ptr<State> prepareGradientMap(const Setup& setup)
 {

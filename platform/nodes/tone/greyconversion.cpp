@@ -32,8 +32,9 @@ namespace {
 template<class Function> HWY_INLINE void greyOf(const RowJob& job, Function function)
 {
     const float *r = job.operands[0], *g = job.operands[1], *b = job.operands[2];
+    const ResultRow to(job, 0);
     for (int i = 0; i < job.count; i += kLanes)
-        store(function(load(r + i), load(g + i), load(b + i), i), job.result[0] + i);
+        to.put(i, function(load(r + i), load(g + i), load(b + i), i));
 }
 
 void greyRow(const RowJob& job)
@@ -65,7 +66,7 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace vellor::nodes {
 
-NODES_ROW_KERNEL(greyRow)
+NODES_PUTTING_ROW_KERNEL(greyRow)
 
 static std::unique_ptr<State> prepareGrey(const Setup& setup)
 {

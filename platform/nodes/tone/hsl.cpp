@@ -20,7 +20,7 @@ struct HslState : State
 #define HWY_TARGET_INCLUDE "platform/nodes/tone/hsl.cpp"
 #include <hwy/foreach_target.h>
 
-#include "platform/nodes/simd.h"
+#include "platform/nodes/resultrow-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace vellor::nodes::HWY_NAMESPACE {
@@ -60,16 +60,17 @@ void hslRow(const RowJob& job)
 {
     const auto& state = static_cast<const HslState&>(*job.state);
     const F gain(state.saturation), light(state.lightness);
+    const ResultRow toR(job, 0), toG(job, 1), toB(job, 2), toA(job, 3);
     for (int i = 0; i < job.count; i += kLanes) {
         Hsl hsl = hslOf(load(job.operands[0] + i), load(job.operands[1] + i), load(job.operands[2] + i));
         hsl.hue = hsl.hue + F(state.hue);
         hsl.saturation = clampOf(hsl.saturation * gain, F(0.0f), F(1.0f));
         const F target = choose(light > F(0.0f), F(1.0f), F(0.0f));
         hsl.lightness = lerpOf(hsl.lightness, target, absOf(light));
-        store(channelOf(hsl, 0.0f), job.result[0] + i);
-        store(channelOf(hsl, -1.0f / 3.0f), job.result[1] + i);
-        store(channelOf(hsl, 1.0f / 3.0f), job.result[2] + i);
-        store(load(job.operands[3] + i), job.result[3] + i);
+        toR.put(i, channelOf(hsl, 0.0f));
+        toG.put(i, channelOf(hsl, -1.0f / 3.0f));
+        toB.put(i, channelOf(hsl, 1.0f / 3.0f));
+        toA.put(i, load(job.operands[3] + i));
     }
 }
 
@@ -80,7 +81,7 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace vellor::nodes {
 
-NODES_ROW_KERNEL(hslRow)
+NODES_PUTTING_ROW_KERNEL(hslRow)
 
 static std::unique_ptr<State> prepareHsl(const Setup& setup)
 {

@@ -46,7 +46,7 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace vellor::nodes {
 
-NODES_ROW_KERNEL(replacecolourRow)
+NODES_PUTTING_ROW_KERNEL(replacecolourRow)
 
 static std::unique_ptr<State> prepareReplacecolour(const Setup& setup)
 {
