@@ -6,11 +6,11 @@
 
 #include <algorithm>
 
-// Windows of up to 7 x 7 pixels are sorted out vector by vector, and what neighbours share is done once: each
-// column is sorted, and neighbouring columns are merged in pairs (after A. Adams, "Fast median filters using
-// separable sorting networks", 2021). Of what a window's pairs give together only the ranks count that the
-// last column can make the median. Merging is K. Batcher's by odd and even places (1968). Of 3 x 3 pixels
-// only the columns need sorting. Larger windows: largemedian.h.
+// Windows of up to 7 x 7 pixels are sorted out vector by vector, and what neighbours share is done once, for
+// two rows together: each column is sorted, and neighbouring columns are merged in pairs (after A. Adams,
+// "Fast median filters using separable sorting networks", 2021). Of what the rows' windows have in common
+// only the ranks count that the pixels of one row alone can make the median. Merging is K. Batcher's by odd
+// and even places (1968). Of 3 x 3 pixels only the columns need sorting. Larger windows: largemedian.h.
 
 #ifndef VELLOR_MEDIAN_STATE
 #define VELLOR_MEDIAN_STATE
@@ -85,34 +85,39 @@ template<int count> HWY_INLINE void sort(F* values)
     }
 }
 
-/// A part of a row with the rows around it, as far as windows reach.
+/// A part of two rows with the rows around them, as far as windows reach.
 template<int radius> class Surroundings
 {
 public:
-    static constexpr int kSide = 2 * radius + 1;
+    static constexpr int kRows = 2 * radius + 2;
 
     void lookAt(const ImageView& source, int channel, int x, int y, int count)
     {
         const bool inside =
             x >= radius && x + count + radius <= source.width && x + count + radius + kLanes <= source.stride;
-        for (int k = 0; k < kSide; ++k) {
+        for (int k = 0; k < kRows; ++k) {
             if (!inside)
                 m_copies[k].fill(source, channel, x, y + k - radius, count);
             m_rows[k] = inside ? rowOf(source, channel, y + k - radius) + x : m_copies[k].at(0);
         }
-        m_next = rowOf(source, channel, y + radius + 1) + x;
+        for (int k = 0; k < 2; ++k)
+            m_next[k] = rowOf(source, channel, y + k + radius + 2) + x;
     }
 
-    /// Fetches what the next row takes beyond what this one does: where memory is the limit, waiting for it
-    /// was a third of the time.
-    HWY_INLINE void fetchNext(int x) const { __builtin_prefetch(m_next + x); }
+    /// Fetches what the next rows take beyond what these do: where memory is the limit, waiting for it was a
+    /// third of the time.
+    HWY_INLINE void fetchNext(int x) const
+    {
+        for (const float* row : m_next)
+            __builtin_prefetch(row + x);
+    }
     /// Pixels of the k-th row, from pixel x of the part on.
     HWY_INLINE F pixels(int k, int x) const { return loadAt(m_rows[k] + x); }
 
 private:
-    const float* m_rows[kSide];
-    const float* m_next;
-    RowWindow<radius> m_copies[kSide]; // where rows end
+    const float* m_rows[kRows];
+    const float* m_next[2];
+    RowWindow<radius> m_copies[kRows]; // where rows end
 };
 
 HWY_INLINE F middleOf(F a, F b, F c)
@@ -131,19 +136,29 @@ public:
     {
         for (int x = 0; x < count; x += kLanes) {
             source.fetchNext(x);
-            F low[3], middle[3], high[3];
+            F common[3][2];
             for (int k = 0; k < 3; ++k) {
-                F column[3];
-                for (int row = 0; row < 3; ++row)
-                    column[row] = source.pixels(row, x + k - 1);
-                sort<3>(column);
-                low[k] = column[0];
-                middle[k] = column[1];
-                high[k] = column[2];
+                for (int row = 0; row < 2; ++row)
+                    common[k][row] = source.pixels(row + 1, x + k - 1);
+                sort<2>(common[k]);
             }
-            put(x, middleOf(maxOf(maxOf(low[0], low[1]), low[2]), middleOf(middle[0], middle[1], middle[2]),
-                            minOf(minOf(high[0], high[1]), high[2])));
+            for (int row = 0; row < 2; ++row)
+                put(row, x, median(source, 3 * row, x, common));
         }
+    }
+
+private:
+    /// Of two rows and a third.
+    static HWY_INLINE F median(const Surroundings<1>& source, int row, int x, const F (*common)[2])
+    {
+        F columns[3][3];
+        for (int k = 0; k < 3; ++k) {
+            const F other = source.pixels(row, x + k - 1);
+            merge<1, 2>(&other, common[k], columns[k]);
+        }
+        return middleOf(maxOf(maxOf(columns[0][0], columns[1][0]), columns[2][0]),
+                        middleOf(columns[0][1], columns[1][1], columns[2][1]),
+                        minOf(minOf(columns[0][2], columns[1][2]), columns[2][2]));
     }
 };
 
@@ -157,22 +172,23 @@ public:
     {
         sortColumns(source, count);
         mergePairs(count);
-        medians(count, put);
+        medians(source, count, put);
     }
 
 private:
-    static constexpr int kSide = 2 * radius + 1, kPair = 2 * kSide;
+    static constexpr int kSide = 2 * radius + 1, kColumn = 2 * radius, kPair = 2 * kColumn;
     using Line = float[kChunk + 3 * 16];
 
+    /// What both rows' windows have of each column.
     void sortColumns(const Surroundings<radius>& source, int count)
     {
         for (int i = 0; i < count + 2 * radius; i += kLanes) {
             source.fetchNext(i);
-            F values[kSide];
-            for (int k = 0; k < kSide; ++k)
-                values[k] = source.pixels(k, i - radius);
-            sort<kSide>(values);
-            for (int k = 0; k < kSide; ++k)
+            F values[kColumn];
+            for (int k = 0; k < kColumn; ++k)
+                values[k] = source.pixels(k + 1, i - radius);
+            sort<kColumn>(values);
+            for (int k = 0; k < kColumn; ++k)
                 store(values[k], m_columns[k] + i);
         }
     }
@@ -181,12 +197,12 @@ private:
     void mergePairs(int count)
     {
         for (int i = 0; i < count + 2 * radius - 2; i += kLanes) {
-            F left[kSide], right[kSide], both[kPair];
-            for (int k = 0; k < kSide; ++k) {
+            F left[kColumn], right[kColumn], both[kPair];
+            for (int k = 0; k < kColumn; ++k) {
                 left[k] = load(m_columns[k] + i);
                 right[k] = loadAt(m_columns[k] + i + 1);
             }
-            merge<kSide, kSide>(left, right, both);
+            merge<kColumn, kColumn>(left, right, both);
             for (int k = 0; k < kPair; ++k)
                 store(both[k], m_pairs[k] + i);
         }
@@ -207,40 +223,55 @@ private:
         }
     }
 
-    template<class Put> HWY_INLINE void medians(int count, const Put& put) const
+    template<class Put>
+    HWY_INLINE void medians(const Surroundings<radius>& source, int count, const Put& put) const
     {
-        constexpr int kFirst = kSide * kSide / 2 - kSide; // the least rank that the last column can raise
+        constexpr int kFirst = kSide * kSide / 2 - kSide; // the least rank that the other pixels can raise
         for (int i = 0; i < count; i += kLanes) {
-            F values[radius * kPair];
-            gather<radius>(i, values);
-            F median = values[kFirst + kSide];
-            for (int k = 0; k < kSide; ++k)
-                median = minOf(median,
-                               maxOf(values[kFirst + k], loadAt(m_columns[kSide - 1 - k] + i + 2 * radius)));
-            put(i, median);
+            F paired[radius * kPair], last[kColumn], values[radius * kPair + kColumn];
+            gather<radius>(i, paired);
+            for (int k = 0; k < kColumn; ++k)
+                last[k] = loadAt(m_columns[k] + i + 2 * radius);
+            merge<radius * kPair, kColumn>(paired, last, values);
+            for (int row = 0; row < 2; ++row) {
+                F others[kSide]; // what the row's window has alone: its upper or its lower pixels
+                for (int k = 0; k < kSide; ++k)
+                    others[k] = source.pixels(row * kSide, i + k - radius);
+                sort<kSide>(others);
+                F median = values[kFirst + kSide];
+                for (int k = 0; k < kSide; ++k)
+                    median = minOf(median, maxOf(values[kFirst + k], others[kSide - 1 - k]));
+                put(row, i, median);
+            }
         }
     }
 
-    alignas(64) Line m_columns[kSide], m_pairs[kPair];
+    alignas(64) Line m_columns[kColumn], m_pairs[kPair];
 };
 
-/// Rows one after the other, so that the processor sees the next pixels coming.
+/// Two rows at a time, the first of them even wherever the band begins: of zeros of either sign, which one is
+/// found depends on the order of comparisons. From left to right, so that the processor sees pixels coming.
 template<class Median> void runMedian(const AreaJob& job)
 {
     Median median;
     Surroundings<Median::kRadius> surroundings;
     const bool past = goesPastCaches(job.result);
+    const auto wanted = [&](int y) { return y >= job.y0 && y < job.y1; };
     for (int c = 0; c < job.result.channels; ++c) {
-        for (int y = job.y0; y < job.y1 && !job.stopped(); ++y) {
+        for (int y = job.y0 / 2 * 2; y < job.y1 && !job.stopped(); y += 2) {
             for (int x = 0; x < job.result.width; x += kChunk) {
                 const int count = std::min(kChunk, job.result.width - x);
-                float* result = rowOf(job.result, c, y) + x;
+                float* first = rowOf(job.result, c, y) + x;
                 surroundings.lookAt(job.operands[0], c, x, y, count);
-                if (past)
-                    median.run(surroundings, count,
-                               [&](int i, F value) { hn::Stream(value.v, FloatTag(), result + i); });
+                if (past && wanted(y) && wanted(y + 1))
+                    median.run(surroundings, count, [&](int row, int i, F value) {
+                        hn::Stream(value.v, FloatTag(), first + row * job.result.stride + i);
+                    });
                 else
-                    median.run(surroundings, count, [&](int i, F value) { store(value, result + i); });
+                    median.run(surroundings, count, [&](int row, int i, F value) {
+                        if (wanted(y + row))
+                            store(value, first + row * job.result.stride + i);
+                    });
             }
         }
     }
