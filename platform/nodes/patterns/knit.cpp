@@ -11,6 +11,9 @@
 // the middle of the stitch, and lower down the arc that hangs between the stitch and the next, bent the other
 // way. Lengths are shares of a stitch's height.
 //
+// The plies wind around the yarn like the threads of a screw. How far they have turned is counted along the
+// yarn of a row, which goes from the left to the right: up the left leg of a stitch and down the right one.
+//
 // The head of a purl stitch stands in for its left leg, what hangs beside it for its right one.
 // Legs stand in columns half a stitch wide, and reach into those beside theirs and into the rows above and
 // below. What chance does to the legs of those rows is worked out once for a chunk of a row of pixels, in
@@ -30,7 +33,9 @@ enum class KnitOutput
     V,
     Direction,
     Column,
-    Row
+    Row,
+    Along,
+    Around
 };
 
 /// Which stitches are purled.
@@ -49,16 +54,19 @@ struct KnitState : State
     KnitStitch stitch = KnitStitch::Stockinette;
     // Arcs: half the length without the round ends, how far these lie below the middle, how thick they are
     // beside legs, and where they lie, down from the middle of the stitch.
-    float purlReach = 0.3f, arch = 0.15f, fullness = 1.0f;
-    float headDown = -0.16f, hangingDown = 0.3f;
+    float purlReach = 0.3f, arch = 0.15f, fullness = 1.18f;
+    float headDown = -0.2f, hangingDown = 0.3f;
     float knitHeight = 1.0f, purlHeight = 1.0f; // what stands out and what recedes
     float columns = 12.0f, rows = 12.0f;
     float aspect = 1.0f; // a stitch's width by its height
     float radius = 0.3f;
     float reach = 0.5f;               // half a leg's length without its round ends
     float leanX = 0.4f, leanY = 0.9f; // a leg's direction, upwards and outwards
-    float bend = 0.2f, depth = 0.5f, twist = 0.0f, variation = 0.0f;
+    float bend = 0.2f, depth = 0.5f, variation = 0.0f;
     float plies = 2.0f;
+    float turns = 0.6f;  // of the plies around the yarn, along a leg
+    float groove = 0.0f; // how deep it is between plies, as a share of the radius
+    bool wound = false;  // whether what is drawn asks for the plies
     // No leg shows further above or below its middle, nor does any sample of a pixel further from its axis.
     float above = 1.0f, near = 1.0f;
     float pixel = 0.01f;
@@ -67,6 +75,7 @@ struct KnitState : State
 };
 
 constexpr int kKnitChunk = 256;
+constexpr float kCrest = 0.25f; // where a leg stands out most, -1 at its lower end to 1 at its upper one
 
 /// Numbers of a row of legs, a line for each.
 struct LegLine
@@ -74,6 +83,7 @@ struct LegLine
     alignas(64) float random[2 * kKnitChunk + 96]; // -0.5 to 0.5
     alignas(64) float down[2 * kKnitChunk + 96];   // the leg's middle, from the middle of its stitch
     alignas(64) float value[2 * kKnitChunk + 96];
+    alignas(64) float start[2 * kKnitChunk + 96];  // how far the plies have turned where the leg begins
     alignas(64) float purled[2 * kKnitChunk + 96]; // 0: knitted, 1: purled, 2: not there
 };
 
@@ -95,7 +105,8 @@ namespace {
 struct Leg
 {
     F straight, aside; // from its middle along its axis, upwards, and across, without the bend
-    F random, value;   // what is shown for value, column and row
+    F random, value;   // what is shown for value, column and row, and where along the yarn the leg begins
+    F start;           // how far the plies have turned there, in turns
     F side;            // 1 for legs that lean to the right, -1 to the left
     M near;
     M purled;
@@ -119,6 +130,39 @@ HWY_INLINE F directionOf(const KnitState& state, F coded)
     const F lean = F(state.leanX) * (F(1.0f) + F(state.bend) * (F(0.5f) - F(1.5f) * square));
     const F standing = F(0.5f) + side * atan2Of(lean, F(state.leanY)) * F(1.0f / kPi);
     return choose(coded > F(2.5f), lying - floorOf(lying), standing);
+}
+
+/// Turns around a yarn from its middle line, -1 to 1 across: the arc sine to a hundredth of a turn.
+HWY_INLINE F turnsAcross(F across)
+{
+    const F second = across * across, fourth = second * second, eighth = fourth * fourth;
+    return across * (F(0.1592f) + F(0.0265f) * second + F(0.0643f) * eighth * eighth);
+}
+
+/// How much of a leg the yarn has gone along where t is, 0 to 1.
+template<bool purls> HWY_INLINE F goneAt(const Leg& leg, F t)
+{
+    F forward = -leg.side;
+    if constexpr (purls)
+        forward = choose(leg.purled, F(1.0f), forward);
+    return F(0.5f) + F(0.5f) * t * forward;
+}
+
+/// How far the plies have turned, in turns, -1 to 1 across the yarn.
+template<bool purls> HWY_INLINE F turnedAt(const KnitState& state, const Leg& leg, F t, F across)
+{
+    F aside = clampOf(across, F(-1.0f), F(1.0f));
+    if constexpr (purls)
+        aside = choose(leg.purled, -aside, aside);
+    return leg.start + F(state.turns) * goneAt<purls>(leg, t) - turnsAcross(aside);
+}
+
+/// How deep the groove between plies is, 0 in the middle of a ply to 1 between two; `phase` counts plies.
+HWY_INLINE F grooveAt(F phase)
+{
+    const F aside = F(2.0f) * (phase - floorOf(phase)) - F(1.0f);
+    const F square = aside * aside;
+    return square * (F(0.4f) + F(0.6f) * square);
 }
 
 /// Lays the leg at one sample of the pixels over what shows there.
@@ -149,27 +193,27 @@ HWY_INLINE void addLeg(const KnitState& state, const Leg& leg, F straight, F acr
     if (hn::AllFalse(FloatTag(), reached.m))
         return;
     const F narrow = F(1.0f) / radius;
-    const F round = sqrtOf(maxOf(F(1.0f) - square * narrow * narrow, F(0.0f)));
-    const F edge = clampOf((radius - sqrtOf(square)) * F(1.0f / state.pixel) + F(0.5f), F(0.0f), F(1.0f));
-    const F cover = choose(reached, edge, F(0.0f));
     const F u = t * F(0.5f) + F(0.5f), v = clampOf(aside * narrow * F(0.5f) + F(0.5f), F(0.0f), F(1.0f));
-    // The lower end dives behind the stitch below's tips, the upper end lies open.
-    F course = F(1.0f) - F(state.depth) * (F(0.5f) - F(0.5f) * t);
-    // Arcs dive at both ends.
+    F turned(0.0f), share(1.0f), open = radius;
+    if (state.wound) {
+        turned = turnedAt<purls>(state, leg, t, aside * narrow);
+        // Between plies the yarn is thinner, all around.
+        share = F(1.0f) - F(state.groove) * grooveAt(turned * F(state.plies));
+        open = radius * share;
+    }
+    const F apart = sqrtOf(square);
+    const F round = sqrtOf(maxOf(share * share - square * narrow * narrow, F(0.0f)));
+    const F edge = clampOf((open - apart) * F(1.0f / state.pixel) + F(0.5f), F(0.0f), F(1.0f));
+    const F cover = choose(reached, edge, F(0.0f));
+    // Both ends dive, the lower one deeper: that between the tips of the stitch below.
+    const F ahead = (t - F(kCrest)) * F(1.0f / (1.0f + kCrest));
+    F course = F(1.0f) - F(state.depth) * ahead * ahead;
+    // Arcs dive at both ends alike.
     if constexpr (purls)
         course = choose(leg.purled, F(state.purlHeight) * (F(1.0f) - F(0.8f * state.depth) * t * t),
                         F(state.knitHeight) * course);
-    F height = (F(0.08f) + F(0.92f) * course * round) *
-               (F(1.0f) - (leg.random + F(0.5f)) * F(0.15f * state.variation)) * cover;
-    if (state.twist > 0.0f) {
-        // Plies: ridges that wind around the yarn.
-        F around = leg.side * (v - F(0.5f));
-        if constexpr (purls)
-            around = choose(leg.purled, v - F(0.5f), around);
-        const F wound = u * F(2.2f) + around * F(0.9f);
-        const F wave = sinCosOfTurns(wound * F(state.plies)).cosine;
-        height *= F(1.0f) - F(0.22f * state.twist) * (F(0.5f) - F(0.5f) * wave);
-    }
+    const F height = (F(0.08f) + F(0.92f) * course * round) *
+                     (F(1.0f) - (leg.random + F(0.5f)) * F(0.15f * state.variation)) * cover;
     const M higher = height > top.height;
     top.height = maxOf(height, top.height);
     top.cover = maxOf(top.cover, cover);
@@ -184,6 +228,12 @@ HWY_INLINE void addLeg(const KnitState& state, const Leg& leg, F straight, F acr
         break;
     case KnitOutput::V:
         top.shown = choose(higher, v, top.shown);
+        break;
+    case KnitOutput::Along:
+        top.shown = choose(higher, leg.value + goneAt<purls>(leg, t) * F(0.5f / state.columns), top.shown);
+        break;
+    case KnitOutput::Around:
+        top.shown = choose(higher, turned - floorOf(turned), top.shown);
         break;
     case KnitOutput::Direction: {
         F coded = leg.side * (F(1.0f) + t * t);
@@ -230,7 +280,10 @@ public:
                 const U hash = mixBits(stitch + choose(onRight, U(1u), U(2u))), second = nextHash(hash);
                 store(unitOf(hash) - F(0.5f), line.random + i);
                 store((unitOf(second) - F(0.5f)) * F(0.1f * state.variation), line.down + i);
-                store(shownOf(state, column, row, second), line.value + i);
+                store(shownOf(state, leg, column, row, second), line.value + i);
+                if (state.wound)
+                    store(startOf(state, leg, row) + (unitOf(hash) - F(0.5f)) * F(state.variation),
+                          line.start + i);
                 if (state.stitch != KnitStitch::Stockinette)
                     store(purledOf(state, column, onRight, row), line.purled + i);
             }
@@ -243,13 +296,22 @@ public:
 
 private:
     /// A number for each leg: by chance, or the place of its stitch.
-    static HWY_INLINE F shownOf(const KnitState& state, F column, U row, U hash)
+    static HWY_INLINE F shownOf(const KnitState& state, F leg, F column, U row, U hash)
     {
+        if (state.output == KnitOutput::Along)
+            return leg * F(0.5f / state.columns);
         if (state.output == KnitOutput::Column)
             return (column + F(0.5f)) * F(1.0f / state.columns);
         if (state.output == KnitOutput::Row)
             return (toFloat(row) + F(0.5f)) * F(1.0f / state.rows);
         return unitOf(nextHash(hash));
+    }
+
+    /// Each row's yarn starts turned by chance.
+    static HWY_INLINE F startOf(const KnitState& state, F leg, U row)
+    {
+        const F start = leg * F(state.turns) + unitOf(hashLattice(row, row, U(state.seed ^ 0x2c9277b5u)));
+        return start - floorOf(start);
     }
 
     /// What stands in LegLine. Nothing hangs between a purl stitch and a knit one: there the yarn goes
@@ -259,6 +321,9 @@ private:
         const F beside = wrappedCellOf(column + F(1.0f), state.columns);
         const F purled = purledOf(state, toInteger(column), row),
                 next = purledOf(state, toInteger(beside), row);
+        // Rib2 keeps it, half hidden: two heads alone would leave holes.
+        if (state.stitch == KnitStitch::Rib2)
+            return purled;
         return choose(onRight & (purled > next), F(2.0f), purled);
     }
 
@@ -342,6 +407,8 @@ HWY_INLINE F knitAt(const KnitState& state, const LegRows& rows, F u, float y, c
             if (hn::AllFalse(FloatTag(), leg.near.m))
                 return;
             leg.value = columns.read(line.value + 1 + beside);
+            if (state.wound)
+                leg.start = columns.read(line.start + 1 + beside);
             leg.side = side;
             for (int i = 0; i < 4; ++i) {
                 const F along = turn * F(samples.x[i]), lower(samples.y[i]);
@@ -353,7 +420,7 @@ HWY_INLINE F knitAt(const KnitState& state, const LegRows& rows, F u, float y, c
         look(-1, choose(onRight, -ownX, otherX), -right);
         look(1, choose(onRight, otherX, -ownX), -right);
     }
-    if (state.output == KnitOutput::Column || state.output == KnitOutput::Row) {
+    if (state.output >= KnitOutput::Column) {
         // Places do not mix: the sample that lies highest shows.
         Yarn highest = tops[0];
         for (const Yarn& top : tops) {
@@ -421,20 +488,25 @@ static void setPurls(KnitState& state, float relief)
     switch (state.stitch) {
     case KnitStitch::Rib1: // heads alone, drawn back
         state.headDown = 0.0f;
-        state.fullness = 1.25f;
+        state.fullness = 1.7f;
         state.purlHeight = 1.0f - 0.55f * relief;
         break;
     case KnitStitch::Rib2:
+        state.headDown = -0.14f;
+        state.fullness = 1.5f;
         state.purlHeight = 1.0f - 0.55f * relief;
         break;
     case KnitStitch::Garter: // ridges, which push rows apart
         state.headDown = -0.36f;
         state.hangingDown = 0.36f;
+        state.radius *= 1.2f; // or legs side by side leave holes
+        state.fullness = 1.2f;
         state.knitHeight = 1.0f - 0.35f * relief;
         break;
     case KnitStitch::Seed: // heads alone
-        state.headDown = 0.1f;
-        state.fullness = 1.1f;
+        state.headDown = 0.22f;
+        state.radius *= 1.12f;
+        state.fullness = 1.4f;
         state.knitHeight = 1.0f - 0.35f * relief;
         break;
     default:
@@ -469,26 +541,33 @@ static std::unique_ptr<State> prepareKnit(const Setup& setup)
                          0.05f, 20.0f);
     state->radius = held(p[1].f[0], 0.1f, 1.0f) * 0.28f * state->aspect;
     // A leg reaches from low in its stitch, near the middle, into the stitch above.
-    const float acrossLeg = 0.22f * state->aspect, downLeg = 0.62f;
+    // Where purl stitches squeeze them, legs stand steeper.
+    const float lean = state->stitch == KnitStitch::Garter ? 0.12f
+                       : state->stitch == KnitStitch::Seed ? 0.15f
+                                                           : 0.24f;
+    const float acrossLeg = lean * state->aspect, downLeg = 0.72f;
     const float length = scalar::sqrtOf(acrossLeg * acrossLeg + downLeg * downLeg);
     state->leanX = acrossLeg / length;
     state->leanY = downLeg / length;
     state->reach = std::max(length - 0.6f * state->radius, 0.05f);
     state->bend = held(p[2].f[0], 0.0f, 1.0f);
     state->pixel = state->rows / static_cast<float>(setup.height);
+    if (state->stitch != KnitStitch::Stockinette)
+        setPurls(*state, held(p[9].f[0], 0.0f, 1.0f));
     // Yarn at its thickest and as far as it bends, a pixel, and what chance adds at most.
     state->near = state->radius * (1.1f + 0.4f * state->bend) +
                   std::max(state->pixel, state->columns * state->aspect / static_cast<float>(setup.width));
-    if (state->stitch != KnitStitch::Stockinette) {
-        setPurls(*state, held(p[9].f[0], 0.0f, 1.0f));
+    if (state->stitch != KnitStitch::Stockinette)
         state->near = state->near * state->fullness + state->arch;
-    }
     state->above = state->reach * state->leanY + state->near + 0.06f;
     state->depth = held(p[3].f[0], 0.0f, 1.0f);
     state->plies = static_cast<float>(held(p[4].i[0], 1, 16));
-    state->twist = held(p[5].f[0], 0.0f, 1.0f);
+    state->groove = 0.35f * held(p[5].f[0], 0.0f, 1.0f);
     state->variation = held(p[6].f[0], 0.0f, 1.0f);
-    state->output = static_cast<KnitOutput>(held(p[7].i[0], 0, 7));
+    state->output = static_cast<KnitOutput>(held(p[7].i[0], 0, 9));
+    state->wound = state->groove > 0.0f || state->output == KnitOutput::Around;
+    // The yarn of a row comes back as it went out.
+    state->turns = scalar::roundOf(held(p[10].f[0], 0.0f, 16.0f) * state->columns) / (2.0f * state->columns);
     // A pixel sees no more than one stitch: what is finer would only be noise.
     state->columns = std::min(state->columns, static_cast<float>(setup.width));
     state->seed = scalar::mixBits(static_cast<std::uint32_t>(setup.seed) + 0x6b17a3c5u);
@@ -525,21 +604,25 @@ const NodeDeclaration knitNode{
       {3},
       1,
       16,
-      "How many ridges wind around a leg, as of yarn spun of threads."},
+      "How many plies wind around each other, as in yarn spun of threads."},
      {"twist", ParameterType::Float, {0.4}, 0, 1, "How deep the grooves between plies are."},
      {"variation", ParameterType::Float, {0.3}, 0, 1, "How unlike each other stitches are by chance."},
      {"output",
       ParameterType::Choice,
       {0},
       0,
-      7,
+      9,
       "What to draw: height is the relief; mask is white on yarn; value is a random grey for each leg of a "
       "stitch; "
       "u runs along the yarn and v across it; direction is the yarn's angle, a half for upright and a whole "
       "range "
       "for half a turn; column and row are the place of the stitch that shows, 0 to 1 from the left and from "
-      "the top, unmixed at borders: read a chart of colours or stitches there.",
-      {"height", "mask", "value", "u", "v", "direction", "column", "row"}},
+      "the top; along and around are the place on the yarn, along a row's from the left to the right and "
+      "around it "
+      "in turns, from where the plies have turned to: fibres and plies lie in lines of equal around. The "
+      "last four "
+      "are unmixed at borders: read charts of colours, noise for fibres and the like there.",
+      {"height", "mask", "value", "u", "v", "direction", "column", "row", "along", "around"}},
      {"stitch",
       ParameterType::Choice,
       {0},
@@ -556,7 +639,14 @@ const NodeDeclaration knitNode{
       {0.6},
       0,
       1,
-      "How far the purled columns of ribs recede, and purl stitches of garter and seed stand out."}},
+      "How far the purled columns of ribs recede, and purl stitches of garter and seed stand out."},
+     {"turns",
+      ParameterType::Float,
+      {1.4},
+      0,
+      16,
+      "How often the plies turn around the yarn within a stitch; a row has a whole number of turns, which "
+      "variation makes uneven."}},
     prepareKnit,
     runknitRow};
 

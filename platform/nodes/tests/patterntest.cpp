@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <optional>
 
 namespace vellor::nodes::test {
 
@@ -223,6 +224,58 @@ TEST(Knit, TellsTheStitchThatShows)
     for (const auto& counts : met)
         for (const int count : counts)
             EXPECT_GT(count, 160 * 120 / 20 / 2);
+}
+
+TEST(Knit, WindsPliesLikeAScrewAlongTheYarn)
+{
+    const double columns = 4, rows = 4, turns = 1.5;
+    for (const bool purled : {false, true}) {
+        const auto drawnAs = [&](double output) {
+            return Evaluation("knit", 320, 320)
+                .set("stitches", {columns, rows})
+                .set("variation", {0})
+                .set("twist", {0})
+                .set("turns", {turns})
+                .set("stitch", {purled ? 1.0 : 0.0})
+                .set("output", {output})();
+        };
+        const Picture mask = drawnAs(1), v = drawnAs(4), column = drawnAs(6), row = drawnAs(7),
+                      along = drawnAs(8), around = drawnAs(9);
+        std::optional<double> starts[4];
+        int met = 0, wound = 0;
+        for (int i = 0; i < 320 * 320; ++i) {
+            const int x = i % 320, y = i / 320;
+            const double across = 2 * v.at(x, y) - 1;
+            if (mask.at(x, y) < 0.99f || std::fabs(across) > 0.8)
+                continue;
+            EXPECT_NEAR(along.at(x, y), column.at(x, y), 0.5 / columns + 1e-6);
+            // v goes outwards on knit stitches, against the yarn's left, and down on purl stitches.
+            const double aside = std::asin(across) / (2 * std::acos(-1.0));
+            const double start =
+                around.at(x, y) - turns * columns * along.at(x, y) + (purled ? -aside : aside);
+            std::optional<double>& first = starts[std::lround(row.at(x, y) * rows - 0.5)];
+            first = first.value_or(start);
+            wound += std::fabs(std::remainder(start - *first, 1.0)) < 0.03;
+            ++met;
+        }
+        // Pixels where a yarn lies over another mix their v.
+        EXPECT_GT(wound, 0.9 * met) << purled;
+        EXPECT_GT(met, 320 * 320 / 2);
+    }
+}
+
+TEST(Knit, LeavesNoHolesToSpeakOf)
+{
+    for (int stitch = 0; stitch < 6; ++stitch) {
+        const Picture mask = Evaluation("knit", 256, 256)
+                                 .set("stitches", {8, 0})
+                                 .set("stitch", {double(stitch)})
+                                 .set("output", {1})();
+        double open = 0;
+        for (int i = 0; i < 256 * 256; ++i)
+            open += 1 - mask.at(i % 256, i / 256);
+        EXPECT_LT(open / (256 * 256), 0.03) << stitch;
+    }
 }
 
 TEST(Knit, PurlsWhereThePatternSaysSo)
