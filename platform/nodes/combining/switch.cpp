@@ -10,6 +10,7 @@ namespace {
 struct SwitchState : SelectiveState
 {
     bool reads(int operand, int) const override { return operand == index; }
+    int handsOn(int channel) const override { return index * kMaxChannels + channel; }
 
     int index = 0;
 };

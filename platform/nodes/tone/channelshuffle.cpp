@@ -21,6 +21,8 @@ struct ChannelshuffleState : SelectiveState
         return std::count(picks.begin(), picks.end(), operand * kMaxChannels + channel) > 0;
     }
 
+    int handsOn(int channel) const override { return picks[channel] < kZero ? picks[channel] : -1; }
+
     std::array<int, kMaxChannels> picks{};
 };
 

@@ -10,6 +10,7 @@ namespace {
 struct ChannelsplitState : SelectiveState
 {
     bool reads(int, int plane) const override { return plane == channel; }
+    int handsOn(int) const override { return channel; }
 
     int channel = 0;
 };
