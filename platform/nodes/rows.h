@@ -29,6 +29,14 @@ inline float* rowOf(const MutableImage& image, int channel, int y)
     return image.planes[channel] + y * image.stride;
 }
 
+/// Whether a result is too large for any cache to hold: writing it past them saves reading the lines that are
+/// filled.
+inline bool goesPastCaches(const MutableImage& result)
+{
+    constexpr std::size_t kCached = std::size_t(8) << 20; // floats
+    return std::size_t(result.stride) * result.height * result.channels >= kCached;
+}
+
 /// Copies count pixels of a row of the given width from x on, which may lie anywhere, going around as often
 /// as it takes.
 inline void copyWrapped(const float* row, int width, int x, int count, float* result)

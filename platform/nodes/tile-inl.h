@@ -101,10 +101,7 @@ template<class Work> HWY_INLINE void forEachTile(const AreaJob& job, const Work&
 class TileWriter
 {
 public:
-    explicit TileWriter(const MutableImage& result)
-        : m_result(result), m_past(std::size_t(result.stride) * result.height * result.channels >= kCached)
-    {
-    }
+    explicit TileWriter(const MutableImage& result) : m_result(result), m_past(goesPastCaches(result)) {}
     TileWriter(const TileWriter&) = delete;
     TileWriter& operator=(const TileWriter&) = delete;
     ~TileWriter()
@@ -123,8 +120,6 @@ public:
     }
 
 private:
-    static constexpr std::size_t kCached = std::size_t(8) << 20; // floats
-
     const MutableImage& m_result;
     bool m_past;
 };

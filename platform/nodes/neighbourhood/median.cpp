@@ -22,14 +22,6 @@ struct MedianState : State
     int radius = 1;
 };
 
-/// Whether a result is too large for any cache to hold: writing it past them saves reading the lines that are
-/// filled.
-bool goesPastCaches(const MutableImage& result)
-{
-    constexpr std::size_t kCached = std::size_t(8) << 20; // floats
-    return std::size_t(result.stride) * result.height * result.channels >= kCached;
-}
-
 } // namespace
 } // namespace vellor::nodes
 #endif
