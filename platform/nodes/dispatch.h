@@ -16,9 +16,11 @@
 /// The same for kernels that put their results.
 #define NODES_PUTTING_ROW_KERNEL(kernel)                                                                     \
     HWY_EXPORT(kernel);                                                                                      \
-    static constexpr RowKernel run##kernel{[](const RowJob& job) { HWY_DYNAMIC_DISPATCH(kernel)              \
-                                                                   (job); },     \
-                                           true};
+    static void dispatch##kernel(const RowJob& job)                                                          \
+    {                                                                                                        \
+        HWY_DYNAMIC_DISPATCH(kernel)(job);                                                                   \
+    }                                                                                                        \
+    static constexpr RowKernel run##kernel{dispatch##kernel, true};
 
 #define NODES_AREA_KERNEL(kernel)                                                                            \
     HWY_EXPORT(kernel);                                                                                      \

@@ -226,8 +226,7 @@ struct NodeDeclaration
     void (*area)(const AreaJob&) = nullptr;
     // Area kernels of more than one pass: the scratch images, one for each pass but the last. Null: one pass.
     std::vector<ScratchShape> (*scratch)(const State*, const Setup&) = nullptr;
-    // Area kernels that work on some rows at a time: bands should have a multiple of these. They may have
-    // any.
+    // Area kernels that work on some rows at a time: bands should have a multiple of these, and may have any.
     int rowsTogether = 1;
 
     std::uint32_t id() const { return program::stableId(name); }

@@ -67,6 +67,9 @@ void expectSame(Evaluation run, const std::string& what)
         force(target);
         EXPECT_TRUE(run.split(1 << 20, 1 << 20)() == expected) << what << ", " << hwy::TargetName(target);
         EXPECT_TRUE(run.split(23, 7)() == expected) << what << ", split, " << hwy::TargetName(target);
+        EXPECT_TRUE(run.pastCaches(true)() == expected)
+            << what << ", past caches, " << hwy::TargetName(target);
+        run.pastCaches(false);
     }
     force(0);
 }

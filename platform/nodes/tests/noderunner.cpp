@@ -2,6 +2,7 @@
 
 #include "platform/nodes/form.h"
 #include "platform/nodes/rows.h"
+#include "platform/nodes/selectivestate.h"
 
 #include <cmath>
 #include <cstring>
@@ -191,6 +192,12 @@ Evaluation& Evaluation::seed(int seed)
     return *this;
 }
 
+Evaluation& Evaluation::pastCaches(bool past)
+{
+    m_pastCaches = past;
+    return *this;
+}
+
 Evaluation& Evaluation::split(int pixels, int rows)
 {
     m_pixels = pixels;
@@ -223,6 +230,22 @@ Picture Evaluation::operator()()
     return result;
 }
 
+namespace {
+
+/// What a kernel says that it hands on is in its result.
+void expectHandedOn(const RowJob& job)
+{
+    const auto* selective = dynamic_cast<const SelectiveState*>(job.state);
+    for (int c = 0; selective && c < job.channels; ++c) {
+        const int plane = selective->handsOn(c);
+        if (plane >= 0 && job.operands[plane] &&
+            std::memcmp(job.operands[plane], job.result[c], sizeof(float) * std::size_t(job.count)) != 0)
+            throw std::logic_error("Channel " + std::to_string(c) + " isn't what the kernel hands on");
+    }
+}
+
+} // namespace
+
 void Evaluation::runRows(const NodeDeclaration& form, const State* state, Picture& result)
 {
     // One line for each channel of each operand and of the result, so that every job starts on an aligned
@@ -243,7 +266,9 @@ void Evaluation::runRows(const NodeDeclaration& form, const State* state, Pictur
             }
             for (int c = 0; c < kMaxChannels; ++c)
                 job.result[c] = &lines.at(0, static_cast<int>(m_views.size()) * kMaxChannels + c);
+            job.pastCaches = m_pastCaches && form.row.puts;
             form.row(job);
+            expectHandedOn(job);
             for (int c = 0; c < m_channels; ++c)
                 std::copy_n(job.result[c], job.count, &result.at(x, y, c));
         }

@@ -75,6 +75,8 @@ public:
     Evaluation& seed(int seed);
     /// How much one job covers: pixels of a row, and rows of a band.
     Evaluation& split(int pixels, int rows);
+    /// Point kernels that put their results write them past the caches.
+    Evaluation& pastCaches(bool past);
 
     Picture operator()();
 
@@ -86,6 +88,7 @@ private:
     const NodeDeclaration& m_node;
     int m_width, m_height, m_channels;
     int m_seed = 0, m_pixels = 1 << 20, m_rows = 1 << 20;
+    bool m_pastCaches = false;
     std::vector<ParameterValue> m_parameters;
     std::vector<Picture> m_operands;
     std::vector<ImageView> m_views;
